@@ -1,0 +1,156 @@
+#include "benchmarks/Measure.h"
+
+#include <fcntl.h>
+#include <fmt/format.h>
+#include <malloc.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <time.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <memory>
+
+namespace glintar::bench {
+
+namespace {
+
+double median(std::vector<double> values) {
+    const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
+    std::ranges::nth_element(values, middle);
+    return *middle;
+}
+
+double seconds(const timeval& time) {
+    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
+}
+
+/// A field of /proc/self/status, in bytes.
+double statusBytes(const std::string& field) {
+    std::ifstream status("/proc/self/status");
+    std::string name;
+    double value = 0;
+    while (status >> name) {
+        if (name == field + ":") {
+            status >> value;
+            return value * 1024;
+        }
+    }
+    return 0;
+}
+
+double heapBytes() {
+    const auto info = ::mallinfo2();
+    return static_cast<double>(info.uordblks + info.hblkhd);
+}
+
+}  // namespace
+
+void printHeader() {
+    fmt::print("{:<58}{:>12}{:>12}{:>8}{:>8}  \n", "what", "ours", "floor", "ratio", "goal");
+}
+
+void printRow(const Row& row) {
+    const bool hasFloor = row.floor > 0;
+    const double judged = hasFloor ? row.ours / row.floor : row.ours;
+    const auto number = [&](double value) { return fmt::format("{:.4g} {}", value, row.unit); };
+    fmt::print("{:<58}{:>12}{:>12}{:>8}{:>8}  {}\n", row.name + (hasFloor ? " / " + row.floorName : ""),
+               number(row.ours), hasFloor ? number(row.floor) : "", hasFloor ? fmt::format("{:.2f}", judged) : "",
+               fmt::format("{:.4g}", row.goal), judged <= row.goal ? "met" : "missed");
+    std::fflush(stdout);
+}
+
+double processorSeconds() {
+    timespec time{};
+    ::clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
+    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) / 1e9;
+}
+
+Pair compare(int rounds, const std::function<void()>& ours, const std::function<void()>& floor) {
+    std::vector<double> oursSeconds, floorSeconds;
+    const auto once = [](const std::function<void()>& work, std::vector<double>& to) {
+        const double start = processorSeconds();
+        work();
+        to.push_back(processorSeconds() - start);
+    };
+    ours();
+    floor();
+    for (int round = 0; round < rounds; ++round) {
+        once(ours, oursSeconds);
+        once(floor, floorSeconds);
+    }
+    return {median(oursSeconds), median(floorSeconds)};
+}
+
+double commandSeconds(const std::vector<std::string>& command) {
+    const pid_t child = ::fork();
+    if (child == 0) {
+        const int nothing = ::open("/dev/null", O_WRONLY);
+        ::dup2(nothing, STDOUT_FILENO);
+        ::dup2(nothing, STDERR_FILENO);
+        std::vector<char*> arguments;
+        for (const auto& word : command) {
+            arguments.push_back(const_cast<char*>(word.c_str()));
+        }
+        arguments.push_back(nullptr);
+        ::execvp(arguments[0], arguments.data());
+        ::_exit(127);
+    }
+    int status = 0;
+    rusage usage{};
+    ::wait4(child, &status, 0, &usage);
+    return WIFEXITED(status) && WEXITSTATUS(status) == 0 ? seconds(usage.ru_utime) + seconds(usage.ru_stime) : -1;
+}
+
+std::vector<double> compareCommands(int rounds, const std::vector<std::vector<std::string>>& commands) {
+    std::vector<std::vector<double>> times(commands.size());
+    for (int round = 0; round < rounds; ++round) {
+        for (std::size_t i = 0; i < commands.size(); ++i) {
+            const double time = commandSeconds(commands[i]);
+            if (time < 0) {
+                fmt::print(stderr, "bench: failed: {}\n", fmt::join(commands[i], " "));
+                std::exit(1);
+            }
+            times[i].push_back(time);
+        }
+    }
+    std::vector<double> medians;
+    for (auto& time : times) {
+        medians.push_back(median(std::move(time)));
+    }
+    return medians;
+}
+
+Memory memoryOf(const std::function<std::shared_ptr<void>()>& work) {
+    int ends[2];
+    if (::pipe(ends) != 0) {
+        return {};
+    }
+    const pid_t child = ::fork();
+    if (child == 0) {
+        work();  // so that the code it needs is in memory and does not count
+        ::malloc_trim(0);
+        std::ofstream("/proc/self/clear_refs") << "5";  // the peak counts from here
+        const double heap = heapBytes();
+        const double resident = statusBytes("VmRSS");
+        Memory memory;
+        {
+            const auto kept = work();
+            memory.kept = heapBytes() - heap;
+            memory.peak = statusBytes("VmHWM") - resident;
+        }
+        [[maybe_unused]] const auto written = ::write(ends[1], &memory, sizeof memory);
+        ::_exit(0);
+    }
+    Memory memory;
+    [[maybe_unused]] const auto got = ::read(ends[0], &memory, sizeof memory);
+    ::waitpid(child, nullptr, 0);
+    ::close(ends[0]);
+    ::close(ends[1]);
+    return memory;
+}
+
+}  // namespace glintar::bench

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace glintar::bench {
+
+/// One line of the table: what was measured, beside its floor in the same run.
+struct Row {
+    std::string name;
+    double ours = 0;
+    double floor = 0;
+    double goal = 0;  ///< the most that `ours / floor` may be; with no floor, the most that `ours` may be
+    std::string unit;
+    std::string floorName;
+};
+
+void printHeader();
+void printRow(const Row& row);
+
+/// Processor time of this process so far, in seconds.
+double processorSeconds();
+
+/// Processor time of each of two pieces of work, in seconds a round: medians over rounds in which they take turns, so
+/// that a noisy machine is noisy for both.
+struct Pair {
+    double ours = 0;
+    double floor = 0;
+};
+Pair compare(int rounds, const std::function<void()>& ours, const std::function<void()>& floor);
+
+/// Processor time (user and system, children included) of a whole command; -1 when it fails. Its output is dropped.
+double commandSeconds(const std::vector<std::string>& command);
+
+/// As `compare`, for commands that take turns. Ends the program when one of them fails.
+std::vector<double> compareCommands(int rounds, const std::vector<std::vector<std::string>>& commands);
+
+/// Memory that `work` keeps and needed at its peak, in bytes over what there was before, in a process of its own.
+struct Memory {
+    double kept = 0;
+    double peak = 0;
+};
+Memory memoryOf(const std::function<std::shared_ptr<void>()>& work);
+
+}  // namespace glintar::bench

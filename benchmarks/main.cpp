@@ -1,0 +1,34 @@
+// glintar-bench PROGRAMS RESOURCES MINUTES [NAME]: prints the table; with a NAME ("documents", "once", "running") that
+// part of it alone. With MINUTES 0 the running program is left out.
+
+#include <fmt/format.h>
+
+#include <charconv>
+#include <string_view>
+
+#include "benchmarks/Benches.h"
+#include "benchmarks/Measure.h"
+
+int main(int argc, char** argv) {
+    using namespace glintar;
+    if (argc < 4) {
+        fmt::print(stderr, "usage: glintar-bench PROGRAMS RESOURCES MINUTES [NAME]\n");
+        return 2;
+    }
+    const std::string_view minutesText = argv[3];
+    int minutes = 0;
+    std::from_chars(minutesText.data(), minutesText.data() + minutesText.size(), minutes);
+    const std::string_view only = argc > 4 ? argv[4] : "";
+    const auto wanted = [&](std::string_view name) { return only.empty() || only == name; };
+    bench::printHeader();
+    if (wanted("documents")) {
+        bench::benchDocuments(argv[2]);
+    }
+    if (wanted("once")) {
+        bench::benchOnce(argv[1]);
+    }
+    if (minutes > 0 && wanted("running")) {
+        bench::benchRunning(argv[1], minutes);
+    }
+    return 0;
+}

@@ -1,0 +1,69 @@
+# Helpers by which every folder says what it holds. Each is a thin wrapper around one target.
+
+set(CMAKE_CXX_STANDARD 23)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+if(NOT CMAKE_BUILD_TYPE)
+    set(CMAKE_BUILD_TYPE Release CACHE STRING "" FORCE)
+endif()
+
+find_program(GLINTAR_CCACHE ccache)
+if(GLINTAR_CCACHE)
+    # Precompiled headers need these two sloppinesses, or ccache never hits.
+    set(CMAKE_CXX_COMPILER_LAUNCHER
+        ${CMAKE_COMMAND} -E env CCACHE_SLOPPINESS=pch_defines,time_macros,include_file_mtime,include_file_ctime
+        ${GLINTAR_CCACHE})
+endif()
+
+# The debug log is printed in debug builds only.
+add_library(glintar_options INTERFACE)
+target_include_directories(glintar_options INTERFACE ${PROJECT_SOURCE_DIR}/src)
+target_compile_options(glintar_options INTERFACE
+    -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wconversion -Wno-sign-conversion -Wno-missing-field-initializers
+    $<$<BOOL:${GLINTAR_WERROR}>:-Werror>
+    $<$<AND:$<BOOL:${GLINTAR_CCACHE}>,$<CXX_COMPILER_ID:GNU>>:-fpch-preprocess>)
+if(GLINTAR_SANITIZE)
+    target_compile_options(glintar_options INTERFACE
+        -fsanitize=${GLINTAR_SANITIZE} -fno-omit-frame-pointer -O1 $<$<BOOL:${GLINTAR_FUZZ}>:-fsanitize=fuzzer-no-link>)
+    if(GLINTAR_SANITIZE MATCHES undefined)
+        target_compile_options(glintar_options INTERFACE -fno-sanitize-recover=undefined)
+    endif()
+    target_link_options(glintar_options INTERFACE -fsanitize=${GLINTAR_SANITIZE})
+endif()
+
+set(GLINTAR_PCH_HEADERS <algorithm> <chrono> <expected> <filesystem> <functional> <map> <memory> <mutex> <optional>
+    <span> <string> <string_view> <unordered_map> <utility> <variant> <vector>)
+
+function(_glintar_pch target)
+    target_precompile_headers(${target} PRIVATE ${GLINTAR_PCH_HEADERS} ${ARGN})
+endfunction()
+
+# glintar_library(NAME SOURCES ... [PUBLIC targets...] [PRIVATE targets...])
+function(glintar_library name)
+    cmake_parse_arguments(arg "" "" "SOURCES;PUBLIC;PRIVATE" ${ARGN})
+    add_library(glintar_${name} STATIC ${arg_SOURCES})
+    target_link_libraries(glintar_${name} PUBLIC glintar_options ${arg_PUBLIC} PRIVATE ${arg_PRIVATE})
+    _glintar_pch(glintar_${name})
+endfunction()
+
+# glintar_test(NAME SOURCES ... [LIBRARIES targets...] [LABELS ...] [COMMAND wrapper...] [DEFINITIONS ...])
+# One test program a folder. COMMAND is put before the program.
+function(glintar_test name)
+    cmake_parse_arguments(arg "" "TIMEOUT" "SOURCES;LIBRARIES;LABELS;COMMAND;DEFINITIONS" ${ARGN})
+    add_executable(${name}_test ${arg_SOURCES})
+    target_link_libraries(${name}_test PRIVATE glintar_options ${arg_LIBRARIES} GTest::gmock_main)
+    target_include_directories(${name}_test PRIVATE ${PROJECT_SOURCE_DIR}/tests)
+    target_compile_definitions(${name}_test PRIVATE
+        GLINTAR_TEST_DATA="${PROJECT_SOURCE_DIR}/tests/data" GLINTAR_RESOURCES="${PROJECT_SOURCE_DIR}/src/resources"
+        ${arg_DEFINITIONS})
+    _glintar_pch(${name}_test <gmock/gmock.h> <gtest/gtest.h>)
+    add_test(NAME ${name} COMMAND ${arg_COMMAND} $<TARGET_FILE:${name}_test>)
+    if(NOT arg_LABELS)
+        set(arg_LABELS unit)
+    endif()
+    if(NOT arg_TIMEOUT)
+        set(arg_TIMEOUT 120)
+    endif()
+    set_tests_properties(${name} PROPERTIES LABELS "${arg_LABELS}" TIMEOUT ${arg_TIMEOUT})
+endfunction()

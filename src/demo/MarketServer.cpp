@@ -1,0 +1,269 @@
+#include "demo/MarketServer.h"
+
+#include "demo/CoinPicture.h"
+#include "demo/Market.h"
+#include "demo/MarketAnswers.h"
+#include "json/JsonWriter.h"
+
+#include <fmt/format.h>
+#include <httplib.h>
+
+#include <algorithm>
+#include <atomic>
+#include <condition_variable>
+#include <deque>
+#include <functional>
+#include <mutex>
+#include <thread>
+#include <utility>
+
+namespace glintar::demo {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto kJson = "application/json; charset=utf-8";
+constexpr std::size_t kLogLines = 10'000;
+
+/// A thread for each connection, so that one which hangs holds up no other.
+class ConnectionThreads final : public httplib::TaskQueue {
+public:
+    void enqueue(std::function<void()> task) override {
+        const std::scoped_lock lock(mutex_);
+        ++running_;
+        std::thread([this, task = std::move(task)] {
+            task();
+            const std::scoped_lock ending(mutex_);
+            --running_;
+            ended_.notify_all();
+        }).detach();
+    }
+    void shutdown() override {
+        std::unique_lock lock(mutex_);
+        ended_.wait(lock, [this] { return running_ == 0; });
+    }
+
+private:
+    std::mutex mutex_;
+    std::condition_variable ended_;
+    int running_ = 0;
+};
+
+std::string message(std::string_view text) {
+    json::Writer writer;
+    writer.beginObject().key("error").string(text).endObject();
+    return std::string(writer.text());
+}
+
+/// The good answer with one member more, whose value is no UTF-8.
+std::string withBadUtf8(std::string body) {
+    const auto object = body.find('{');
+    return object == std::string::npos ? "\"\xff\"" : body.insert(object + 1, "\"note\":\"\xff\",");
+}
+
+void sendHalf(httplib::Response& response, const std::string& body) {
+    response.set_content_provider(body.size(), kJson, [body](std::size_t offset, std::size_t, httplib::DataSink& sink) {
+        if (offset == 0) {
+            sink.write(body.data(), body.size() / 2);
+            return true;
+        }
+        return false;
+    });
+}
+
+void sendHuge(httplib::Response& response) {
+    constexpr std::size_t kHuge = 100'000'000;
+    response.set_chunked_content_provider(kJson, [](std::size_t offset, httplib::DataSink& sink) {
+        const std::string blanks(100'000, ' ');
+        if (offset == 0) {
+            sink.write("[", 1);
+        }
+        if (offset < kHuge) {
+            return sink.write(blanks.data(), blanks.size());
+        }
+        sink.write("]", 1);
+        sink.done();
+        return true;
+    });
+}
+
+}  // namespace
+
+struct MarketServer::Parts {
+    explicit Parts(const Options& from) : options(from), market(from.seed) {}
+
+    void handle(const httplib::Request& request, httplib::Response& response);
+    void handleControl(const httplib::Request& request, httplib::Response& response);
+    void answer(const Fault& fault, const Answer& good, httplib::Response& response);
+    void log(const httplib::Request& request);
+    Step nextStep();
+
+    /// Until the time has passed or the server is being stopped.
+    void wait(std::chrono::milliseconds time) {
+        std::unique_lock lock(mutex);
+        stopped.wait_for(lock, time, [this] { return isStopping; });
+    }
+
+    const Options options;
+    const Market market;
+    std::string address;
+    std::optional<MarketAnswers> answers;
+    MarketFaults faults;
+    const std::chrono::steady_clock::time_point start = std::chrono::steady_clock::now();
+    std::atomic<Step> requests{0};
+
+    std::mutex mutex;
+    std::condition_variable stopped;
+    bool isStopping = false;
+    std::deque<std::string> lines;
+
+    httplib::Server server;
+    std::atomic<bool> hasEnded{false};
+    std::jthread thread;  // last member: uses all others
+};
+
+Step MarketServer::Parts::nextStep() {
+    if (!options.step) {
+        return requests++;
+    }
+    return static_cast<Step>((std::chrono::steady_clock::now() - start) / *options.step);
+}
+
+void MarketServer::Parts::log(const httplib::Request& request) {
+    std::string line = request.method == "HEAD" ? "HEAD " + request.target : request.target;
+    if (const auto key = request.get_header_value("x-cg-demo-api-key"); !key.empty()) {
+        line += ' ' + key;
+    }
+    const std::scoped_lock lock(mutex);
+    lines.push_back(std::move(line));
+    if (lines.size() > kLogLines) {
+        lines.pop_front();
+    }
+}
+
+void MarketServer::Parts::handle(const httplib::Request& request, httplib::Response& response) {
+    const std::string_view path = request.path;
+    if (path.starts_with("/control/")) {
+        return handleControl(request, response);
+    }
+    log(request);
+    if (path.starts_with(MarketAnswers::kImagePath)) {
+        const auto name = path.substr(MarketAnswers::kImagePath.size());
+        return response.set_content(coinPicture(name.substr(0, name.find('/'))), "image/png");
+    }
+    const auto slash = std::min(path.find('/', 1), path.size());
+    Question question{.service = std::string(path.substr(std::min<std::size_t>(1, slash), slash - 1)),
+                      .path = std::string(path.substr(slash)),
+                      .parameters = {}};
+    question.parameters.insert(request.params.begin(), request.params.end());
+    const Fault fault = faults.take(question.service);
+    answer(fault, answers->answer(question, nextStep(), std::chrono::system_clock::now()), response);
+}
+
+void MarketServer::Parts::answer(const Fault& fault, const Answer& good, httplib::Response& response) {
+    response.status = good.status;
+    switch (fault.kind) {
+        case Fault::Kind::Slow:
+            wait(fault.delay);
+            [[fallthrough]];
+        case Fault::Kind::Off:
+            return response.set_content(good.body, kJson);
+        case Fault::Kind::Status:
+            response.status = fault.status;
+            return response.set_content(message(fmt::format("Refused with status {}", fault.status)), kJson);
+        case Fault::Kind::Hang:
+            return wait(24h);
+        case Fault::Kind::Truncated:
+            return sendHalf(response, good.body);
+        case Fault::Kind::Html:
+            return response.set_content("<!DOCTYPE html>\n<title>Checking your browser</title><p>One moment, please.\n",
+                                        "text/html; charset=utf-8");
+        case Fault::Kind::Wrong:
+            return response.set_content(R"({"ok":true,"result":[{"quote":{"value":"1"}}]})", kJson);
+        case Fault::Kind::Huge:
+            return sendHuge(response);
+        case Fault::Kind::Deep:
+            return response.set_content(std::string(100'000, '['), kJson);
+        case Fault::Kind::BadUtf8:
+            return response.set_content(withBadUtf8(good.body), kJson);
+    }
+}
+
+void MarketServer::Parts::handleControl(const httplib::Request& request, httplib::Response& response) {
+    response.status = 200;
+    if (request.path == "/control/log") {
+        const std::scoped_lock lock(mutex);
+        return response.set_content(lines.empty() ? "" : fmt::format("{}\n", fmt::join(lines, "\n")), "text/plain");
+    }
+    if (request.path != "/control/fault") {
+        response.status = 404;
+        return response.set_content(message("Not found"), kJson);
+    }
+    auto fault = Fault::named(request.get_param_value("kind"));
+    const auto number = [&](const char* name) { return wholeNumber(request.get_param_value(name)); };
+    const auto count = number("count");
+    const auto delay = number("ms");
+    if (!fault || (request.has_param("count") && !count) || (request.has_param("ms") && !delay)) {
+        response.status = 400;
+        return response.set_content(message("Which fault?"), kJson);
+    }
+    fault->delay = delay ? std::chrono::milliseconds{*delay} : fault->delay;
+    faults.set(request.get_param_value("service"), *fault, count);
+    response.set_content("{}", kJson);
+}
+
+std::expected<std::unique_ptr<MarketServer>, std::string> MarketServer::start(const Options& options) {
+    auto parts = std::make_unique<Parts>(options);
+    httplib::Server& server = parts->server;
+    server.new_task_queue = [] { return new ConnectionThreads; };
+    server.set_tcp_nodelay(true);
+    server.set_keep_alive_max_count(100'000);
+    // The default would also let a second server in at the same port.
+    server.set_socket_options([](int socket) {
+        const int yes = 1;
+        setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
+    });
+    server.set_pre_routing_handler([&all = *parts](const httplib::Request& request, httplib::Response& response) {
+        all.handle(request, response);
+        return httplib::Server::HandlerResponse::Handled;
+    });
+    int port = options.port;
+    const bool isBound =
+        port == 0 ? (port = server.bind_to_any_port("127.0.0.1")) > 0 : server.bind_to_port("127.0.0.1", port);
+    if (!isBound) {
+        return std::unexpected(fmt::format("cannot listen on port {} of 127.0.0.1", options.port));
+    }
+    parts->address = fmt::format("http://127.0.0.1:{}", port);
+    parts->answers.emplace(parts->market, parts->address);
+    parts->thread = std::jthread([&all = *parts] {
+        all.server.listen_after_bind();
+        all.hasEnded = true;
+    });
+    return std::unique_ptr<MarketServer>(new MarketServer(std::move(parts)));
+}
+
+MarketServer::MarketServer(std::unique_ptr<Parts> parts) : parts_(std::move(parts)) {}
+
+MarketServer::~MarketServer() {
+    {
+        const std::scoped_lock lock(parts_->mutex);
+        parts_->isStopping = true;
+    }
+    parts_->stopped.notify_all();
+    // stop() does nothing to a server that has not begun.
+    while (!parts_->server.is_running() && !parts_->hasEnded) {
+        std::this_thread::sleep_for(1ms);
+    }
+    parts_->server.stop();
+}
+
+const std::string& MarketServer::address() const {
+    return parts_->address;
+}
+
+MarketFaults& MarketServer::faults() {
+    return parts_->faults;
+}
+
+}  // namespace glintar::demo

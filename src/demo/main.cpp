@@ -1,0 +1,95 @@
+#include "demo/MarketDocument.h"
+#include "demo/MarketOptions.h"
+#include "demo/MarketServer.h"
+#include "platform/posix/PosixFiles.h"
+
+#include <fmt/format.h>
+
+#include <poll.h>
+#include <sys/prctl.h>
+#include <sys/signalfd.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <cstdio>
+#include <system_error>
+
+using namespace glintar;
+
+namespace {
+
+/// From now on the signals that end a program can be read from the descriptor that is returned.
+int catchEndSignals() {
+    sigset_t signals;
+    sigemptyset(&signals);
+    for (const int signal : {SIGTERM, SIGINT, SIGHUP}) {
+        sigaddset(&signals, signal);
+    }
+    pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+    return signalfd(-1, &signals, SFD_CLOEXEC);
+}
+
+/// Returns when a signal came or, with `input`, when that has reached its end.
+void waitForEnd(int signals, int input) {
+    std::array<pollfd, 2> watched = {
+        {{.fd = signals, .events = POLLIN, .revents = 0}, {.fd = input, .events = POLLIN, .revents = 0}}};
+    while (true) {
+        if (poll(watched.data(), watched.size(), -1) < 0 && errno != EINTR) {
+            return;
+        }
+        if (watched[0].revents != 0) {
+            return;
+        }
+        std::array<char, 512> ignored{};
+        if (watched[1].revents != 0 && read(input, ignored.data(), ignored.size()) <= 0) {
+            return;
+        }
+    }
+}
+
+int run(const demo::MarketOptions& options, int signals) {
+    const auto server = demo::MarketServer::start(options.server);
+    if (!server) {
+        fmt::print(stderr, "glintar-demo-market: {}\n", server.error());
+        return 1;
+    }
+    for (const std::string& fault : options.faults) {
+        if (const auto set = (*server)->faults().setFrom(fault); !set) {
+            fmt::print(stderr, "glintar-demo-market: {}\n", set.error());
+            return 2;
+        }
+    }
+    if (!options.configFile.empty()) {
+        const auto written =
+            platform::PosixFiles().replace(options.configFile, demo::marketDocument((*server)->address()));
+        if (!written) {
+            fmt::print(stderr, "glintar-demo-market: {}: {}\n", options.configFile.string(), written.error());
+            return 1;
+        }
+    }
+    fmt::print("listening on {}\n", (*server)->address());
+    std::fflush(stdout);
+    waitForEnd(signals, options.isWithParent ? STDIN_FILENO : -1);
+    if (demo::isDemoDirectory(options.removeAtEnd)) {
+        std::error_code ignored;
+        std::filesystem::remove_all(options.removeAtEnd, ignored);
+    }
+    _exit(0);  // clients that keep their connections open would hold up an orderly end
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    const auto options = demo::parseMarketOptions({argv, static_cast<std::size_t>(argc)});
+    if (!options || options->isHelp) {
+        fmt::print(options ? stdout : stderr, "{}{}", options ? "" : options.error() + "\n", demo::kMarketUsage);
+        return options ? 0 : 2;
+    }
+    const int signals = catchEndSignals();
+    if (options->isWithParent) {
+        prctl(PR_SET_PDEATHSIG, SIGTERM);
+    }
+    return run(*options, signals);
+}

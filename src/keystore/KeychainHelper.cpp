@@ -1,0 +1,39 @@
+#include "keystore/KeychainHelper.h"
+
+#include "platform/Platform.h"
+#include "platform/SecretStore.h"
+#include "text/Unicode.h"
+
+namespace glintar::keystore {
+
+namespace {
+constexpr std::string_view kAccount = "GlintarUser";
+}
+
+void KeychainHelper::save(std::string_view bytes, std::string_view keyName) const {
+    platform_.secrets.remove(keyName, kAccount);
+    platform_.secrets.add(keyName, kAccount, bytes);
+}
+
+std::optional<std::string> KeychainHelper::read(std::string_view keyName) const {
+    auto found = platform_.secrets.find(keyName, kAccount);
+    if (found.status != platform::SecretStatus::Done) {
+        return std::nullopt;
+    }
+    return std::move(found.bytes);
+}
+
+void KeychainHelper::delete_(std::string_view keyName) const {
+    platform_.secrets.remove(keyName, kAccount);
+}
+
+std::string KeychainHelper::keyNameOf(std::string_view sourceId) {
+    return "apiKey_" + std::string(sourceId);
+}
+
+std::string KeychainHelper::apiKeyOf(std::string_view sourceId) const {
+    auto bytes = read(keyNameOf(sourceId));
+    return bytes && text::isValidUtf8(*bytes) ? std::move(*bytes) : std::string();
+}
+
+}  // namespace glintar::keystore

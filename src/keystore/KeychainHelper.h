@@ -1,0 +1,32 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace glintar::platform {
+struct Platform;
+}
+
+namespace glintar::keystore {
+
+/// The user's API keys, in the desktop's secure store. Keeps nothing itself; main thread only, and never waits longer
+/// than the store does. No failure is reported: one that keeps a key from being read looks like a missing key.
+class KeychainHelper {
+public:
+    explicit KeychainHelper(platform::Platform& platform) : platform_(platform) {}
+
+    /// Replaces what is stored under the key name.
+    void save(std::string_view bytes, std::string_view keyName) const;
+    [[nodiscard]] std::optional<std::string> read(std::string_view keyName) const;
+    void delete_(std::string_view keyName) const;
+
+    /// Key name of a source's API key, and the key itself as text; empty when there is none or it is no UTF-8.
+    [[nodiscard]] static std::string keyNameOf(std::string_view sourceId);
+    [[nodiscard]] std::string apiKeyOf(std::string_view sourceId) const;
+
+private:
+    platform::Platform& platform_;
+};
+
+}  // namespace glintar::keystore

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <expected>
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace glintar::line {
+
+enum class Format { Text, Json };
+
+/// What the user asked the program to do.
+struct Arguments {
+    enum class Command { Desktop, Line, Help, Version };
+    Command command = Command::Desktop;
+    Format format = Format::Text;
+    bool once = false;
+    bool demo = false;
+};
+
+/// The error is a sentence for the user.
+[[nodiscard]] std::expected<Arguments, std::string> parseArguments(std::span<const char* const> arguments);
+
+[[nodiscard]] std::string_view usage();
+
+}  // namespace glintar::line

@@ -1,0 +1,62 @@
+#include "line/LineCommand.h"
+
+#include "config/APIConfigUpdater.h"
+#include "config/CoinListUpdater.h"
+#include "platform/Platform.h"
+#include "platform/TextOutput.h"
+
+namespace glintar::line {
+
+namespace {
+
+constexpr int kDone = 0;
+constexpr int kNoQuotes = 1;
+
+TextStatusBar::Options barOptions(const Arguments& arguments, const platform::TextOutput& output) {
+    return {.format = arguments.format,
+            .isLive = output.isTerminal() && arguments.format == Format::Text && !arguments.once,
+            .prefix = arguments.demo ? "[simulated] " : ""};
+}
+
+}  // namespace
+
+LineCommand::LineCommand(platform::Platform& platform, platform::TextOutput& output, const Arguments& arguments,
+                         std::function<void(int status)> finish)
+    : platform_(platform),
+      output_(output),
+      once_(arguments.once),
+      finish_(std::move(finish)),
+      statusBar_(platform, output, barOptions(arguments, output)),
+      controller_(platform, statusBar_, {.displayMode = 0}) {
+    output.onClosed = [this] { interrupt(); };
+    if (arguments.once || arguments.demo) {
+        // A single refresh is over before a new document could serve it, and the market that is simulated must not be
+        // exchanged for the real one.
+        config::APIConfigUpdater::shared(platform).skipCheck();
+        config::CoinListUpdater::shared(platform).skipCheck();
+    }
+    if (once_) {
+        statusBar_.onRefreshed = [this](bool hasQuotes) { finish_(hasQuotes ? kDone : kNoQuotes); };
+    }
+}
+
+void LineCommand::start() {
+    if (!once_) {
+        controller_.start();
+        config::CoinListUpdater::shared(platform_).checkForNewVersion();
+        return;
+    }
+    if (config::loadSavedCoins(platform_).empty()) {
+        statusBar_.showLine(menubar::composeStatusLine(platform_.preferences, {}, {}, std::nullopt, std::nullopt),
+                            std::nullopt);
+        statusBar_.refreshCompleted();
+        return;
+    }
+    controller_.refreshOnce();
+}
+
+void LineCommand::interrupt() {
+    finish_(once_ ? kNoQuotes : kDone);
+}
+
+}  // namespace glintar::line

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <functional>
+
+#include "line/Arguments.h"
+#include "line/TextStatusBar.h"
+#include "menubar/StatusBarController.h"
+
+namespace glintar::platform {
+struct Platform;
+class TextOutput;
+}  // namespace glintar::platform
+
+namespace glintar::line {
+
+/// `glintar line`: the presenter with a text status bar. It works as the line whatever the display mode says.
+/// The configuration server is asked for newer documents unless it runs once or on a simulated market.
+class LineCommand {
+public:
+    /// `finish` takes the exit status, once at most; it may come before `start` returns.
+    LineCommand(platform::Platform& platform, platform::TextOutput& output, const Arguments& arguments,
+                std::function<void(int status)> finish);
+
+    void start();
+
+    /// The user or the reader of the output has had enough: 0, but 1 when one refresh was asked for and is not there.
+    void interrupt();
+
+private:
+    platform::Platform& platform_;
+    platform::TextOutput& output_;
+    const bool once_;
+    std::function<void(int)> finish_;
+    TextStatusBar statusBar_;
+    menubar::StatusBarController controller_;
+};
+
+}  // namespace glintar::line

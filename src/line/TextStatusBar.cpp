@@ -1,0 +1,58 @@
+#include "line/TextStatusBar.h"
+
+#include <fmt/format.h>
+
+#include <array>
+#include <cmath>
+
+#include "line/LineFormat.h"
+#include "platform/Machine.h"
+#include "platform/Platform.h"
+#include "platform/RunLoop.h"
+#include "platform/TextOutput.h"
+
+namespace glintar::line {
+
+TextStatusBar::TextStatusBar(platform::Platform& platform, platform::TextOutput& output, Options options)
+    : platform_(platform), output_(output), options_(std::move(options)), text_(options_.prefix + "Loading...") {
+    if (options_.isLive) {
+        redraw();
+    }
+}
+
+void TextStatusBar::showLine(const menubar::StatusLine& line, std::optional<std::string> tooltip) {
+    line_ = line;
+    text_ = options_.prefix + plainText(line);
+    if (tooltip) {
+        tooltip_ = *std::move(tooltip);
+    }
+    if (options_.isLive) {
+        redraw();
+    }
+}
+
+void TextStatusBar::refreshCompleted() {
+    if (!options_.isLive) {
+        const auto time = platform_.localTime.clockText(platform_.runLoop.wallNow());
+        output_.printLine(options_.format == Format::Json ? jsonText(line_, text_, tooltip_, time) : text_);
+    }
+    if (onRefreshed) {
+        onRefreshed(!line_.coins.empty());
+    }
+}
+
+void TextStatusBar::showProgress(double elapsed, platform::Seconds remaining) {
+    static constexpr std::array<std::string_view, 4> kPies{"○", "◔", "◑", "◕"};
+    const auto pie = kPies[std::min<std::size_t>(static_cast<std::size_t>(elapsed * kPies.size()), kPies.size() - 1)];
+    auto countdown = fmt::format("{} {:2.0f}s ", pie, std::ceil(std::max(remaining.count(), 0.0)));
+    if (countdown != countdown_) {
+        countdown_ = std::move(countdown);
+        redraw();
+    }
+}
+
+void TextStatusBar::redraw() {
+    output_.redrawLine(countdown_ + text_);
+}
+
+}  // namespace glintar::line

@@ -1,0 +1,54 @@
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+
+#include "line/Arguments.h"
+#include "menubar/StatusSurface.h"
+
+namespace glintar::platform {
+struct Platform;
+class TextOutput;
+}  // namespace glintar::platform
+
+namespace glintar::line {
+
+/// The status bar of a machine without a display: one line of text a refresh. On a terminal, a text line is redrawn in
+/// place with a countdown before it.
+class TextStatusBar final : public menubar::StatusSurface {
+public:
+    struct Options {
+        Format format = Format::Text;
+        bool isLive = false;  ///< redrawn in place; wants a terminal
+        std::string prefix;   ///< before every line of text
+    };
+
+    TextStatusBar(platform::Platform& platform, platform::TextOutput& output, Options options);
+
+    /// Runs after the line of a refresh has been written; `hasQuotes` says whether it holds a coin.
+    std::function<void(bool hasQuotes)> onRefreshed;
+
+    void showLine(const menubar::StatusLine& line, std::optional<std::string> tooltip) override;
+    void hideLine() override {}
+    void refreshCompleted() override;
+    bool showsProgress() const override { return options_.isLive; }
+    void showProgress(double elapsed, platform::Seconds remaining) override;
+    bool canBeCovered() const override { return false; }
+    void checkVisibility() override {}
+    void updatePanel(menubar::PanelData) override {}
+    void updateDashboardItem(std::string_view, bool) override {}
+
+private:
+    void redraw();
+
+    platform::Platform& platform_;
+    platform::TextOutput& output_;
+    Options options_;
+    menubar::StatusLine line_;
+    std::string text_;
+    std::string tooltip_;
+    std::string countdown_;
+};
+
+}  // namespace glintar::line

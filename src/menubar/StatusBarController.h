@@ -1,0 +1,105 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "config/Coin.h"
+#include "market/MarketData.h"
+#include "menubar/StatusLine.h"
+#include "platform/DispatchGroup.h"
+#include "platform/Lifetime.h"
+#include "platform/NotificationCenter.h"
+#include "platform/RunLoop.h"
+
+namespace glintar::platform {
+struct Platform;
+}
+
+namespace glintar::menubar {
+
+class StatusSurface;
+struct RefreshState;
+
+/// Posted after the display settings have been saved.
+inline constexpr std::string_view kDisplaySettingsChanged = "DisplaySettingsChanged";
+
+/// The presenter: decides when quotes are fetched, joins them with the network fee, keeps the last good answer and
+/// hands it to the surface. Every 60 seconds, or 30 when the user has an API key for the selected source. At most one
+/// fetch is in flight. Main thread only.
+class StatusBarController {
+public:
+    enum class Urgency { Timer, Forced };
+    enum class Scope { Everything, OnlyGas };
+
+    struct Options {
+        /// The display mode, whatever the preferences say; 0 is the line, 1 the panel.
+        std::optional<int> displayMode;
+    };
+
+    StatusBarController(platform::Platform& platform, StatusSurface& surface, Options options);
+    StatusBarController(const StatusBarController&) = delete;
+    StatusBarController& operator=(const StatusBarController&) = delete;
+    ~StatusBarController();
+
+    /// Starts the timers; the first refresh comes a second later.
+    void start();
+
+    /// One refresh now, without timers.
+    void refreshOnce();
+
+    /// Schedules a fetch. Unforced ones within two seconds of the last are dropped; a burst becomes one.
+    void fetchAndDisplayPrice(Urgency urgency, Scope scope);
+    void refreshAll(Scope scope);
+    void forceFullUpdate() { refreshAll(Scope::Everything); }
+
+    /// Coins, source or API key may have changed.
+    void onSettingsChanged();
+    void onDisplaySettingsChanged();
+
+    [[nodiscard]] bool hasQuotes() const { return cachedMarketData_.has_value(); }
+
+private:
+    struct FetchResult;
+
+    void restartTimers();
+    void onTimer();
+    void onProgress();
+    platform::Seconds calculateRefreshInterval();
+    void performFetch(Scope scope);
+    void addPhantomCoin(std::vector<config::Coin>& coins);
+    bool isAnsweredByCache(const std::vector<config::Coin>& coins);
+    void handleFetchCompletion(FetchResult& result);
+    void renderStatusItem(const std::vector<config::Coin>& coins, const market::MarketDataMap& quotes,
+                          std::optional<std::string> error);
+    void updatePanel(const std::vector<config::Coin>& coins);
+    void redisplayFromCache();
+    void checkVisibilityAfter(platform::Duration delay);
+    [[nodiscard]] std::string selectedSourceID() const;
+
+    platform::Platform& platform_;
+    StatusSurface& surface_;
+    RefreshState& state_;
+
+    bool isApiKeyInvalid_ = false;
+    std::optional<market::MarketDataMap> cachedMarketData_;
+    std::optional<double> currentGasPrice_;
+    int currentDisplayMode_ = 0;
+    bool isFetching_ = false;
+    std::optional<platform::Instant> lastRequestTime_;
+    platform::Seconds currentInterval_{60.0};
+    std::int64_t lastGasSource_ = 0;
+    bool lastShowGasFee_ = false;
+
+    // Each of these calls us and ends with us.
+    platform::TimerHandle timer_;
+    platform::TimerHandle progressTimer_;
+    platform::TimerHandle firstRefresh_;
+    platform::TimerHandle pendingRequestWorkItem_;
+    std::vector<std::unique_ptr<platform::NotificationCenter::Observation>> observations_;
+    platform::Lifetime lifetime_;  // last member
+};
+
+}  // namespace glintar::menubar

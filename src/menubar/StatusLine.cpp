@@ -1,0 +1,55 @@
+#include "menubar/StatusLine.h"
+
+#include "platform/Preferences.h"
+
+namespace glintar::menubar {
+
+namespace {
+
+CoinPart composeCoin(const platform::Preferences& preferences, const config::Coin& coin,
+                     const market::UnifiedMarketData& quote) {
+    CoinPart part{.coin = coin, .quote = quote, .price = priceText(quote.price)};
+    part.reference = referenceText(coin.referencePrice);
+    if (quote.change24h && preferences.boolean("showChange24h")) {
+        part.change = changeText(*quote.change24h);
+    }
+    if (quote.high24h && quote.low24h && preferences.boolean("showHighLow24h")) {
+        part.highLow = highLowText(*quote.high24h, *quote.low24h);
+    }
+    part.showsSparkline = quote.sparkline && !quote.sparkline->empty() && preferences.boolean("showSparkline");
+    return part;
+}
+
+GasPart composeGas(const platform::Preferences& preferences, double fee, const market::MarketDataMap& quotes) {
+    GasPart part{.network = market::gasNetworkOf(preferences.integer("gasSource")), .fee = fee};
+    if (part.network == market::GasNetwork::Ethereum) {
+        if (const auto price = ethereumPrice(quotes)) {
+            part.transferCost = transferCost(fee, *price);
+        }
+    }
+    part.text = gasText(part.network, fee, part.transferCost);
+    return part;
+}
+
+}  // namespace
+
+StatusLine composeStatusLine(const platform::Preferences& preferences, const std::vector<config::Coin>& coins,
+                             const market::MarketDataMap& quotes, std::optional<double> gasPrice,
+                             std::optional<std::string> error) {
+    StatusLine line{.sourceId = preferences.string("selectedSourceID").value_or("coingecko")};
+    for (std::size_t i = 0; i < std::min(coins.size(), kShownCoins); ++i) {
+        if (const auto quote = quotes.find(coins[i].apiId); quote != quotes.end()) {
+            line.coins.push_back(composeCoin(preferences, coins[i], quote->second));
+        }
+    }
+    if (quotes.empty()) {
+        line.emptyText = emptyLineText(error);
+    }
+    if (gasPrice && preferences.boolean("showGasFee")) {
+        line.gas = composeGas(preferences, *gasPrice, quotes);
+    }
+    line.error = std::move(error);
+    return line;
+}
+
+}  // namespace glintar::menubar

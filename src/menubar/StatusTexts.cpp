@@ -1,0 +1,99 @@
+#include "menubar/StatusTexts.h"
+
+#include <fmt/format.h>
+
+#include <cmath>
+
+#include "text/Number.h"
+#include "text/Unicode.h"
+
+namespace glintar::menubar {
+
+namespace {
+
+std::string rangeText(double value) {
+    return text::fixed(value, value <= 1.0 ? 3 : 1);
+}
+
+}  // namespace
+
+std::string priceText(double price) {
+    return text::fixed(price, price <= 1.0 ? 4 : 2);
+}
+
+std::optional<std::string> referenceText(std::optional<double> referencePrice) {
+    return referencePrice && *referencePrice > 0 ? std::optional(text::fixed(*referencePrice, 2)) : std::nullopt;
+}
+
+std::string changeText(double change24h) {
+    return fmt::format("{}{}%", change24h >= 0 ? "+" : "", text::fixed(change24h, 2));
+}
+
+HighLowText highLowText(double high, double low) {
+    return {rangeText(high), rangeText(low)};
+}
+
+std::string formatGasValue(double value) {
+    if (value == 0) {
+        return "0";
+    }
+    if (value < 0.01) {
+        return "<0.01";
+    }
+    return text::fixed(value, value == std::floor(value) ? 0 : 2);
+}
+
+std::optional<double> transferCost(double fee, double ethereumPrice) {
+    return ethereumPrice > 0 ? std::optional(fee * 21'000 * ethereumPrice / 1'000'000'000) : std::nullopt;
+}
+
+std::optional<double> ethereumPrice(const market::MarketDataMap& quotes) {
+    auto quote = quotes.find("ethereum");
+    if (quote == quotes.end()) {
+        quote = quotes.find("ETH");
+    }
+    return quote != quotes.end() && quote->second.price > 0 ? std::optional(quote->second.price) : std::nullopt;
+}
+
+std::string gasText(market::GasNetwork network, double fee, std::optional<double> cost) {
+    if (network == market::GasNetwork::Bitcoin) {
+        return formatGasValue(fee) + " sat";
+    }
+    return formatGasValue(fee) + "G" + (cost ? fmt::format(" (${})", text::fixed(*cost, 3)) : "");
+}
+
+std::string shortErrorLabel(std::string_view error) {
+    const auto lowered = text::lower(error);
+    if (lowered.contains("429")) {
+        return "Limit 429";
+    }
+    if (lowered.contains("network")) {
+        return "Net Error";
+    }
+    if (lowered.contains("timeout")) {
+        return "Timeout";
+    }
+    if (lowered.contains("server")) {
+        return "Server Err";
+    }
+    return "Error";
+}
+
+std::string emptyLineText(const std::optional<std::string>& error) {
+    return error ? "⚠️ " + shortErrorLabel(*error) : "No Price Data";
+}
+
+std::string tooltipText(const std::optional<std::string>& error, bool hasQuotes, bool isApiKeyInvalid,
+                        std::string_view time) {
+    if (!error) {
+        return fmt::format("{}{}", hasQuotes ? "Last Updated: " : "⚠️ No Price Data @ ", time);
+    }
+    return isApiKeyInvalid ? fmt::format("⚠️ Invalid API Key (Reverted to 60s) @ {}", time)
+                           : fmt::format("Error: {} @ {}", *error, time);
+}
+
+bool isKeyRejection(std::string_view error) {
+    return error.contains("401") || error.contains("403");
+}
+
+}  // namespace glintar::menubar

@@ -1,0 +1,55 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "market/GasNetwork.h"
+#include "market/MarketData.h"
+
+namespace glintar::menubar {
+
+// What the price line says, in words and numbers. The locale never matters.
+
+/// Four decimals up to and including 1, two above.
+[[nodiscard]] std::string priceText(double price);
+
+/// None for a reference price that is missing or not above 0.
+[[nodiscard]] std::optional<std::string> referenceText(std::optional<double> referencePrice);
+
+/// "+1.20%", "-2.50%", "+0.00%".
+[[nodiscard]] std::string changeText(double change24h);
+
+/// Each with three decimals up to and including 1, one above.
+struct HighLowText {
+    std::string high;
+    std::string low;
+};
+[[nodiscard]] HighLowText highLowText(double high, double low);
+
+/// "0", "<0.01", "12", "12.50".
+[[nodiscard]] std::string formatGasValue(double value);
+
+/// Dollars for a plain Ethereum transfer (21 000 gas; fee in Gwei). None without a price above 0.
+[[nodiscard]] std::optional<double> transferCost(double fee, double ethereumPrice);
+
+/// The Ethereum price among quotes, under whichever identifier it came; none when it is not above 0.
+[[nodiscard]] std::optional<double> ethereumPrice(const market::MarketDataMap& quotes);
+
+/// "12G ($0.525)", "12G", "7 sat".
+[[nodiscard]] std::string gasText(market::GasNetwork network, double fee, std::optional<double> cost);
+
+/// A few words for an engine's error text, such as "Limit 429" or "Net Error".
+[[nodiscard]] std::string shortErrorLabel(std::string_view error);
+
+/// What stands in place of the coins when there is no quote at all.
+[[nodiscard]] std::string emptyLineText(const std::optional<std::string>& error);
+
+/// `time` as "HH:mm:ss".
+[[nodiscard]] std::string tooltipText(const std::optional<std::string>& error, bool hasQuotes, bool isApiKeyInvalid,
+                                      std::string_view time);
+
+/// Whether the service refused the API key (401 or 403).
+[[nodiscard]] bool isKeyRejection(std::string_view error);
+
+}  // namespace glintar::menubar

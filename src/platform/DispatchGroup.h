@@ -1,0 +1,31 @@
+#pragma once
+
+#include <memory>
+
+#include "platform/Task.h"
+
+namespace glintar::platform {
+
+class RunLoop;
+class WorkQueue;
+
+/// Counts work that is under way and says when all of it has ended. Copies share one count; thread-safe.
+///
+/// Every `enter` needs one `leave`. A `notify` runs once, when the count is zero: at once handed to its queue when
+/// nothing is under way, else by the `leave` that empties the group.
+class DispatchGroup {
+public:
+    DispatchGroup();
+
+    void enter();
+    void leave();
+    void notify(RunLoop& runLoop, Task task);
+    void notify(WorkQueue& queue, Task task);
+
+private:
+    struct State;
+    void notifyWhenEmpty(Task deliver);
+    std::shared_ptr<State> state_;
+};
+
+}  // namespace glintar::platform

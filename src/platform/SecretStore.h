@@ -1,0 +1,36 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <string_view>
+
+namespace glintar::platform {
+
+/// How a call to the secret store ended. `Pending`: no answer within the time a caller may wait; `onChange` tells
+/// when there is one.
+enum class SecretStatus { Done, NotFound, Locked, Unavailable, Pending, Failed };
+
+struct SecretLookup {
+    SecretStatus status = SecretStatus::NotFound;
+    std::string bytes;  ///< the secret when `status` is `Done`; any bytes
+};
+
+/// The desktop's secure store of secrets; an item is addressed by service and account. Main thread only.
+///
+/// No read prompts the user, and no call waits for a prompt, waits longer than 100 ms or starts a message bus. What was
+/// added (in place of what there was) or removed reads so at once, and is taken back, with a change notice, when the
+/// store refuses later.
+class SecretStore {
+public:
+    virtual ~SecretStore() = default;
+
+    [[nodiscard]] virtual SecretLookup find(std::string_view service, std::string_view account) = 0;
+    virtual SecretStatus add(std::string_view service, std::string_view account, std::string_view bytes) = 0;
+    virtual SecretStatus remove(std::string_view service, std::string_view account) = 0;
+
+    /// Runs on the main thread when an item that was asked for before reads differently now: unlocked or written
+    /// elsewhere, answered late, or refused.
+    std::function<void()> onChange;
+};
+
+}  // namespace glintar::platform

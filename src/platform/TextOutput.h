@@ -1,0 +1,25 @@
+#pragma once
+
+#include <functional>
+#include <string_view>
+
+namespace glintar::platform {
+
+/// Standard output as a place for lines of text. Main thread only.
+class TextOutput {
+public:
+    virtual ~TextOutput() = default;
+
+    [[nodiscard]] virtual bool isTerminal() const = 0;
+
+    /// Writes one line and its line break.
+    virtual void printLine(std::string_view text) = 0;
+
+    /// On a terminal: puts the text in place of the one that was put there last; what does not fit is cut off.
+    virtual void redrawLine(std::string_view text) = 0;
+
+    /// Runs once, on the main thread, when nobody can read the output any more.
+    std::function<void()> onClosed;
+};
+
+}  // namespace glintar::platform

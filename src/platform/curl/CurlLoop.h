@@ -1,0 +1,57 @@
+#pragma once
+
+#include <curl/curl.h>
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <vector>
+
+#include "platform/HttpClient.h"
+#include "platform/RunLoop.h"
+#include "platform/curl/CurlHandles.h"
+#include "platform/curl/CurlTrust.h"
+
+namespace glintar::platform {
+
+class CurlExchange;
+class CurlInbox;
+
+/// What the HTTP thread does: takes mail, moves bytes, completes what has ended, sleeps. Idle, it is not woken.
+class CurlLoop {
+public:
+    explicit CurlLoop(CurlInbox& inbox);
+    ~CurlLoop();
+    CurlLoop(const CurlLoop&) = delete;
+    CurlLoop& operator=(const CurlLoop&) = delete;
+
+    /// Returns once the inbox says to stop and everything has been completed.
+    void run();
+
+private:
+    struct Active {
+        std::uint64_t id = 0;
+        std::unique_ptr<CurlExchange> exchange;
+        CurlEasy handle;
+    };
+
+    bool takeMail();
+    void start(std::uint64_t id, std::unique_ptr<CurlExchange> exchange);
+    void launch(Active& active);
+    void readMessages();
+    void endStalled();
+    void end(std::uint64_t id, HttpResult result);
+    void complete(CurlExchange& exchange, HttpResult result);
+    [[nodiscard]] int pollMilliseconds() const;
+    [[nodiscard]] CurlEasy takeHandle();
+
+    CurlInbox& inbox_;
+    CURLM* multi_;
+    CURLSH* share_;
+    CurlTrust trust_;
+    std::map<std::uint64_t, Active> active_;
+    std::vector<CurlEasy> spare_;
+    bool trimWanted_ = false;
+};
+
+}  // namespace glintar::platform

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <expected>
+#include <string>
+
+namespace glintar::platform {
+
+/// An absolute http or https address, taken apart as far as redirects need it.
+struct WebAddress {
+    std::string url;
+    std::string origin;  ///< scheme, host and port, comparable
+    bool secure = false;
+
+    /// Fails with curl's description.
+    static std::expected<WebAddress, std::string> parse(const std::string& url);
+
+    /// Where a Location header leads from here; relative ones too, and blanks in it are escaped.
+    [[nodiscard]] std::expected<WebAddress, std::string> follow(const char* location) const;
+};
+
+}  // namespace glintar::platform

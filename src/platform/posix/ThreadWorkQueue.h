@@ -1,0 +1,36 @@
+#pragma once
+
+#include <condition_variable>
+#include <deque>
+#include <mutex>
+#include <thread>
+#include <vector>
+
+#include "platform/WorkQueue.h"
+
+namespace glintar::platform {
+
+/// A few threads, each started when there is work that nobody is free for. They sleep while there is none.
+class ThreadWorkQueue final : public WorkQueue {
+public:
+    /// `runLoop` tells when delayed work is due.
+    ThreadWorkQueue(RunLoop& runLoop, std::size_t maxThreads) : runLoop_(runLoop), maxThreads_(maxThreads) {}
+    ~ThreadWorkQueue() override;
+
+    void async(Task task) override;
+    void asyncAfter(Duration delay, Task task) override;
+
+private:
+    void work();
+
+    RunLoop& runLoop_;
+    const std::size_t maxThreads_;
+    std::mutex mutex_;
+    std::condition_variable wake_;
+    std::deque<Task> waiting_;
+    std::size_t idle_ = 0;
+    bool isEnding_ = false;
+    std::vector<std::thread> threads_;
+};
+
+}  // namespace glintar::platform

@@ -1,0 +1,127 @@
+#include "platform/qtcore/QtPreferences.h"
+
+#include <QFileSystemWatcher>
+#include <system_error>
+
+#include "platform/Console.h"
+
+namespace glintar::platform {
+
+namespace {
+
+QString keyOf(std::string_view key) {
+    return QString::fromUtf8(key.data(), static_cast<qsizetype>(key.size()));
+}
+
+}  // namespace
+
+QtPreferences::QtPreferences(const std::filesystem::path& file, Console& console)
+    : file_(file), console_(console), settings_(QString::fromStdString(file.string()), QSettings::NativeFormat) {
+    settings_.setFallbacksEnabled(false);
+}
+
+QtPreferences::~QtPreferences() = default;
+
+QVariant QtPreferences::value(std::string_view key) const {
+    settings_.sync();  // another process may have written the file; costs a look at its date
+    if (settings_.status() == QSettings::FormatError && !isDamageReported_) {
+        isDamageReported_ = true;
+        console_.print("⚠️ [Preferences] damaged, read as far as possible: " + file_.string());
+    }
+    return settings_.value(keyOf(key));
+}
+
+bool QtPreferences::boolean(std::string_view key) const {
+    return value(key).toBool();
+}
+
+std::int64_t QtPreferences::integer(std::string_view key) const {
+    return value(key).toLongLong();
+}
+
+double QtPreferences::real(std::string_view key) const {
+    return value(key).toDouble();
+}
+
+std::optional<std::string> QtPreferences::string(std::string_view key) const {
+    const auto found = value(key);
+    return found.canConvert<QString>() ? std::optional(found.toString().toStdString()) : std::nullopt;
+}
+
+std::optional<std::string> QtPreferences::data(std::string_view key) const {
+    const auto found = value(key);
+    return found.canConvert<QByteArray>() ? std::optional(found.toByteArray().toStdString()) : std::nullopt;
+}
+
+void QtPreferences::setBoolean(std::string_view key, bool value) {
+    set(key, value);
+}
+
+void QtPreferences::setInteger(std::string_view key, std::int64_t value) {
+    set(key, static_cast<qlonglong>(value));
+}
+
+void QtPreferences::setReal(std::string_view key, double value) {
+    set(key, value);
+}
+
+void QtPreferences::setString(std::string_view key, std::string_view value) {
+    set(key, keyOf(value));
+}
+
+void QtPreferences::setData(std::string_view key, std::string_view bytes) {
+    set(key, QByteArray(bytes.data(), static_cast<qsizetype>(bytes.size())));
+}
+
+void QtPreferences::remove(std::string_view key) {
+    prepareWrite();
+    settings_.remove(keyOf(key));
+    finishWrite();
+}
+
+void QtPreferences::set(std::string_view key, const QVariant& value) {
+    prepareWrite();
+    settings_.setValue(keyOf(key), value);
+    finishWrite();
+}
+
+void QtPreferences::prepareWrite() {
+    settings_.sync();
+    if (settings_.status() == QSettings::FormatError) {
+        auto copy = file_;
+        copy += ".damaged";
+        std::error_code ignored;
+        std::filesystem::copy_file(file_, copy, std::filesystem::copy_options::skip_existing, ignored);
+    }
+}
+
+void QtPreferences::finishWrite() {
+    settings_.sync();
+    if (settings_.status() == QSettings::AccessError) {
+        console_.print("⚠️ [Preferences] could not be written: " + file_.string());
+    }
+}
+
+void QtPreferences::watch() {
+    watcher_ = std::make_unique<QFileSystemWatcher>();
+    watchPaths();
+    const auto changed = [this] {
+        watchPaths();  // a file that was replaced is watched no more
+        if (onExternalChange) {
+            onExternalChange();
+        }
+    };
+    QObject::connect(watcher_.get(), &QFileSystemWatcher::fileChanged, watcher_.get(), changed);
+    QObject::connect(watcher_.get(), &QFileSystemWatcher::directoryChanged, watcher_.get(), changed);
+}
+
+void QtPreferences::watchPaths() {
+    for (const auto& path : {file_, file_.parent_path()}) {
+        std::error_code ignored;
+        if (std::filesystem::exists(path, ignored)) {
+            watcher_->addPath(QString::fromStdString(path.string()));
+        }
+    }
+}
+
+}  // namespace glintar::platform

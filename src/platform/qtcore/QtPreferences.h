@@ -1,0 +1,52 @@
+#pragma once
+
+#include <QSettings>
+#include <filesystem>
+#include <memory>
+
+#include "platform/Preferences.h"
+
+class QFileSystemWatcher;
+
+namespace glintar::platform {
+
+class Console;
+
+/// The preference file, in the INI form of QSettings. A file that cannot be read as such reads as far as it can be;
+/// before the first write to it, a copy is put beside it under its name and ".damaged".
+class QtPreferences final : public Preferences {
+public:
+    QtPreferences(const std::filesystem::path& file, Console& console);
+    ~QtPreferences() override;
+
+    bool boolean(std::string_view key) const override;
+    std::int64_t integer(std::string_view key) const override;
+    double real(std::string_view key) const override;
+    std::optional<std::string> string(std::string_view key) const override;
+    std::optional<std::string> data(std::string_view key) const override;
+
+    void setBoolean(std::string_view key, bool value) override;
+    void setInteger(std::string_view key, std::int64_t value) override;
+    void setReal(std::string_view key, double value) override;
+    void setString(std::string_view key, std::string_view value) override;
+    void setData(std::string_view key, std::string_view bytes) override;
+    void remove(std::string_view key) override;
+
+    /// From now on `onExternalChange` runs when the file changes.
+    void watch();
+
+private:
+    QVariant value(std::string_view key) const;
+    void set(std::string_view key, const QVariant& value);
+    void prepareWrite();
+    void finishWrite();
+    void watchPaths();
+
+    std::filesystem::path file_;
+    Console& console_;
+    mutable QSettings settings_;
+    mutable bool isDamageReported_ = false;
+    std::unique_ptr<QFileSystemWatcher> watcher_;
+};
+
+}  // namespace glintar::platform

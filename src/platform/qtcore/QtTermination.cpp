@@ -1,0 +1,53 @@
+#include "platform/qtcore/QtTermination.h"
+
+#include <sys/eventfd.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <cerrno>
+#include <csignal>
+#include <cstdint>
+
+namespace glintar::platform {
+
+namespace {
+
+std::atomic<int> wakeFd = -1;
+
+void onSignal(int) {
+    const int error = errno;
+    const std::uint64_t one = 1;
+    [[maybe_unused]] const auto written = ::write(wakeFd, &one, sizeof one);
+    errno = error;
+}
+
+void handle(int signal, void (*handler)(int)) {
+    struct sigaction action{};
+    action.sa_handler = handler;
+    action.sa_flags = SA_RESTART;
+    ::sigaction(signal, &action, nullptr);
+}
+
+}  // namespace
+
+QtTermination::QtTermination(std::function<void()> onTerminate) : onTerminate_(std::move(onTerminate)) {
+    wakeFd = ::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
+    notifier_ = std::make_unique<QSocketNotifier>(wakeFd, QSocketNotifier::Read);
+    QObject::connect(notifier_.get(), &QSocketNotifier::activated, notifier_.get(), [this] {
+        std::uint64_t count = 0;
+        [[maybe_unused]] const auto got = ::read(wakeFd, &count, sizeof count);
+        onTerminate_();
+    });
+    handle(SIGINT, onSignal);
+    handle(SIGTERM, onSignal);
+    handle(SIGPIPE, SIG_IGN);
+}
+
+QtTermination::~QtTermination() {
+    handle(SIGINT, SIG_DFL);
+    handle(SIGTERM, SIG_DFL);
+    notifier_.reset();
+    ::close(wakeFd.exchange(-1));
+}
+
+}  // namespace glintar::platform

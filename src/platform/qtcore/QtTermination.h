@@ -1,0 +1,21 @@
+#pragma once
+
+#include <QSocketNotifier>
+#include <functional>
+#include <memory>
+
+namespace glintar::platform {
+
+/// Turns SIGINT and SIGTERM into a call on the main thread; SIGPIPE is ignored, so that writing to a closed pipe is
+/// an error like any other. One per process, made after the QCoreApplication.
+class QtTermination {
+public:
+    explicit QtTermination(std::function<void()> onTerminate);
+    ~QtTermination();
+
+private:
+    std::function<void()> onTerminate_;
+    std::unique_ptr<QSocketNotifier> notifier_;
+};
+
+}  // namespace glintar::platform

@@ -1,0 +1,51 @@
+#include "platform/secret/LoadedSecretStore.h"
+
+#include <dlfcn.h>
+
+#include <string>
+
+#include "platform/Console.h"
+#include "platform/posix/InstalledBundle.h"
+#include "platform/secret/SecretModule.h"
+#include "platform/secret/SessionBus.h"
+
+namespace glintar::platform {
+
+SecretLookup LoadedSecretStore::find(std::string_view service, std::string_view account) {
+    auto* const found = store();
+    return found ? found->find(service, account) : SecretLookup{SecretStatus::Unavailable, {}};
+}
+
+SecretStatus LoadedSecretStore::add(std::string_view service, std::string_view account, std::string_view bytes) {
+    auto* const found = store();
+    return found ? found->add(service, account, bytes) : SecretStatus::Unavailable;
+}
+
+SecretStatus LoadedSecretStore::remove(std::string_view service, std::string_view account) {
+    auto* const found = store();
+    return found ? found->remove(service, account) : SecretStatus::Unavailable;
+}
+
+SecretStore* LoadedSecretStore::store() {
+    if (store_ || hasFailed_ || !sessionBusAddress()) {
+        return store_.get();
+    }
+    // Never unloaded: GLib's types cannot be.
+    const auto path = InstalledBundle::program("glintar-secret.so");
+    void* const module = ::dlopen(path ? path->c_str() : "glintar-secret.so", RTLD_NOW | RTLD_LOCAL | RTLD_NODELETE);
+    auto* const make = module ? reinterpret_cast<MakeSecretStore*>(::dlsym(module, "glintarMakeSecretStore")) : nullptr;
+    if (!make) {
+        hasFailed_ = true;
+        console_.print(std::string("⚠️ [KeyStore] ") + ::dlerror());
+        return nullptr;
+    }
+    store_.reset(make(runLoop_));
+    store_->onChange = [this] {
+        if (onChange) {
+            onChange();
+        }
+    };
+    return store_.get();
+}
+
+}  // namespace glintar::platform

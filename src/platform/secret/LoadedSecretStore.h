@@ -1,0 +1,31 @@
+#pragma once
+
+#include <memory>
+
+#include "platform/SecretStore.h"
+
+namespace glintar::platform {
+
+class Console;
+class RunLoop;
+
+/// The desktop's key ring, whose code is loaded at the first call, and only where there is a bus to ask it over.
+/// Without one, or without the module, every call ends in `Unavailable`.
+class LoadedSecretStore final : public SecretStore {
+public:
+    LoadedSecretStore(RunLoop& runLoop, Console& console) : runLoop_(runLoop), console_(console) {}
+
+    SecretLookup find(std::string_view service, std::string_view account) override;
+    SecretStatus add(std::string_view service, std::string_view account, std::string_view bytes) override;
+    SecretStatus remove(std::string_view service, std::string_view account) override;
+
+private:
+    SecretStore* store();
+
+    RunLoop& runLoop_;
+    Console& console_;
+    bool hasFailed_ = false;
+    std::unique_ptr<SecretStore> store_;
+};
+
+}  // namespace glintar::platform

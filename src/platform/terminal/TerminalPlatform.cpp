@@ -1,0 +1,38 @@
+#include "platform/terminal/TerminalPlatform.h"
+
+namespace glintar::platform {
+
+namespace {
+
+// Joining quotes and waiting for a retry is all the background work there is.
+constexpr std::size_t kWorkThreads = 1;
+
+}  // namespace
+
+TerminalPlatform::TerminalPlatform(int& argc, char** argv, std::string configServer)
+    : application_(argc, argv),
+      termination_([this] {
+          if (onTerminate) {
+              onTerminate();
+          }
+      }),
+      bundle_(std::move(configServer)),
+      preferences_(XdgDirectories::configuration().value_or("/nonexistent") / "glintar.conf", console_),
+      workQueue_(runLoop_, kWorkThreads),
+      platform_{runLoop_, workQueue_, http_,    preferences_, secrets_,   notifications_, directories_,
+                bundle_,  files_,     console_, entropy_,     localTime_, registry_} {}
+
+TerminalPlatform::~TerminalPlatform() = default;
+
+int TerminalPlatform::exec() {
+    return exitStatus_ ? *exitStatus_ : QCoreApplication::exec();
+}
+
+void TerminalPlatform::exit(int status) {
+    if (!exitStatus_) {
+        exitStatus_ = status;
+        QCoreApplication::exit(status);
+    }
+}
+
+}  // namespace glintar::platform

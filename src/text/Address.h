@@ -1,0 +1,17 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace glintar::text {
+
+/// The text with every occurrence of `what` replaced, from left to right; replacements are not looked at again.
+[[nodiscard]] std::string replaceAll(std::string_view text, std::string_view what, std::string_view with);
+
+/// A web address as it can be sent (RFC 3986): characters that are illegal in an address (blanks, "|", control
+/// characters, anything beyond ASCII, a "%" that begins no escape) are percent-encoded, reserved characters and
+/// finished escapes stay. None unless the scheme is http or https (in any case) and there is a host.
+[[nodiscard]] std::optional<std::string> webAddress(std::string_view text);
+
+}  // namespace glintar::text

@@ -1,0 +1,104 @@
+#include "config/AppConfig.h"
+
+#include <gtest/gtest.h>
+
+#include "text/Address.h"
+
+namespace glintar::config {
+namespace {
+
+/// Every field of the format, each with a value of its own.
+constexpr std::string_view kWhole = R"({"sources":[{"id":"s1","name":"S One","supports_batch":true,
+"batch_separator":"|","batch_param_type":"symbol","url_template":"u","response_type":"array","id_mapping_path":"i",
+"image_path":"im","price_path":"p","change_path":"c","high_path":"h","low_path":"l","sparkline_path":"sp",
+"offical_URL":"o","API_intro":"a","api_key_available":true,"header":"H","extra":[{}]},
+{"id":"s2","name":"","supports_batch":false,"url_template":"","response_type":"","price_path":"","header":null}],
+"gas_configs":[{"id":"g","name":"G","url":"gu","price_path":"gp","divider":1e9}],"extra":{}})";
+
+std::string wholeBut(std::string_view what, std::string_view with) {
+    std::string text = text::replaceAll(kWhole, what, with);
+    EXPECT_NE(text, kWhole) << what;
+    return text;
+}
+
+TEST(AppConfigTest, DecodesEveryField) {
+    const auto config = decodeAppConfig(std::string(kWhole));
+    ASSERT_TRUE(config) << config.error();
+    ASSERT_EQ(config->sources.size(), 2u);
+    const SourceConfig& source = config->sources[0];
+    EXPECT_EQ(source.id, "s1");
+    EXPECT_EQ(source.name, "S One");
+    EXPECT_TRUE(source.supports_batch);
+    EXPECT_EQ(source.batch_separator, "|");
+    EXPECT_EQ(source.batch_param_type, "symbol");
+    EXPECT_EQ(source.url_template, "u");
+    EXPECT_EQ(source.response_type, "array");
+    EXPECT_EQ(source.id_mapping_path, "i");
+    EXPECT_EQ(source.image_path, "im");
+    EXPECT_EQ(source.price_path, "p");
+    EXPECT_EQ(source.change_path, "c");
+    EXPECT_EQ(source.high_path, "h");
+    EXPECT_EQ(source.low_path, "l");
+    EXPECT_EQ(source.sparkline_path, "sp");
+    EXPECT_EQ(source.offical_URL, "o");
+    EXPECT_EQ(source.API_intro, "a");
+    EXPECT_EQ(source.api_key_available, true);
+    EXPECT_EQ(source.header, "H");
+    EXPECT_FALSE(config->sources[1].header);
+    EXPECT_FALSE(config->sources[1].api_key_available);
+
+    ASSERT_TRUE(config->gasConfigs);
+    const GasConfig& gas = config->gasConfigs->at(0);
+    EXPECT_EQ(gas.id + gas.name + gas.url + gas.pricePath, "gGgugp");
+    EXPECT_EQ(gas.divider, 1e9);
+}
+
+TEST(AppConfigTest, TakesADocumentWithoutFees) {
+    for (const std::string text : {R"({"sources":[]})", R"({"sources":[],"gas_configs":null})"}) {
+        const auto config = decodeAppConfig(text);
+        ASSERT_TRUE(config) << config.error();
+        EXPECT_FALSE(config->gasConfigs);
+    }
+    EXPECT_TRUE(decodeAppConfig(R"({"sources":[],"gas_configs":[]})")->gasConfigs) << "empty is not absent";
+}
+
+TEST(AppConfigTest, OneWrongValueRefusesTheWholeDocument) {
+    struct Case {
+        std::string_view what;
+        std::string_view with;
+        std::string_view error;
+    };
+    for (const auto& [what, with, error] : {
+             Case{R"("id":"s1",)", "", "sources[0].id: missing"},
+             {R"("name":"",)", "", "sources[1].name: missing"},
+             {R"("supports_batch":false)", R"("x":1)", "sources[1].supports_batch: missing"},
+             {R"("url_template":"",)", "", "sources[1].url_template: missing"},
+             {R"("response_type":"",)", "", "sources[1].response_type: missing"},
+             {R"("price_path":"",)", "", "sources[1].price_path: missing"},
+             {R"("name":"S One")", R"("name":null)", "sources[0].name: of the wrong type"},
+             {R"("supports_batch":true)", R"("supports_batch":1)", "sources[0].supports_batch: of the wrong type"},
+             {R"("batch_separator":"|")", R"("batch_separator":0)", "sources[0].batch_separator: of the wrong type"},
+             {R"("api_key_available":true)", R"("api_key_available":"true")",
+              "sources[0].api_key_available: of the wrong type"},
+             {R"("header":"H")", R"("header":["H"])", "sources[0].header: of the wrong type"},
+             {R"("id":"g")", R"("ID":"g")", "gas_configs[0].id: missing"},
+             {R"("name":"G",)", "", "gas_configs[0].name: missing"},
+             {R"("url":"gu",)", "", "gas_configs[0].url: missing"},
+             {R"("price_path":"gp")", R"("pricePath":"gp")", "gas_configs[0].price_path: missing"},
+             {R"(,"divider":1e9)", "", "gas_configs[0].divider: missing"},
+             {R"("divider":1e9)", R"("divider":"1")", "gas_configs[0].divider: of the wrong type"},
+             {R"("gas_configs":[)", R"("gas_configs":{},"x":[)", "gas_configs: of the wrong type"},
+             {R"("gas_configs":[)", R"("gas_configs":[7,)", "gas_configs[0]: not an object"},
+             {R"("sources":[)", R"("source":[)", "sources: missing"},
+             {R"("sources":[)", R"("sources":[[],)", "sources[0]: not an object"},
+         }) {
+        const auto config = decodeAppConfig(wholeBut(what, with));
+        ASSERT_FALSE(config) << error;
+        EXPECT_EQ(config.error(), error);
+    }
+    EXPECT_FALSE(decodeAppConfig("[]"));
+    EXPECT_FALSE(decodeAppConfig(R"({"sources":[]} x)"));
+}
+
+}  // namespace
+}  // namespace glintar::config

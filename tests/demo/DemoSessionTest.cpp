@@ -1,0 +1,105 @@
+#include "demo/DemoSession.h"
+
+#include "config/AppConfig.h"
+#include "config/Coin.h"
+#include "platform/qtcore/QtPreferences.h"
+#include "platform/virtual/VirtualPlatform.h"
+#include "support/TestFiles.h"
+
+#include <gtest/gtest.h>
+#include <httplib.h>
+#include <sys/prctl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <cstdlib>
+
+namespace glintar::demo {
+namespace {
+
+using namespace std::chrono_literals;
+namespace fs = std::filesystem;
+
+class DemoSessionTest : public testing::Test {
+protected:
+    void SetUp() override {
+        std::string folder = testing::TempDir() + "/session-XXXXXX";
+        ASSERT_TRUE(mkdtemp(folder.data()));
+        root = folder;
+        fs::create_directory(root / "temporary");
+        setenv("TMPDIR", (root / "temporary").c_str(), 1);
+    }
+    void TearDown() override {
+        unsetenv("TMPDIR");
+        fs::remove_all(root);
+    }
+
+    [[nodiscard]] bool isTidy() const { return fs::is_empty(root / "temporary"); }
+
+    fs::path root;
+};
+
+TEST_F(DemoSessionTest, OffersAMarketAndAProfileThatAsksIt) {
+    {
+        auto session = DemoSession::start(GLINTAR_MARKET_PROGRAM);
+        ASSERT_TRUE(session) << session.error();
+        const auto document =
+            config::decodeAppConfig(test::readFile(session->dataHome() / "glintar/remote_api_endpoints.json"));
+        ASSERT_TRUE(document) << document.error();
+
+        platform::VirtualConsole console;
+        const platform::QtPreferences preferences(session->configHome() / "glintar/glintar.conf", console);
+        EXPECT_TRUE(document->source(preferences.string("selectedSourceID").value()));
+        const auto coins = config::decodeCoins(preferences.data("savedCoins").value());
+        ASSERT_TRUE(coins) << coins.error();
+        ASSERT_EQ(coins->size(), 3);
+        EXPECT_EQ((*coins)[2].apiId, "solana");
+        EXPECT_TRUE(preferences.boolean("showGasFee"));
+        EXPECT_FALSE(preferences.boolean("showHighLow24h"));
+        EXPECT_TRUE(fs::is_directory(session->cacheHome() / "glintar"));
+
+        const auto& address = document->source("binance")->url_template;
+        ASSERT_TRUE(address.starts_with(session->address()));
+        EXPECT_EQ(httplib::Client(session->address()).Get("/mempool/api/v1/fees/recommended")->status, 200);
+    }
+    EXPECT_TRUE(isTidy());
+}
+
+TEST_F(DemoSessionTest, ExplainsAMarketThatDoesNotComeUpAndLeavesNothing) {
+    struct Row {
+        std::string script;  // instead of the market; empty for no program at all
+        std::string error;
+    };
+    for (const Row& row : {Row{"", "No such file"}, Row{"exit 3", "ended at once"}, Row{"echo hello", "\"hello\""},
+                           Row{"exec sleep 60", "too long"}}) {
+        const fs::path program = root / "glintar-demo-market";
+        if (!row.script.empty()) {
+            std::ofstream(program) << "#!/bin/sh\n" << row.script << "\n";
+            fs::permissions(program, fs::perms::owner_all);
+        }
+        const auto session = DemoSession::start(program, row.script.starts_with("exec") ? 200ms : 10s);
+        ASSERT_FALSE(session) << row.script;
+        EXPECT_TRUE(session.error().contains(row.error)) << session.error();
+        EXPECT_TRUE(isTidy()) << row.script;
+    }
+}
+
+TEST_F(DemoSessionTest, LeavesNothingBehindWhenTheProgramIsKilled) {
+    prctl(PR_SET_CHILD_SUBREAPER, 1);  // the market becomes our child once its parent is gone
+    const pid_t program = fork();
+    if (program == 0) {
+        const auto session = DemoSession::start(GLINTAR_MARKET_PROGRAM);
+        raise(session ? SIGKILL : SIGTERM);
+    }
+    int status = 0;
+    ASSERT_EQ(waitpid(program, &status, 0), program);
+    EXPECT_EQ(WTERMSIG(status), SIGKILL) << "the session did not start";
+    ASSERT_GT(waitpid(-1, &status, 0), 0) << "no market was left to end";
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+    EXPECT_TRUE(isTidy());
+    prctl(PR_SET_CHILD_SUBREAPER, 0);
+}
+
+}  // namespace
+}  // namespace glintar::demo

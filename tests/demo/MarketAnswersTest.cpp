@@ -1,0 +1,124 @@
+// The simulated answers beside what the real services once answered.
+
+#include "demo/MarketAnswers.h"
+
+#include "json/Json.h"
+#include "support/TestFiles.h"
+
+#include <fmt/format.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <vector>
+
+namespace glintar::demo {
+namespace {
+
+/// Names and kinds of all members, whatever their order and values; of an array its first element.
+std::string shape(json::View value, const std::vector<std::string>& names) {
+    switch (value.kind()) {
+        case json::Kind::Null:
+            return "null";
+        case json::Kind::Boolean:
+            return "boolean";
+        case json::Kind::Number:
+            return "number";
+        case json::Kind::String:
+            return "string";
+        case json::Kind::Array:
+            return value.size() == 0 ? "[]" : fmt::format("[{}]", shape(value.at(0), names));
+        case json::Kind::Object:
+            break;
+    }
+    std::string text = "{";
+    for (const std::string& name : names) {
+        if (const auto member = value.member(name)) {
+            text += fmt::format("{}:{} ", name, shape(*member, names));
+        }
+    }
+    return text + "}";
+}
+
+/// Every text between quotes: the names of all members are among them.
+std::vector<std::string> textsInQuotes(std::string_view text) {
+    std::vector<std::string> found;
+    for (std::size_t at = text.find('"'); at != std::string_view::npos; at = text.find('"', at + 1)) {
+        const auto end = std::min(text.find('"', at + 1), text.size());
+        found.emplace_back(text.substr(at + 1, end - at - 1));
+        at = end;
+    }
+    std::ranges::sort(found);
+    const auto again = std::ranges::unique(found);
+    found.erase(again.begin(), again.end());
+    return found;
+}
+
+struct Recorded {
+    std::string name;
+    Question question;
+    std::string file;
+    std::string within;  // compare only this member
+};
+
+class RecordedShape : public testing::TestWithParam<Recorded> {};
+
+TEST_P(RecordedShape, IsThatOfTheSimulatedAnswer) {
+    const Market market(1);
+    const MarketAnswers answers(market, "http://127.0.0.1:1");
+    const Answer answer = answers.answer(GetParam().question, 0, {});
+    const std::string recorded = test::readFile(test::testData("answers/" + GetParam().file));
+    const auto ours = json::parseContainer(answer.body);
+    const auto theirs = json::parseContainer(recorded);
+    ASSERT_TRUE(ours && theirs) << answer.body;
+
+    const auto names = textsInQuotes(answer.body + recorded);
+    const auto part = [&](json::View root) { return root.member(GetParam().within).value_or(root); };
+    EXPECT_EQ(shape(part(ours->root()), names), shape(part(theirs->root()), names));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Services, RecordedShape,
+    testing::Values(
+        Recorded{
+            "CoinGeckoWithSparkline",
+            {"coingecko",
+             "/api/v3/coins/markets",
+             {{"vs_currency", "usd"}, {"ids", "bitcoin"}, {"sparkline", "true"}, {"price_change_percentage", "24h"}}},
+            "coingecko/markets_btc_sparkline168.json",
+            ""},
+        Recorded{"CoinGeckoBare",
+                 {"coingecko", "/api/v3/coins/markets", {{"vs_currency", "usd"}, {"ids", "bitcoin"}}},
+                 "coingecko/markets_btc_in_myr.json",
+                 ""},
+        Recorded{"CoinGeckoWithoutCurrency",
+                 {"coingecko", "/api/v3/coins/markets", {{"ids", "bitcoin"}}},
+                 "coingecko/error_422_missing_vs_currency.json",
+                 ""},
+        Recorded{"CoinGeckoSimple",
+                 {"coingecko_simple", "/api/v3/simple/price", {{"ids", "bitcoin"}, {"include_24hr_change", "true"}}},
+                 "coingecko_simple/price_change_null.json",
+                 "bitcoin"},
+        Recorded{
+            "Binance", {"binance", "/api/v3/ticker/24hr", {{"symbol", "BTCUSDT"}}}, "binance/btcusdt_2020.json", ""},
+        Recorded{"BinanceInvalid",
+                 {"binance", "/api/v3/ticker/24hr", {{"symbol", "USDTUSDT"}}},
+                 "binance/error_400_invalid_symbol.json",
+                 ""},
+        Recorded{
+            "Gate", {"gate", "/api/v4/spot/tickers", {{"currency_pair", "BTC_USDT"}}}, "gate/btc_usdt_2023.json", ""},
+        Recorded{"GateInvalid",
+                 {"gate", "/api/v4/spot/tickers", {{"currency_pair", "BTC"}}},
+                 "gate/error_400_invalid_currency.json",
+                 ""},
+        Recorded{"Coinbase", {"coinbase", "/v2/prices/BTC-USD/spot", {}}, "coinbase/btc_usd_2016.json", ""},
+        Recorded{
+            "DefiLlama", {"defillama", "/prices/current/coingecko:binancecoin", {}}, "defillama/bnb_2022.json", ""},
+        Recorded{"MempoolSpace",
+                 {"mempool", "/api/v1/fees/recommended", {}},
+                 "fees_mempool_space/recommended_live.json",
+                 ""},
+        Recorded{"Blockscout", {"blockscout", "/api/v2/stats", {}}, "fees_blockscout/eth_stats_2026.json", ""}),
+    [](const auto& row) { return row.param.name; });
+
+}  // namespace
+}  // namespace glintar::demo

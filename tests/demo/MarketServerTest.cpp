@@ -1,0 +1,176 @@
+#include "demo/MarketServer.h"
+
+#include "config/AppConfig.h"
+#include "config/Coin.h"
+#include "demo/MarketDocument.h"
+#include "json/Json.h"
+#include "market/Extraction.h"
+#include "market/ValuePath.h"
+#include "platform/virtual/VirtualPlatform.h"
+#include "text/Address.h"
+
+#include <gtest/gtest.h>
+#include <httplib.h>
+
+#include <algorithm>
+
+namespace glintar::demo {
+namespace {
+
+using namespace std::chrono_literals;
+
+class MarketServerTest : public testing::Test {
+protected:
+    void SetUp() override {
+        auto started = MarketServer::start({.step = std::nullopt});
+        ASSERT_TRUE(started) << started.error();
+        server = std::move(*started);
+    }
+
+    /// Without an answer its status is -1.
+    httplib::Response get(const std::string& path) {
+        httplib::Client client(server->address());
+        client.set_read_timeout(5s);
+        const auto result = client.Get(path);
+        return result ? *result : httplib::Response();
+    }
+    std::string binance() { return get("/binance/api/v3/ticker/24hr?symbol=BTCUSDT").body; }
+
+    std::unique_ptr<MarketServer> server;
+};
+
+TEST_F(MarketServerTest, TellsOnePriceInEveryShapeThatItsDocumentDescribes) {
+    const auto still = MarketServer::start({.step = 1h}).value();
+    const auto document = config::decodeAppConfig(marketDocument(still->address()));
+    ASSERT_TRUE(document) << document.error();
+    ASSERT_GE(document->sources.size(), 3);
+    platform::VirtualConsole console;
+    httplib::Client client(still->address());
+    const auto read = [&](std::string address) {
+        address = text::replaceAll(text::replaceAll(address, "{ID}", "dogecoin"), "{SYMBOL}", "DOGE");
+        return client.Get(address.substr(still->address().size()))->body;
+    };
+
+    std::optional<market::UnifiedMarketData> first;
+    for (const config::SourceConfig& source : document->sources) {
+        const auto body = read(source.url_template);
+        const config::Coin coin{.id = "", .displayName = "DOGE", .apiId = "dogecoin", .referencePrice = {}};
+        const auto batch = market::parseBatchResponse(body, source, {coin}, console);
+        const auto quote = source.supports_batch
+                               ? batch.contains("dogecoin") ? std::optional(batch.at("dogecoin")) : std::nullopt
+                               : market::parseSingleResponse(body, source, "dogecoin", console);
+        ASSERT_TRUE(quote) << source.id << body;
+        if (!first) {  // CoinGecko, which has everything
+            first = quote;
+            ASSERT_TRUE(quote->sparkline && quote->high24h && quote->low24h && quote->change24h && quote->imageUrl);
+            EXPECT_EQ(quote->sparkline->back(), quote->price);
+            EXPECT_TRUE(client.Get(quote->imageUrl->substr(still->address().size()))->body.starts_with("\x89PNG"));
+        }
+        EXPECT_EQ(quote->price, first->price) << source.id;
+        EXPECT_EQ(quote->high24h.value_or(*first->high24h), first->high24h) << source.id;
+        EXPECT_EQ(quote->low24h.value_or(*first->low24h), first->low24h) << source.id;
+        EXPECT_NEAR(quote->change24h.value_or(*first->change24h), *first->change24h, 0.006) << source.id;
+        EXPECT_EQ(quote->change24h.has_value(), source.change_path.has_value()) << source.id;
+    }
+    for (const config::GasConfig& fee : document->gasConfigs.value()) {
+        const auto body = json::parseContainer(read(fee.url));
+        ASSERT_TRUE(body) << fee.id;
+        const auto value = market::valueAtPath(fee.pricePath, body->root());
+        EXPECT_GT(value.value().number().value_or(0), 0) << fee.id;
+    }
+}
+
+TEST_F(MarketServerTest, MovesWithEveryRequestAsItsSeedSays) {
+    const auto price = [](const std::string& body) { return body.substr(body.find("lastPrice"), 30); };
+    const auto first = price(binance());
+    const auto second = price(binance());
+    EXPECT_NE(first, second);
+    SetUp();
+    EXPECT_EQ(price(binance()), first);
+    EXPECT_EQ(price(binance()), second);
+}
+
+TEST_F(MarketServerTest, LogsRequestsAndKeysButNotItsOwnControl) {
+    httplib::Client client(server->address());
+    client.Get("/coingecko/api/v3/coins/markets?vs_currency=usd&ids=a%7Cb", {{"x-cg-demo-api-key", "CG-1"}});
+    client.Head("/nowhere/at/all");
+    EXPECT_EQ(get("/nowhere").status, 404);
+    EXPECT_EQ(get("/control/log").body,
+              "/coingecko/api/v3/coins/markets?vs_currency=usd&ids=a%7Cb CG-1\nHEAD /nowhere/at/all\n/nowhere\n");
+}
+
+bool isJson(const std::string& body) {
+    return json::Document::parse(body).has_value();
+}
+
+struct FaultCase {
+    std::string kind;
+    int status;
+    bool (*isAsPromised)(const std::string& body);
+};
+
+TEST_F(MarketServerTest, FailsOnDemandAndOnlyWhereAndAsOftenAsItIsTold) {
+    const std::vector<FaultCase> cases = {
+        {"401", 401, isJson},
+        {"403", 403, isJson},
+        {"429", 429, isJson},
+        {"500", 500, isJson},
+        {"503", 503, isJson},
+        {"html", 200, [](const std::string& body) { return body.starts_with("<!DOCTYPE html>"); }},
+        {"wrong", 200, [](const std::string& body) { return isJson(body) && !body.contains("lastPrice"); }},
+        {"deep", 200, [](const std::string& body) { return body == std::string(100'000, '['); }},
+        {"huge", 200, [](const std::string& body) { return body.size() >= 100'000'000 && body.back() == ']'; }},
+        {"badutf8", 200,
+         [](const std::string& body) { return !isJson(body) && isJson(text::replaceAll(body, "\xff", "")); }},
+    };
+    for (const FaultCase& row : cases) {
+        ASSERT_EQ(get("/control/fault?service=binance&count=1&kind=" + row.kind).status, 200);
+        EXPECT_TRUE(get("/gate/api/v4/spot/tickers?currency_pair=BTC_USDT").body.contains("last")) << row.kind;
+        const auto failed = get("/binance/api/v3/ticker/24hr?symbol=BTCUSDT");
+        EXPECT_EQ(failed.status, row.status) << row.kind;
+        EXPECT_TRUE(row.isAsPromised(failed.body)) << row.kind << failed.body.substr(0, 200);
+        EXPECT_TRUE(binance().contains("lastPrice")) << row.kind << " must be over";
+    }
+    EXPECT_EQ(get("/control/fault?kind=418").status, 400);
+    EXPECT_EQ(get("/control/fault?kind=429&count=many").status, 400);
+
+    get("/control/fault?service=mempool&kind=429");
+    get("/control/fault?kind=500");
+    EXPECT_EQ(get("/mempool/api/v1/fees/recommended").status, 500) << "all services are meant";
+    get("/control/fault?kind=off");
+    EXPECT_EQ(get("/mempool/api/v1/fees/recommended").status, 200);
+}
+
+TEST_F(MarketServerTest, CutsStallsAndDelaysWithoutHoldingUpOthers) {
+    const std::string path = "/binance/api/v3/ticker/24hr?symbol=BTCUSDT";
+    const auto whole = binance().size();
+    get("/control/fault?service=binance&kind=truncated&count=1");
+    std::size_t received = 0;
+    const auto cut = httplib::Client(server->address()).Get(path, [&](const char*, std::size_t size) {
+        received += size;
+        return true;
+    });
+    EXPECT_EQ(cut.error(), httplib::Error::Read);
+    EXPECT_GT(received, 0);
+    EXPECT_LT(received, whole * 3 / 4);
+
+    for (const std::string kind : {"hang", "slow"}) {
+        get("/control/fault?service=binance&kind=" + kind + "&ms=60000");
+        httplib::Client impatient(server->address());
+        impatient.set_read_timeout(100ms);
+        EXPECT_EQ(impatient.Get(path).error(), httplib::Error::Read) << kind;
+        EXPECT_EQ(get("/gate/api/v4/spot/tickers?currency_pair=BTC_USDT").status, 200) << kind;
+    }
+    get("/control/fault?service=binance&kind=slow&ms=50");
+    const auto asked = std::chrono::steady_clock::now();
+    EXPECT_TRUE(binance().contains("lastPrice"));
+    EXPECT_GE(std::chrono::steady_clock::now() - asked, 50ms);
+}
+
+TEST_F(MarketServerTest, TellsThatItsPortIsTaken) {
+    const auto port = wholeNumber(server->address().substr(server->address().rfind(':') + 1));
+    EXPECT_FALSE(MarketServer::start({.port = static_cast<int>(port.value())}));
+}
+
+}  // namespace
+}  // namespace glintar::demo

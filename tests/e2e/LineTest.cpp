@@ -1,0 +1,271 @@
+// `glintar line` against a market on loopback: the real program, its real network and its real files.
+
+#include <fmt/format.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <httplib.h>
+#include <signal.h>
+
+#include <fstream>
+
+#include "demo/DemoSession.h"
+#include "e2e/Program.h"
+#include "json/Json.h"
+#include "support/TemporaryFolder.h"
+#include "support/TestFiles.h"
+
+namespace glintar::test {
+namespace {
+
+using testing::AnyOf;
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::Not;
+using testing::StartsWith;
+
+class LineTest : public testing::Test {
+protected:
+    LineTest() {
+        auto started = demo::DemoSession::start(GLINTAR_MARKET);
+        if (started) {
+            session.emplace(*std::move(started));
+        }
+    }
+    void SetUp() override { ASSERT_TRUE(session) << "the market does not start"; }
+
+    Environment environment() const {
+        return {{"XDG_CONFIG_HOME", session->configHome()}, {"XDG_DATA_HOME", session->dataHome()},
+                {"XDG_CACHE_HOME", session->cacheHome()},   {"XDG_RUNTIME_DIR", session->cacheHome()},
+                {"DBUS_SESSION_BUS_ADDRESS", std::nullopt}, {"DISPLAY", std::nullopt},
+                {"WAYLAND_DISPLAY", std::nullopt},          {"GLINTAR_CONFIG_SERVER", std::nullopt}};
+    }
+
+    Program start(const std::vector<std::string>& arguments, Program::Output output = Program::Output::Pipe) const {
+        std::vector<std::string> command{GLINTAR_PROGRAM};
+        command.insert(command.end(), arguments.begin(), arguments.end());
+        return Program(command, environment(), output);
+    }
+
+    void preferences(std::string_view lines) const {
+        std::ofstream(session->configHome() / "glintar" / "glintar.conf") << "[General]\n" << lines;
+    }
+
+    void fault(const std::string& kind) const {
+        httplib::Client market(session->address());
+        ASSERT_TRUE(market.Get("/control/fault?kind=" + kind)) << kind;
+    }
+
+    std::string log() const {
+        httplib::Client market(session->address());
+        const auto answer = market.Get("/control/log");
+        return answer ? answer->body : "";
+    }
+
+    std::optional<demo::DemoSession> session;
+};
+
+TEST_F(LineTest, EachShapeOfServiceIsPricedAndAllAgree) {
+    std::vector<double> prices;
+    for (const std::string source : {"coingecko", "binance", "gate", "coingecko_simple"}) {
+        SCOPED_TRACE(source);
+        preferences("selectedSourceID=" + source + "\nshowGasFee=true\n");
+        auto program = start({"line", "--once", "--format", "json"});
+        EXPECT_EQ(program.wait(), 0) << program.errors();
+        const auto answer = json::parseContainer(program.output());
+        ASSERT_TRUE(answer) << program.output();
+        const auto coins = answer->root().member("coins").value();
+        ASSERT_EQ(coins.size(), 1U);
+        EXPECT_EQ(answer->root().member("source")->string(), source);
+        EXPECT_TRUE(answer->root().member("error")->isNull());
+        EXPECT_GT(answer->root().member("gas")->member("fee")->number().value(), 0);
+        EXPECT_GT(answer->root().member("gas")->member("transferCost")->number().value(), 0) << "priced by a phantom";
+        prices.push_back(coins.at(0).member("price")->number().value());
+    }
+    const auto [low, high] = std::ranges::minmax(prices);
+    EXPECT_LT(high / low, 1.05) << "one market, whoever tells of it";
+}
+
+struct FaultCase {
+    std::string kind;
+    std::string line;
+};
+
+class FaultTest : public LineTest, public testing::WithParamInterface<FaultCase> {};
+
+TEST_P(FaultTest, EndsInItsTextAndLeavesTheProgramWell) {
+    fault(GetParam().kind);
+    for (const auto* source : {"coingecko", "gate"}) {
+        preferences(fmt::format("selectedSourceID={}\nshowGasFee=true\n", source));
+        auto program = start({"line", "--once"});
+        EXPECT_EQ(program.wait(), 1) << program.errors();
+        EXPECT_EQ(program.output(), GetParam().line + "\n");
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Faults, FaultTest,
+                         testing::Values(FaultCase{"401", "⚠️ Error"}, FaultCase{"403", "⚠️ Error"},
+                                         FaultCase{"429", "⚠️ Limit 429"}, FaultCase{"500", "⚠️ Server Err"},
+                                         FaultCase{"hang", "⚠️ Net Error"}, FaultCase{"truncated", "⚠️ Net Error"},
+                                         FaultCase{"huge", "⚠️ Net Error"}, FaultCase{"html", "No Price Data"},
+                                         FaultCase{"wrong", "No Price Data"}, FaultCase{"deep", "No Price Data"},
+                                         FaultCase{"badutf8", "No Price Data"}),
+                         [](const auto& test) { return "Answer" + test.param.kind; });
+
+TEST_F(LineTest, AServerErrorThatPassesIsNotSeen) {
+    fault("503&count=1");
+    preferences("");
+    auto program = start({"line", "--once"});
+    EXPECT_EQ(program.wait(), 0);
+    EXPECT_THAT(program.output(), StartsWith("BTC "));
+}
+
+TEST_F(LineTest, WithoutANetworkItSaysSoAndSaysItAgain) {
+    preferences("");
+    std::ofstream(session->dataHome() / "glintar" / "remote_api_endpoints.json")
+        << R"({"sources":[{"id":"coingecko","name":"C","supports_batch":true,"url_template":"http://127.0.0.1:9/{ID}",)"
+        << R"("response_type":"array","id_mapping_path":"id","price_path":"p"}]})";
+    auto program = start({"line", "--once", "--format=json"});
+    EXPECT_EQ(program.wait(), 1);
+    EXPECT_THAT(program.output(), HasSubstr(R"("error":"Network Error")"));
+    EXPECT_THAT(program.output(), HasSubstr(R"("text":"⚠️ Net Error","coins":[],"gas":null)"));
+}
+
+TEST_F(LineTest, ALineComesIntoThePipeASecondAfterTheStart) {
+    auto program = start({"line"});
+    ASSERT_TRUE(program.waitForOutput("\n")) << program.errors();
+    EXPECT_THAT(program.output(), StartsWith("BTC "));
+    EXPECT_THAT(program.output(), HasSubstr(" | ETH "));
+    EXPECT_THAT(program.output(), HasSubstr(" | ⛽ "));
+    EXPECT_THAT(program.output(), Not(HasSubstr("\x1b")));
+}
+
+TEST_F(LineTest, ATerminalShowsTheLineInPlaceAndTheShellFindsAFreshOne) {
+    auto program = start({"line"}, Program::Output::Terminal);
+    ASSERT_TRUE(program.waitForOutput("BTC ")) << program.output();
+    ASSERT_TRUE(program.waitForOutput("58s ")) << program.output();
+    EXPECT_THAT(program.output(), HasSubstr("\r\x1b[2K"));
+    EXPECT_THAT(program.output(), Not(HasSubstr("\n")));
+    program.signal(SIGINT);
+    EXPECT_EQ(program.wait(), 0);
+    EXPECT_THAT(program.output(), EndsWith("\n"));
+}
+
+TEST_F(LineTest, SignalsEndItAtOnceEvenWhileAServiceHangs) {
+    struct Row {
+        int signal;
+        std::vector<std::string> arguments;
+        int status;
+    };
+    fault("hang");
+    for (const auto& [signal, arguments, status] :
+         {Row{SIGINT, {"line"}, 0}, Row{SIGTERM, {"line"}, 0}, Row{SIGTERM, {"line", "--once"}, 1}}) {
+        auto program = start(arguments);
+        const auto asked = log().size();
+        for (int i = 0; i < 300 && log().size() == asked; ++i) {
+            std::this_thread::sleep_for(std::chrono::milliseconds{20});  // until the request is under way
+        }
+        const auto before = std::chrono::steady_clock::now();
+        program.signal(signal);
+        EXPECT_EQ(program.wait(), status) << program.errors();
+        EXPECT_LT(std::chrono::steady_clock::now() - before, std::chrono::seconds{2});
+    }
+}
+
+TEST_F(LineTest, AReaderThatGoesAwayEndsItBeforeTheNextLine) {
+    auto program = start({"line"});
+    ASSERT_TRUE(program.waitForOutput("\n"));
+    program.closeOutput();
+    EXPECT_EQ(program.wait(), 0);
+}
+
+TEST_F(LineTest, SettingsChangedMeanwhileTakeEffectWithoutARestart) {
+    preferences("");
+    auto program = start({"line"});
+    ASSERT_TRUE(program.waitForOutput("BTC "));
+    std::filesystem::rename(session->configHome() / "glintar" / "glintar.conf",
+                            session->configHome() / "glintar" / "old");
+    preferences(
+        R"(savedCoins="[{\"id\":\"6F9619FF-8B86-4011-B42D-00C04FC964FF\",\"displayName\":\"doge\",\"apiId\":\"dogecoin\"}]")"
+        "\n");
+    EXPECT_TRUE(program.waitForOutput("DOGE ")) << program.output() << program.errors();
+}
+
+TEST_F(LineTest, DamagedFilesAndMissingFoldersAreSurvived) {
+    // A configuration document that is cut off: the shipped one counts, whose services are out of reach here.
+    const auto document = session->dataHome() / "glintar" / "remote_api_endpoints.json";
+    const auto good = readFile(document);
+    std::ofstream(document) << good.substr(0, good.size() / 2);
+    preferences("selectedSourceID=nobody\n");
+    auto cut = start({"line", "--once", "--format=json"});
+    EXPECT_EQ(cut.wait(), 1);
+    EXPECT_THAT(cut.output(), HasSubstr(R"("error":"Config Missing")"));
+    EXPECT_THAT(cut.errors(), HasSubstr("📦 [Config] 首次启动，加载内部初始配置"));
+
+    std::ofstream(document) << good;
+    std::ofstream(session->configHome() / "glintar" / "glintar.conf")
+        << "\x01\xff]]garbage\n[General\nsavedCoins=@Byte";
+    auto damaged = start({"line", "--once"});
+    EXPECT_EQ(damaged.wait(), 0) << damaged.errors();
+    EXPECT_THAT(damaged.output(), StartsWith("BTC ")) << "the default list";
+
+    std::filesystem::remove_all(session->dataHome());
+    std::ofstream(session->dataHome()) << "a file where a folder should be";
+    std::filesystem::remove_all(session->configHome());
+    std::filesystem::create_directory(session->configHome());
+    std::ofstream(session->configHome() / "glintar") << "another";
+    preferences("");
+    auto homeless = start({"line", "--once"});
+    EXPECT_THAT(homeless.wait(), AnyOf(0, 1)) << "whether the shipped services can be reached from here";
+}
+
+TEST_F(LineTest, WordsItDoesNotKnowAreRefusedAndItsOwnExplained) {
+    for (const std::vector<std::string>& arguments :
+         {std::vector<std::string>{"lien"}, {"line", "--format", "xml"}, {"--once"}}) {
+        auto program = start(arguments);
+        EXPECT_EQ(program.wait(), 2);
+        EXPECT_EQ(program.output(), "");
+        EXPECT_THAT(program.errors(), HasSubstr("Usage: glintar"));
+    }
+    auto help = start({"--help"});
+    EXPECT_EQ(help.wait(), 0);
+    EXPECT_THAT(help.output(), StartsWith("Usage: glintar"));
+    auto version = start({"--version"});
+    EXPECT_EQ(version.wait(), 0);
+    EXPECT_THAT(version.output(), StartsWith("glintar "));
+    auto server = Program({GLINTAR_PROGRAM, "line"}, {{"GLINTAR_CONFIG_SERVER", "http://config.example"}});
+    EXPECT_EQ(server.wait(), 2);
+    EXPECT_THAT(server.errors(), HasSubstr("plain http is for loopback addresses only"));
+}
+
+TEST_F(LineTest, WithoutADisplayOrItsDesktopHalfItSaysSoAndShowsTheLine) {
+    for (const auto& [variable, reason] :
+         {std::pair{"XDG_SESSION_ID", "no display here"}, std::pair{"DISPLAY", "glintar-desktop is not installed"}}) {
+        auto where = environment();
+        where[variable] = ":77";
+        Program program({GLINTAR_PROGRAM}, where);
+        ASSERT_TRUE(program.waitForOutput("BTC ")) << program.errors();
+        program.signal(SIGTERM);
+        EXPECT_EQ(program.wait(), 0);
+        EXPECT_THAT(program.errors(), StartsWith(fmt::format("glintar: {}", reason)));
+    }
+}
+
+TEST_F(LineTest, TheDemonstrationIsMarkedAndLeavesNothingBehind) {
+    TemporaryFolder temporary;
+    auto where = environment();
+    where["TMPDIR"] = temporary.path();
+    for (const int signal : {SIGTERM, SIGKILL}) {
+        Program program({GLINTAR_PROGRAM, "line", "--demo"}, where);
+        ASSERT_TRUE(program.waitForOutput("[simulated] BTC ")) << program.errors();
+        EXPECT_FALSE(std::filesystem::is_empty(temporary.path()));
+        program.signal(signal);
+        EXPECT_EQ(program.wait(), signal == SIGTERM ? std::optional(0) : std::nullopt);
+        for (int i = 0; i < 500 && !std::filesystem::is_empty(temporary.path()); ++i) {
+            std::this_thread::sleep_for(std::chrono::milliseconds{20});  // the market notices by itself
+        }
+        EXPECT_TRUE(std::filesystem::is_empty(temporary.path()));
+    }
+}
+
+}  // namespace
+}  // namespace glintar::test

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <sys/types.h>
+
+#include <chrono>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace glintar::test {
+
+using Environment = std::map<std::string, std::optional<std::string>>;  ///< none: the variable is removed
+
+/// The real program, started as a user would, with its output in pipes or on a terminal of its own.
+class Program {
+public:
+    enum class Output { Pipe, Terminal };
+
+    Program(std::vector<std::string> command, const Environment& environment, Output output = Output::Pipe);
+    Program(const Program&) = delete;
+    Program& operator=(const Program&) = delete;
+    ~Program();  // ends it the hard way when it is still there
+
+    /// Reads until the standard output holds the text; false when that takes too long or the program ends before.
+    [[nodiscard]] bool waitForOutput(const std::string& text);
+
+    /// Waits for the end: the exit status, or none when it was killed by a signal or takes longer than 15 seconds.
+    [[nodiscard]] std::optional<int> wait();
+
+    void signal(int number);
+    void closeOutput();  ///< as a reader that goes away
+
+    [[nodiscard]] pid_t id() const { return child_; }
+    [[nodiscard]] const std::string& output() const { return output_; }
+    [[nodiscard]] const std::string& errors() const { return errors_; }
+
+private:
+    bool readSome(std::chrono::milliseconds wait);
+
+    pid_t child_ = -1;
+    int outputFd_ = -1;
+    int errorFd_ = -1;
+    std::string output_;
+    std::string errors_;
+    std::optional<int> status_;
+};
+
+}  // namespace glintar::test

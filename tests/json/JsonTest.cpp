@@ -1,0 +1,214 @@
+#include "json/Json.h"
+
+#include <fmt/format.h>
+#include <gmock/gmock.h>
+
+#include <bit>
+#include <charconv>
+#include <chrono>
+#include <cmath>
+#include <random>
+
+namespace glintar::json {
+namespace {
+
+using testing::HasSubstr;
+using testing::Optional;
+using namespace std::string_literals;
+
+std::optional<double> numberIn(const std::string& text) {
+    const auto document = Document::parse("[" + text + "]");
+    return document ? document->root().at(0).number() : std::nullopt;
+}
+
+struct Spelling {
+    const char* text;
+    double value;
+};
+
+TEST(JsonTest, ReadsEverySpellingOfANumber) {
+    for (const auto& [text, value] : {
+             Spelling{"7.5E+4", 75000},
+             {"-0.0811", -0.0811},
+             {"1e-400", 0},
+             {"4.9406564584124654e-324", 4.9406564584124654e-324},
+             {"1.7976931348623157e308", 1.7976931348623157e308},
+             {"18446744073709551616", 0x1p64},
+             {"-9223372036854775809", -0x1p63},
+             {"9007199254740993", 9007199254740992},
+             {"184467440737095516155", 184467440737095516155.0},
+             {"0.1000000000000000055511151231257827021181583404541015625", 0.1},
+         }) {
+        EXPECT_EQ(numberIn(text), value) << text;
+    }
+    const auto negativeZero = numberIn("-0");
+    ASSERT_TRUE(negativeZero);
+    EXPECT_TRUE(std::signbit(*negativeZero));
+}
+
+TEST(JsonTest, ANumberBeyondDoubleIsNoneAndSpoilsNothingElse) {
+    for (const auto* text : {"10e308", "-1.8e308"}) {
+        const auto document = Document::parse(fmt::format("[{},7]", text));
+        ASSERT_TRUE(document) << text;
+        EXPECT_EQ(document->root().at(0).number(), std::nullopt) << text;
+        EXPECT_EQ(document->root().at(0).string(), std::nullopt) << text;
+        EXPECT_EQ(document->root().at(1).number(), 7);
+    }
+}
+
+TEST(JsonTest, TellsNumbersFromTextsThatLookLikeThem) {
+    const auto document = Document::parse(R"( { "a":"1" ,"b":1,"c":["2",2, -3],"d":"" } )");
+    ASSERT_TRUE(document);
+    const auto root = document->root();
+    EXPECT_EQ(root.member("a")->kind(), Kind::String);
+    EXPECT_EQ(root.member("b")->kind(), Kind::Number);
+    EXPECT_EQ(root.member("c")->at(0).kind(), Kind::String);
+    EXPECT_EQ(root.member("c")->at(2).number(), -3);
+    EXPECT_EQ(root.member("d")->string(), "");
+    for (const std::string text : {"5", " 5", "-5"}) {
+        const auto alone = Document::parse(text);
+        ASSERT_TRUE(alone) << text;
+        EXPECT_EQ(std::abs(alone->root().number().value()), 5) << text;
+    }
+    EXPECT_EQ(Document::parse("\"5\"")->root().string(), "5");
+}
+
+TEST(JsonTest, TakesTheLastNumbersOfAListOfNumbersOnly) {
+    using Numbers = std::vector<double>;
+    const auto document = Document::parse(R"([[1,2,3],[],[1,"2",3],["1",2,3],7,[1,10e308]])");
+    ASSERT_TRUE(document);
+    const auto lists = document->root();
+    EXPECT_EQ(lists.at(0).lastNumbers(2), (Numbers{2, 3}));
+    EXPECT_EQ(lists.at(0).lastNumbers(9), (Numbers{1, 2, 3}));
+    EXPECT_EQ(lists.at(1).lastNumbers(2), Numbers{});
+    for (std::size_t i = 2; i < lists.size(); ++i) {
+        EXPECT_EQ(lists.at(i).lastNumbers(2), std::nullopt) << i;
+    }
+}
+
+TEST(JsonTest, ReadsNumbersToTheLastBit) {
+    std::mt19937_64 random(1);
+    const auto digits = [&](std::size_t count) {
+        std::string text(1, static_cast<char>('1' + random() % 9));
+        while (text.size() < count) {
+            text += static_cast<char>('0' + random() % 10);
+        }
+        return text.insert(1 + random() % (count - 1), ".");
+    };
+    for (int i = 0; i < 30000; ++i) {
+        const std::string text = i % 3 == 0 ? digits(17)
+                                 : i % 3 == 1
+                                     ? digits(38)
+                                     : fmt::format("{}e{}", digits(17), static_cast<int>(random() % 330) - 315);
+        double exact = 0;
+        if (std::from_chars(text.data(), text.data() + text.size(), exact).ec != std::errc()) {
+            continue;
+        }
+        const auto read = numberIn(text);
+        ASSERT_TRUE(read) << text;
+        ASSERT_EQ(std::bit_cast<std::uint64_t>(*read), std::bit_cast<std::uint64_t>(exact)) << text;
+    }
+}
+
+struct BadText {
+    const char* name;
+    std::string text;
+};
+
+TEST(JsonTest, RefusesWhatIsNotJson) {
+    for (const auto& [name, text] : {
+             BadText{"nothing", ""},
+             {"a second value", "{} {}"},
+             {"something behind a zero byte", "{}\0{}"s},
+             {"a number far beyond double", "[1e400]"},
+             {"a number without digits behind the point", "[1.]"},
+             {"no number", "[NaN]"},
+             {"a comment", "[/**/]"},
+             {"a comma too many", "[1,]"},
+             {"single quotes", "['a']"},
+             {"an open string", "[\"a"},
+             {"a line break in a string", "[\"a\n\"]"},
+             {"a broken UTF-8 sequence", "[\"\xC3\"]"},
+             {"an overlong UTF-8 sequence", "[\"\xC0\x80\"]"},
+             {"a surrogate in UTF-8", "[\"\xED\xA0\x80\"]"},
+             {"an upper surrogate alone", R"(["\ud83d"])"},
+             {"a lower surrogate alone", R"(["ok 한 \udc00"])"},
+             {"a lower surrogate alone in a key", R"({"\uDFFF":1})"},
+         }) {
+        EXPECT_FALSE(Document::parse(text)) << name;
+    }
+}
+
+TEST(JsonTest, SaysWhereAndWhyReadingStopped) {
+    const auto document = Document::parse("[1, nul]");
+    ASSERT_FALSE(document);
+    EXPECT_EQ(document.error().offset, 7u);
+    EXPECT_EQ(document.error().text(), "Invalid value. (at byte 7)");
+}
+
+TEST(JsonTest, KeepsStringsWholeWhateverTheyHold) {
+    const auto document = Document::parse(R"(["\ud83d\ude00 \uD55c 한","a\u0000b","\"\\\/\n"])");
+    ASSERT_TRUE(document);
+    EXPECT_THAT(document->root().at(0).string(), Optional("😀 한 한"s));
+    EXPECT_THAT(document->root().at(1).string(), Optional("a\0b"s));
+    EXPECT_THAT(document->root().at(2).string(), Optional("\"\\/\n"s));
+}
+
+TEST(JsonTest, BoundsNestingInsteadOfTheStack) {
+    const std::string deepest = std::string(kMaxDepth, '[') + std::string(kMaxDepth, ']');
+    EXPECT_TRUE(Document::parse(deepest));
+    EXPECT_FALSE(Document::parse("[" + deepest + "]"));
+    std::string wide = "[";
+    for (std::size_t i = 0; i < kMaxDepth; ++i) {
+        wide += "[],{},";
+    }
+    EXPECT_TRUE(Document::parse(wide + "[]]")) << "depth is not the number of containers";
+
+    std::string endless;
+    while (endless.size() < 6'000'000) {
+        endless += R"({"a":[)";
+    }
+    const auto document = Document::parse(endless);
+    ASSERT_FALSE(document);
+    EXPECT_THAT(document.error().description, HasSubstr("deep"));
+    EXPECT_LT(document.error().offset, 6 * kMaxDepth) << "no more of it is read than needed";
+    EXPECT_FALSE(Document::parse(std::string(1'000'000, '[')));
+}
+
+TEST(JsonTest, LooksUpWithoutConverting) {
+    const auto document = Document::parse(
+        R"({"n":1,"f":1.0,"big":9223372036854775808,"s":"2","b":true,"z":null,"a":[10,20],"o":{"k":1},"n":3})");
+    ASSERT_TRUE(document);
+    const View root = document->root();
+    EXPECT_EQ(root.member("n")->integer(), 3) << "the last of two equal keys counts";
+    EXPECT_EQ(root.member("f")->integer(), std::nullopt);
+    EXPECT_EQ(root.member("big")->integer(), std::nullopt);
+    EXPECT_EQ(root.member("s")->number(), std::nullopt);
+    EXPECT_EQ(root.member("b")->number(), std::nullopt);
+    EXPECT_EQ(root.member("b")->boolean(), true);
+    EXPECT_EQ(root.member("n")->boolean(), std::nullopt);
+    EXPECT_EQ(root.member("n")->string(), std::nullopt);
+    EXPECT_TRUE(root.member("z")->isNull());
+    EXPECT_EQ(root.member("a")->at(1).number(), 20);
+    EXPECT_EQ(root.member("a")->member("k"), std::nullopt);
+    EXPECT_EQ(root.member("o")->size(), 0u);
+    EXPECT_EQ(root.member("missing"), std::nullopt);
+}
+
+TEST(JsonTest, StaysReadableWhenTheDocumentMoves) {
+    auto first = Document::parse(R"({"k":"v"})");
+    ASSERT_TRUE(first);
+    const View root = first->root();
+    const Document second = std::move(*first);
+    EXPECT_THAT(root.member("k")->string(), Optional("v"s));
+}
+
+TEST(JsonTest, ContainersOnlyOnRequest) {
+    EXPECT_TRUE(Document::parse("5"));
+    EXPECT_FALSE(parseContainer("5"));
+    EXPECT_TRUE(parseContainer("[]"));
+    EXPECT_TRUE(parseContainer("{}"));
+}
+
+}  // namespace
+}  // namespace glintar::json

@@ -1,0 +1,36 @@
+#include "keystore/KeychainHelper.h"
+
+#include <gtest/gtest.h>
+
+#include "platform/virtual/VirtualPlatform.h"
+
+namespace glintar::keystore {
+namespace {
+
+TEST(KeychainHelperTest, KeysAreReplacedReadAndRemovedEachUnderItsName) {
+    platform::VirtualPlatform machine;
+    const KeychainHelper keys(machine.platform());
+    EXPECT_EQ(keys.read("apiKey_coingecko"), std::nullopt);
+    keys.delete_("apiKey_coingecko");
+    keys.save("one", "apiKey_coingecko");
+    keys.save("two", "apiKey_coingecko");
+    keys.save("other", "apiKey_binance");
+    EXPECT_EQ(keys.read("apiKey_coingecko"), "two");
+    EXPECT_EQ(machine.secrets.find("apiKey_coingecko", "GlintarUser").bytes, "two");
+    keys.delete_("apiKey_coingecko");
+    EXPECT_EQ(keys.read("apiKey_coingecko"), std::nullopt);
+    EXPECT_EQ(keys.read("apiKey_binance"), "other");
+}
+
+TEST(KeychainHelperTest, WhatCannotBeReadAsTextIsNoKey) {
+    platform::VirtualPlatform machine;
+    const KeychainHelper keys(machine.platform());
+    keys.save("\xff\xfe", "apiKey_x");
+    EXPECT_EQ(keys.read("apiKey_x"), "\xff\xfe");
+    EXPECT_EQ(keys.apiKeyOf("x"), "");
+    machine.secrets.failure = platform::SecretStatus::Locked;
+    EXPECT_EQ(keys.read("apiKey_x"), std::nullopt);
+}
+
+}  // namespace
+}  // namespace glintar::keystore

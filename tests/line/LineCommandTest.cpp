@@ -1,0 +1,186 @@
+#include "line/LineCommand.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "json/Json.h"
+#include "line/LineFormat.h"
+#include "platform/TextOutput.h"
+#include "platform/virtual/VirtualPlatform.h"
+#include "support/Market.h"
+
+namespace glintar::line {
+namespace {
+
+using namespace std::chrono_literals;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+class RecordedOutput final : public platform::TextOutput {
+public:
+    bool isTerminal() const override { return terminal; }
+    void printLine(std::string_view text) override { lines.emplace_back(text); }
+    void redrawLine(std::string_view text) override { redrawn.emplace_back(text); }
+
+    bool terminal = false;
+    std::vector<std::string> lines, redrawn;
+};
+
+class LineCommandTest : public testing::Test {
+protected:
+    LineCommandTest() {
+        test::ship(machine);
+        test::saveCoins(machine.preferences, {test::coin(" btc ", "bitcoin", 60000)});
+        machine.http.answer("gecko.test", test::geckoAnswer({"bitcoin"}, 64012.55));
+    }
+
+    void run(const Arguments& arguments, platform::Duration duration) {
+        command.emplace(machine.platform(), output, arguments, [this](int status) { finished.push_back(status); });
+        command->start();
+        machine.advance(duration);
+    }
+
+    platform::VirtualPlatform machine;
+    RecordedOutput output;
+    std::vector<int> finished;
+    std::optional<LineCommand> command;
+};
+
+TEST_F(LineCommandTest, PrintsOneLineForEachCompletedRefresh) {
+    run({}, 62s);
+    EXPECT_THAT(output.lines, ElementsAre("BTC 64012.55 (60000.00)", "BTC 64012.55 (60000.00)"));
+    machine.http.fail("gecko.test", {platform::HttpError::Kind::Connection, "down"});
+    machine.advance(60s);
+    EXPECT_EQ(output.lines.back(), "BTC 64012.55 (60000.00) | ⚠️ Net Error") << "old prices do not pass for new ones";
+    EXPECT_THAT(finished, IsEmpty());
+    command->interrupt();
+    EXPECT_THAT(finished, ElementsAre(0));
+}
+
+TEST_F(LineCommandTest, ItIsALineWhateverTheDisplayMode) {
+    machine.preferences.setInteger("displayMode", 1);
+    run({}, 2s);
+    EXPECT_THAT(output.lines, SizeIs(1));
+}
+
+TEST_F(LineCommandTest, OnceAsksAtOnceAndEndsWithWhatItGot) {
+    run({.once = true}, 10ms);
+    EXPECT_THAT(output.lines, ElementsAre("BTC 64012.55 (60000.00)"));
+    EXPECT_THAT(finished, ElementsAre(0));
+    EXPECT_EQ(machine.runLoop.pending(), 0U) << "no timer is started";
+}
+
+TEST_F(LineCommandTest, BothDocumentsAreLookedAfterUnlessItRunsOnceOrOnASimulatedMarket) {
+    machine.bundle.server = "https://config.test";
+    for (const auto& [once, demo] : {std::pair{true, false}, {false, true}, {false, false}}) {
+        command.reset();
+        machine.registry.clear();
+        run({.once = once, .demo = demo}, 2s);
+        const int expected = once || demo ? 0 : 1;
+        EXPECT_EQ(machine.http.asked("config.test/api/api_endpoints_ver.json"), expected);
+        EXPECT_EQ(machine.http.asked("config.test/api/coingecko_coins_list_ver.json"), expected);
+    }
+}
+
+TEST_F(LineCommandTest, OnceAsksTheKeyRingOnlyWhereTheSourceTakesAKey) {
+    run({.once = true}, 10ms);
+    EXPECT_EQ(machine.secrets.reads, 1);
+    machine.preferences.setString("selectedSourceID", "gate");
+    run({.once = true}, 10ms);
+    EXPECT_EQ(machine.secrets.reads, 1);
+}
+
+TEST_F(LineCommandTest, OnceWithoutAPriceSaysWhyAndEndsWithOne) {
+    machine.http.answer("gecko.test", "", 404);
+    run({.once = true}, 1s);
+    EXPECT_THAT(output.lines, ElementsAre("⚠️ Error"));
+    EXPECT_THAT(finished, ElementsAre(1));
+}
+
+TEST_F(LineCommandTest, OnceWithoutACoinEndsAtOnce) {
+    test::saveCoins(machine.preferences, {});
+    run({.once = true}, 0s);
+    EXPECT_THAT(output.lines, ElementsAre("No Price Data"));
+    EXPECT_THAT(finished, ElementsAre(1));
+    EXPECT_THAT(machine.http.requests, IsEmpty());
+}
+
+TEST_F(LineCommandTest, AnInterruptBeforeTheOnlyRefreshIsAFailure) {
+    run({.once = true}, 0s);
+    command->interrupt();
+    EXPECT_THAT(finished, ElementsAre(1));
+}
+
+TEST_F(LineCommandTest, AReaderThatLeavesEndsIt) {
+    run({}, 2s);
+    output.onClosed();
+    EXPECT_THAT(finished, ElementsAre(0));
+}
+
+TEST_F(LineCommandTest, ATerminalShowsTheLineInPlaceWithACountdown) {
+    output.terminal = true;
+    run({}, 1500ms);
+    EXPECT_EQ(output.redrawn.front(), "Loading...");
+    EXPECT_EQ(output.redrawn.back(), "○ 60s BTC 64012.55 (60000.00)");
+    const auto drawn = output.redrawn.size();
+    machine.advance(10s);
+    EXPECT_EQ(output.redrawn.size(), drawn + 10) << "once a second, not ten times";
+    machine.advance(10s);
+    EXPECT_EQ(output.redrawn.back(), "◔ 40s BTC 64012.55 (60000.00)");
+    EXPECT_THAT(output.lines, IsEmpty());
+}
+
+TEST_F(LineCommandTest, ATerminalGetsPlainLinesWhereTheyAreDataOrTheLast) {
+    output.terminal = true;
+    run({.format = Format::Json}, 2s);
+    run({.once = true}, 2s);
+    EXPECT_THAT(output.redrawn, IsEmpty());
+    EXPECT_THAT(output.lines, SizeIs(2));
+}
+
+TEST_F(LineCommandTest, JsonHoldsTheWholeAnswer) {
+    for (const auto* key : {"showChange24h", "showSparkline", "showGasFee"}) {
+        machine.preferences.setBoolean(key, true);
+    }
+    test::saveCoins(machine.preferences,
+                    {test::coin("btc", "bitcoin", 60000), test::coin("X", "missing"), test::coin("E", "ethereum", 0)});
+    machine.http.answer("gecko.test",
+                        R"([{"id":"bitcoin","current_price":0.1,"change":1.25,"high":3,"image":"https://i/\"1.png",)"
+                        R"("spark":{"price":[1,0.30000000000000004]}},{"id":"ethereum","current_price":1e21}])");
+    machine.http.answer("eth.test", R"({"result":{"average":1.5}})");
+    run({.format = Format::Json, .once = true}, 1s);
+    ASSERT_THAT(output.lines, SizeIs(1));
+    const std::string expected =
+        R"j({"time":"03:04:05","source":"coingecko","error":null,"tooltip":"Last Updated: 03:04:05",)j"
+        R"j("text":"BTC 0.1000 (60000.00) +1.25% █▁ | E 1000000000000000000000.00 | ⛽ 1.50G ($31500000000000000.000)",)j"
+        R"j("coins":[{"id":"bitcoin","name":"btc","price":0.1,"reference":60000,"change24h":1.25,"high24h":3,)j"
+        R"j("low24h":null,"sparkline":[1,0.30000000000000004],"image":"https://i/\"1.png"},)j"
+        R"j({"id":"ethereum","name":"E","price":1e+21,"reference":null,"change24h":null,"high24h":null,)j"
+        R"j("low24h":null,"sparkline":null,"image":null}],)j"
+        R"j("gas":{"network":"ethereum","fee":1.5,"transferCost":3.15e+16}})j";
+    EXPECT_EQ(output.lines[0], expected);
+}
+
+TEST_F(LineCommandTest, ASimulatedMarketIsMarked) {
+    run({.once = true, .demo = true}, 1s);
+    EXPECT_EQ(output.lines.at(0), "[simulated] BTC 64012.55 (60000.00)");
+}
+
+TEST(LineFormatTest, SparklinesReachFromTheLowestToTheHighest) {
+    using List = std::vector<double>;
+    EXPECT_EQ(sparklineText(List{1, 2, 3, 4, 5, 6, 7, 8}), "▁▂▃▄▅▆▇█");
+    EXPECT_EQ(sparklineText(List{5, 5, 5}), "▁▁▁");
+    EXPECT_EQ(sparklineText(List{5}), "");
+    EXPECT_EQ(sparklineText(List{-1.7e308, 1.7e308}), "▁█");
+}
+
+TEST(LineFormatTest, NamesCannotBreakTheLine) {
+    menubar::StatusLine line;
+    line.coins.push_back({.coin = test::coin("\u2003a\nb\x1b[31mß ", "x"), .price = "1.00"});
+    line.gas = menubar::GasPart{.network = market::GasNetwork::Bitcoin, .fee = 7, .text = "7 sat"};
+    EXPECT_EQ(plainText(line), "A\uFFFDB\uFFFD[31MSS 1.00 | ₿ 7 sat");
+}
+
+}  // namespace
+}  // namespace glintar::line

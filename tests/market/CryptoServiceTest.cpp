@@ -1,0 +1,328 @@
+#include "market/CryptoService.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "config/APIConfigUpdater.h"
+#include "config/ConfigFiles.h"
+#include "keystore/KeychainHelper.h"
+#include "platform/virtual/VirtualPlatform.h"
+#include "support/Market.h"
+
+namespace glintar::market {
+namespace {
+
+using namespace std::chrono_literals;
+using testing::ElementsAre;
+using testing::Key;
+using testing::SizeIs;
+
+class CryptoServiceTest : public testing::Test {
+protected:
+    struct Outcome {
+        int completions = 0;
+        MarketDataMap quotes;
+        std::optional<std::string> error;
+    };
+
+    CryptoServiceTest() { test::ship(machine); }
+
+    CryptoService& service() { return CryptoService::shared(machine.platform()); }
+
+    std::shared_ptr<Outcome> startFetch(const std::vector<config::Coin>& coins) {
+        auto outcome = std::make_shared<Outcome>();
+        service().fetchMarketData(coins, [outcome](MarketDataMap quotes, std::optional<std::string> error) {
+            ++outcome->completions;
+            outcome->quotes = std::move(quotes);
+            outcome->error = std::move(error);
+        });
+        return outcome;
+    }
+
+    Outcome fetch(const std::vector<config::Coin>& coins) {
+        const auto outcome = startFetch(coins);
+        machine.advance(5s);
+        EXPECT_EQ(outcome->completions, 1);
+        return *outcome;
+    }
+
+    void select(std::string_view source) { machine.preferences.setString("selectedSourceID", source); }
+
+    platform::VirtualPlatform machine;
+    const std::vector<config::Coin> btc{test::coin("BTC", "bitcoin")};
+    const std::vector<config::Coin> both{test::coin(" btc\n", "bitcoin"), test::coin("Eth", "ethereum")};
+};
+
+TEST_F(CryptoServiceTest, ABatchAsksOnceForAllCoins) {
+    machine.http.answer("gecko.test", test::geckoAnswer({"bitcoin", "ethereum"}, 5));
+    EXPECT_THAT(fetch(both).quotes, ElementsAre(Key("bitcoin"), Key("ethereum")));
+    ASSERT_THAT(machine.http.requests, SizeIs(1));
+    const auto& request = machine.http.requests.front();
+    EXPECT_EQ(request.url, "https://gecko.test/markets?ids=bitcoin,ethereum");
+    EXPECT_EQ(request.method, platform::HttpMethod::Get);
+    EXPECT_EQ(request.stallTimeout, 10s);
+    EXPECT_EQ(request.timeout, 60s);
+    EXPECT_THAT(request.headers, ElementsAre(platform::HttpHeader{"User-Agent", "Mozilla/5.0"},
+                                             platform::HttpHeader{"Accept", "application/json"}));
+    EXPECT_TRUE(request.originHeaders.empty());
+}
+
+TEST_F(CryptoServiceTest, ABatchByNameSendsTheNamesAsTheyAreInBothPlaces) {
+    select("simple");
+    fetch(both);
+    EXPECT_EQ(machine.http.requests.front().url, "https://simple.test/p?ids=%20btc%0A%7CEth&again=%20btc%0A%7CEth");
+}
+
+TEST_F(CryptoServiceTest, OneRequestForEachCoinUsesTheBareUpperCaseSymbol) {
+    select("gate");
+    machine.http.answer("BTC_USDT&id=bitcoin", R"([{"last":"7"}])");
+    machine.http.answer("ETH_USDT&id=ethereum", R"([{"last":"8"}])");
+    const auto outcome = fetch(both);
+    EXPECT_EQ(outcome.quotes.at("bitcoin").price, 7);
+    EXPECT_EQ(outcome.quotes.at("ethereum").price, 8);
+    EXPECT_TRUE(machine.console.printed("🔗 gate | 币: bitcoin | Symbol: BTC"));
+    EXPECT_TRUE(machine.console.printed("   👉 生成 URL: https://gate.test/t?pair=BTC_USDT&id=bitcoin"));
+}
+
+TEST_F(CryptoServiceTest, PartialSuccessIsNoErrorAndTheLastFailureSpeaksForAll) {
+    select("gate");
+    machine.http.answer("BTC_USDT", R"([{"last":"7"}])");
+    machine.http.answer("ETH_USDT", "", 404);
+    auto outcome = fetch(both);
+    EXPECT_THAT(outcome.quotes, ElementsAre(Key("bitcoin")));
+    EXPECT_FALSE(outcome.error);
+
+    machine.http.answer("BTC_USDT", "", 403);
+    machine.http.latencies = {200ms, 10ms};  // Bitcoin's failure comes last
+    EXPECT_EQ(fetch(both).error, "HTTP 403");
+    machine.http.answer("BTC_USDT", "{}");
+    machine.http.answer("ETH_USDT", "{}");
+    outcome = fetch(both);
+    EXPECT_TRUE(outcome.quotes.empty());
+    EXPECT_FALSE(outcome.error) << "an answer without a price is no error";
+}
+
+TEST_F(CryptoServiceTest, WithoutCoinsABatchStillAsksAndSingleRequestsDoNot) {
+    machine.http.answer("gecko.test", "[]");
+    EXPECT_FALSE(fetch({}).error);
+    EXPECT_EQ(machine.http.requests.front().url, "https://gecko.test/markets?ids=");
+    select("gate");
+    const auto outcome = fetch({});
+    EXPECT_TRUE(outcome.quotes.empty());
+    EXPECT_FALSE(outcome.error);
+    EXPECT_EQ(machine.http.asked("gate.test"), 0);
+}
+
+TEST_F(CryptoServiceTest, TheKeyGoesOnlyToASourceThatNamesAHeader) {
+    const keystore::KeychainHelper keys(machine.platform());
+    struct Row {
+        std::string source, key;
+        bool isSent;
+    };
+    for (const auto& row :
+         {Row{"coingecko", "CG-1", true}, Row{"coingecko", "", false}, Row{"coingecko", "a\r\nb", false},
+          Row{"coingecko", " a", false}, Row{"coingecko", "caf\xc3\xa9", false}, Row{"coingecko", "a\xff", false},
+          Row{"gate", "G-1", false}}) {
+        SCOPED_TRACE(row.source + " " + row.key);
+        select(row.source);
+        keys.save(row.key, "apiKey_" + row.source);
+        fetch(btc);
+        const auto& headers = machine.http.requests.back().originHeaders;
+        if (row.isSent) {
+            EXPECT_THAT(headers, ElementsAre(platform::HttpHeader{"x-key", row.key}));
+        } else {
+            EXPECT_TRUE(headers.empty());
+        }
+        EXPECT_THAT(machine.http.requests.back().headers, SizeIs(2));
+    }
+}
+
+struct StatusCase {
+    std::string name;
+    std::vector<int> statuses;
+    std::optional<std::string> error;
+    int requests;
+};
+
+class StatusTest : public CryptoServiceTest, public testing::WithParamInterface<StatusCase> {};
+
+TEST_P(StatusTest, IsReducedToABodyOrAShortText) {
+    for (const int status : GetParam().statuses) {
+        machine.http.answerOnce("gecko.test", status == 200 ? test::geckoAnswer({"bitcoin"}, 5) : "x", status);
+    }
+    const auto outcome = fetch(btc);
+    EXPECT_EQ(outcome.error, GetParam().error);
+    EXPECT_EQ(outcome.quotes.size(), GetParam().error ? 0U : 1U);
+    EXPECT_EQ(machine.http.asked("gecko.test"), GetParam().requests);
+}
+
+INSTANTIATE_TEST_SUITE_P(Statuses, StatusTest,
+                         testing::Values(StatusCase{"Good", {200}, std::nullopt, 1},
+                                         StatusCase{"OneServerErrorIsForgiven", {503, 200}, std::nullopt, 2},
+                                         StatusCase{"TwoAreNot", {502, 500}, "Server Error (500)", 2},
+                                         StatusCase{"Throttled", {429}, "Limit Exceeded (429)", 1},
+                                         StatusCase{"ThrottledAtTheRetry", {503, 429}, "Limit Exceeded (429)", 2},
+                                         StatusCase{"NotFound", {404}, "HTTP 404", 1},
+                                         StatusCase{"Unauthorised", {401}, "HTTP 401", 1},
+                                         StatusCase{"NotModified", {304}, "HTTP 304", 1},
+                                         StatusCase{"NoHttpAtAll", {0}, "HTTP 0", 1}),
+                         [](const auto& test) { return test.param.name; });
+
+TEST_F(CryptoServiceTest, TheRetryComesASecondAfterTheServerError) {
+    machine.http.answer("gecko.test", "", 503);
+    startFetch(btc);
+    machine.advance(1s);
+    EXPECT_EQ(machine.http.asked("gecko.test"), 1);
+    machine.advance(10ms);
+    EXPECT_EQ(machine.http.asked("gecko.test"), 2);
+}
+
+TEST_F(CryptoServiceTest, ATransportFailureIsNotRetried) {
+    machine.http.fail("gecko.test", {platform::HttpError::Kind::Timeout, "no byte for 10 s"});
+    EXPECT_EQ(fetch(btc).error, "Network Error");
+    EXPECT_THAT(machine.http.requests, SizeIs(1));
+    EXPECT_TRUE(machine.console.printed("❌ Network Error: no byte for 10 s"));
+}
+
+TEST_F(CryptoServiceTest, AnAnswerWithoutABodyIsUnknown) {
+    machine.http.answer("gecko.test", "");
+    EXPECT_EQ(fetch(btc).error, "Unknown Error");
+    machine.http.answer("gecko.test", "<html>");
+    EXPECT_EQ(fetch(btc).error, std::nullopt) << "a body that cannot be read is no error";
+}
+
+TEST_F(CryptoServiceTest, AThrottlingSourceIsLeftAloneForAMinuteThenAnnounced) {
+    std::vector<double> announced;
+    const auto start = machine.runLoop.now();
+    const auto observation = machine.notifications.observe(
+        kCoolDownEnded, [&] { announced.push_back(platform::Seconds(machine.runLoop.now() - start).count()); });
+    machine.http.latency = 0s;
+    machine.http.answer("gecko.test", "Throttled", 429);
+    machine.http.answer("gate.test", R"([{"last":1}])");
+    EXPECT_EQ(fetch(btc).error, "Limit Exceeded (429)");
+
+    machine.advance(4500ms);  // 9.5 s after the answer
+    EXPECT_EQ(fetch(btc).error, "Cooling down for error 429 (50s)") << "whole seconds, cut off";
+    EXPECT_EQ(machine.http.asked("gecko.test"), 1) << "nothing is sent meanwhile";
+    select("gate");
+    EXPECT_FALSE(fetch(btc).error) << "other sources are not affected";
+
+    select("coingecko");
+    machine.advance(40s);
+    EXPECT_TRUE(announced.empty());
+    machine.advance(1s);
+    EXPECT_THAT(announced, ElementsAre(60.5));
+    fetch(btc);
+    EXPECT_EQ(machine.http.asked("gecko.test"), 2);
+}
+
+TEST_F(CryptoServiceTest, TheCoolDownEndsWhileTheMachineSleeps) {
+    machine.http.answer("gecko.test", "Throttled", 429);
+    fetch(btc);
+    machine.runLoop.sleep(1h);
+    fetch(btc);
+    EXPECT_EQ(machine.http.asked("gecko.test"), 2);
+}
+
+TEST_F(CryptoServiceTest, ARetryDuringACoolDownIsRefused) {
+    select("gate");
+    machine.http.answerOnce("BTC_USDT", "", 503);
+    machine.http.answerOnce("ETH_USDT", "", 429);
+    machine.http.latencies = {10ms, 500ms};
+    const auto outcome = fetch(both);
+    EXPECT_EQ(outcome.error, "Rate Limited (429)") << "the refused retry is the last to fail";
+    EXPECT_EQ(machine.http.asked("gate.test"), 2);
+}
+
+TEST_F(CryptoServiceTest, WithoutAConfigurationOrAnAddressNothingIsSent) {
+    struct Row {
+        std::string source;
+        std::optional<std::string> error;
+    };
+    for (const auto& row : {Row{"nobody", "Config Missing"}, Row{"", "Config Missing"}, Row{"broken", "Bad URL"},
+                            Row{"broken_each", std::nullopt}}) {
+        select(row.source);
+        EXPECT_EQ(fetch(btc).error, row.error) << row.source;
+    }
+    EXPECT_THAT(machine.http.requests, SizeIs(0));
+}
+
+TEST_F(CryptoServiceTest, ItsEndLeavesEveryFetchCompleted) {
+    machine.http.answer("gecko.test", "", 503);
+    const auto outcome = startFetch(btc);
+    machine.advance(100ms);  // the retry is waiting
+    machine.registry.clear();
+    machine.advance(5s);
+    EXPECT_EQ(outcome->completions, 1);
+    EXPECT_EQ(outcome->error, "Network Error");
+}
+
+class ConfigLoadTest : public CryptoServiceTest {
+protected:
+    const std::filesystem::path cached = *config::cachedConfigFileURL(machine.platform());
+    static constexpr std::string_view kOther = R"({"sources":[{"id":"other","name":"O","supports_batch":true,
+        "url_template":"https://other.test","response_type":"array","price_path":"p","header":null}]})";
+    std::string firstSource() { return service().loadedConfig() ? service().loadedConfig()->sources.at(0).id : ""; }
+};
+
+TEST_F(ConfigLoadTest, TheDownloadedCopyWinsWhenItCanBeRead) {
+    machine.files.contents[cached] = std::string(kOther);
+    EXPECT_EQ(firstSource(), "other");
+    EXPECT_TRUE(machine.console.printed("🚀 [Glintar] 📁 [Config] 成功从磁盘缓存加载远程配置\n"));
+    EXPECT_FALSE(service().loadedConfig()->gasConfigs);
+}
+
+TEST_F(ConfigLoadTest, ADamagedCopyIsPassedOverSilently) {
+    machine.files.contents[cached] = std::string(kOther).substr(0, kOther.size() - 20);
+    config::APIConfigUpdater::shared(machine.platform()).skipCheck();
+    EXPECT_EQ(firstSource(), "coingecko");
+    EXPECT_THAT(machine.console.lines, SizeIs(1));
+    EXPECT_TRUE(machine.console.printed("🚀 [Glintar] 📦 [Config] 首次启动，加载内部初始配置\n"));
+}
+
+TEST_F(ConfigLoadTest, AShippedDocumentThatDoesNotDecodeLeavesNone) {
+    test::ship(machine, "{}");
+    EXPECT_EQ(firstSource(), "");
+    EXPECT_TRUE(machine.console.printed("🚀 [Glintar] 📦 [Config] 首次启动，加载内部初始配置\n"));
+    EXPECT_EQ(fetch(btc).error, "Config Missing");
+}
+
+TEST_F(ConfigLoadTest, ANewCopyIsTakenUpAtItsAnnouncementAndALostOneChangesNothing) {
+    EXPECT_EQ(firstSource(), "coingecko");
+    machine.files.contents[cached] = std::string(kOther);
+    machine.notifications.post(config::kConfigUpdated);
+    EXPECT_EQ(firstSource(), "other");
+    EXPECT_TRUE(machine.console.printed("🚀 [Glintar] 🔄 [CryptoService] 收到更新通知，重新加载配置...\n"));
+
+    machine.files.contents.clear();
+    machine.notifications.post(config::kConfigUpdated);
+    EXPECT_EQ(firstSource(), "other");
+    EXPECT_EQ(machine.console.count("❌ [Config] 内部配置文件也找不到"), 1);
+}
+
+TEST_F(ConfigLoadTest, TheFirstUseLooksForANewerConfigurationAndTakesItUp) {
+    machine.bundle.server = "https://config.test";
+    machine.http.answer("_ver.json", R"({"version":1})");
+    machine.http.answer("/api/api_endpoints.json", std::string(kOther));
+    EXPECT_EQ(firstSource(), "coingecko") << "nobody waits for the answer";
+    machine.advance(1s);
+    EXPECT_EQ(firstSource(), "other");
+}
+
+TEST_F(ConfigLoadTest, ANewerDocumentThatIsNoConfigurationGivesWayToTheShippedOne) {
+    machine.files.contents[cached] = std::string(kOther);
+    machine.bundle.server = "https://config.test";
+    machine.http.answer("_ver.json", R"({"version":1})");
+    machine.http.answer("/api/api_endpoints.json", R"({"sources":"later"})");
+    EXPECT_EQ(firstSource(), "other");
+    machine.advance(1s);
+    EXPECT_EQ(firstSource(), "coingecko");
+}
+
+TEST_F(ConfigLoadTest, NoHomeDirectoryMeansTheShippedDocument) {
+    machine.directories.support.reset();
+    EXPECT_EQ(firstSource(), "coingecko");
+}
+
+}  // namespace
+}  // namespace glintar::market

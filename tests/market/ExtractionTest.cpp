@@ -1,0 +1,152 @@
+#include "market/Extraction.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "config/AppConfig.h"
+#include "market/ValuePath.h"
+#include "platform/virtual/VirtualStores.h"
+#include "support/Market.h"
+
+namespace glintar::market {
+namespace {
+
+using testing::ElementsAre;
+using testing::Key;
+
+struct PathCase {
+    std::string name;
+    std::string path;
+    std::string document;
+    std::string expected;  ///< "number:…", "text:…", "other" or "none"
+};
+
+class ValuePathTest : public testing::TestWithParam<PathCase> {};
+
+TEST_P(ValuePathTest, Finds) {
+    const auto document = json::Document::parse(GetParam().document);
+    ASSERT_TRUE(document);
+    const auto value = valueAtPath(GetParam().path, document->root());
+    std::string found = "none";
+    if (value && value->number()) {
+        found = fmt::format("number:{}", *value->number());
+    } else if (value && value->string()) {
+        found = "text:" + std::string(*value->string());
+    } else if (value) {
+        found = "other";
+    }
+    EXPECT_EQ(found, GetParam().expected);
+}
+
+INSTANTIATE_TEST_SUITE_P(Paths, ValuePathTest,
+                         testing::Values(PathCase{"Nested", "a.b", R"({"a":{"b":7}})", "number:7"},
+                                         PathCase{"DotsInARowAndAtTheEnds", "..a...b.", R"({"a":{"b":7}})", "number:7"},
+                                         PathCase{"EmptyPath", "", R"({"a":1})", "none"},
+                                         PathCase{"OnlyDotsGiveTheRoot", "..", R"({"a":1})", "other"},
+                                         PathCase{"MissingMember", "a.c", R"({"a":{"b":7}})", "none"},
+                                         PathCase{"ThroughANumber", "a.b", R"({"a":7})", "none"},
+                                         PathCase{"ListsAreNotEntered", "a.0", R"({"a":[7]})", "none"},
+                                         PathCase{"LastOfTwoMembersOfOneName", "a", R"({"a":1,"a":2})", "number:2"},
+                                         PathCase{"NumericText", "a", R"({"a":"67000.5"})", "number:67000.5"},
+                                         PathCase{"ExchangeStyleText", "a", R"({"a":"+7.5E+4"})", "number:75000"},
+                                         PathCase{"LeadingBlankStaysText", "a", R"({"a":" 67000.5"})", "text: 67000.5"},
+                                         PathCase{"HexadecimalStaysText", "a", R"({"a":"0x10"})", "text:0x10"},
+                                         PathCase{"NanStaysText", "a", R"({"a":"nan"})", "text:nan"},
+                                         PathCase{"AddressStaysText", "a", R"({"a":"http://1"})", "text:http://1"},
+                                         PathCase{"BooleanIsNoNumber", "a", R"({"a":true})", "other"},
+                                         PathCase{"NullIsThere", "a", R"({"a":null})", "other"}),
+                         [](const auto& test) { return test.param.name; });
+
+config::SourceConfig source(std::string responseType) {
+    return {.id = "s",
+            .response_type = std::move(responseType),
+            .id_mapping_path = "id",
+            .image_path = "img.{ID}",
+            .price_path = "p.{ID}",
+            .change_path = "change",
+            .high_path = "high",
+            .low_path = "low",
+            .sparkline_path = "spark"};
+}
+
+std::string numbers(int count) {
+    std::string list;
+    for (int i = 1; i <= count; ++i) {
+        list += fmt::format("{}{}", list.empty() ? "" : ",", i);
+    }
+    return "[" + list + "]";
+}
+
+TEST(ExtractionTest, FillsEveryFieldThatIsThereAndOfItsKind) {
+    platform::VirtualConsole console;
+    const auto read = [&](const std::string& body) {
+        return parseSingleResponse(body, source("object"), "btc", console);
+    };
+    const auto whole = read(R"({"p":{"btc":"2"},"img":{"btc":"https://x/1.png"},"change":-1,"high":"3","low":1,)"
+                            R"("spark":)" +
+                            numbers(168) + "}");
+    ASSERT_TRUE(whole);
+    EXPECT_EQ(whole->price, 2);
+    EXPECT_EQ(whole->imageUrl, "https://x/1.png");
+    EXPECT_EQ(whole->change24h, -1);
+    EXPECT_EQ(whole->high24h, 3);
+    EXPECT_EQ(whole->low24h, 1);
+    ASSERT_EQ(whole->sparkline.value().size(), 24U);
+    EXPECT_EQ(whole->sparkline->front(), 145);
+    EXPECT_EQ(whole->sparkline->back(), 168);
+
+    const auto poor = read(R"({"p":{"btc":2},"img":{"btc":12},"change":null,"high":[1],"low":"x","spark":[1,"2"]})");
+    ASSERT_TRUE(poor) << "only the price is needed";
+    EXPECT_FALSE(poor->imageUrl || poor->change24h || poor->high24h || poor->low24h || poor->sparkline);
+
+    const auto brief = read(R"({"p":{"btc":2},"spark":[1,2]})");
+    EXPECT_EQ(brief.value().sparkline.value(), (std::vector<double>{1, 2}));
+
+    EXPECT_FALSE(read(R"({"p":{"eth":2}})")) << "another coin's price is none";
+}
+
+TEST(ExtractionTest, SingleAnswersComeInTheirShape) {
+    platform::VirtualConsole console;
+    struct Row {
+        std::string type, body;
+        bool isRead;
+    };
+    for (const auto& [type, body, isRead] :
+         {Row{"array_first", R"([{"p":{"b":1}},{}])", true}, Row{"array_first", R"({"p":{"b":1}})", true},
+          Row{"array_first", "[]", false}, Row{"array_first", R"([{"p":{"b":1}},7])", false},
+          Row{"object", R"([{"p":{"b":1}}])", false}, Row{"whatever", R"({"p":{"b":1}})", true}}) {
+        EXPECT_EQ(parseSingleResponse(body, source(type), "b", console).has_value(), isRead) << type << body;
+    }
+    EXPECT_TRUE(console.lines.empty()) << "a shape that does not fit is no news";
+    EXPECT_FALSE(parseSingleResponse("<html>", source("object"), "b", console));
+    EXPECT_FALSE(parseSingleResponse("7", source("object"), "b", console));
+    EXPECT_EQ(console.count("❌ 解析错误: "), 2);
+}
+
+TEST(ExtractionTest, BatchAnswersComeInTheirShape) {
+    platform::VirtualConsole console;
+    const std::vector<config::Coin> coins{test::coin("A", "a"), test::coin("B", "b"), test::coin("C", "c")};
+    const auto read = [&](const std::string& type, const std::string& body) {
+        return parseBatchResponse(body, source(type), coins, console);
+    };
+    const auto array =
+        read("array", R"([{"id":"a","p":{"a":1}},{"id":5,"p":{"5":1}},{"id":"1337","p":{"1337":1}},)"
+                      R"({"p":{"a":1}},{"id":"b","p":{}},{"id":"z","p":{"z":3}},{"id":"a","p":{"a":2}}])");
+    EXPECT_THAT(array, ElementsAre(Key("a"), Key("z")));
+    EXPECT_EQ(array.at("a").price, 2) << "the later of two elements wins";
+    EXPECT_TRUE(read("array", R"([{"id":"a","p":{"a":1}},7])").empty());
+    auto unmapped = source("array");
+    unmapped.id_mapping_path.reset();
+    EXPECT_TRUE(parseBatchResponse(R"([{"id":"a","p":{"a":1}}])", unmapped, coins, console).empty());
+
+    EXPECT_THAT(read("dictionary", R"({"a":{"p":{"a":1}},"b":7,"x":{"p":{"x":1}}})"), ElementsAre(Key("a")));
+    EXPECT_TRUE(read("dictionary", "[]").empty());
+    EXPECT_TRUE(read("object", R"({"a":{"p":{"a":1}}})").empty());
+    EXPECT_TRUE(console.lines.empty());
+    EXPECT_TRUE(read("array", std::string(100'000, '[')).empty());
+    EXPECT_TRUE(read("array", "[{\"id\":\"\xff\"}]").empty());
+    EXPECT_EQ(console.count("❌ 批量解析错误: "), 2);
+}
+
+}  // namespace
+}  // namespace glintar::market

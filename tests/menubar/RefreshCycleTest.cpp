@@ -1,0 +1,411 @@
+// The refresh cycle as its user lives it, in virtual time.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "keystore/KeychainHelper.h"
+#include "menubar/RefreshState.h"
+#include "menubar/SettingsWatch.h"
+#include "menubar/StatusBarController.h"
+#include "menubar/StatusSurface.h"
+#include "platform/virtual/VirtualPlatform.h"
+#include "support/Market.h"
+
+namespace glintar::menubar {
+namespace {
+
+using namespace std::chrono_literals;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+/// Remembers what the presenter wanted seen.
+class RecordedSurface final : public StatusSurface {
+public:
+    void showLine(const StatusLine& shown, std::optional<std::string> text) override {
+        line = shown;
+        ++linesShown;
+        isHidden = false;
+        if (text) {
+            tooltip = *text;
+        }
+    }
+    void hideLine() override { isHidden = true; }
+    void refreshCompleted() override {
+        ++completed;
+        if (onCompleted) {
+            onCompleted();
+        }
+    }
+    bool showsProgress() const override { return hasProgress; }
+    void showProgress(double elapsed, platform::Seconds) override { progress.push_back(elapsed); }
+    bool canBeCovered() const override { return true; }
+    void checkVisibility() override { ++visibilityChecks; }
+    void updatePanel(PanelData data) override { panels.push_back(std::move(data)); }
+    void updateDashboardItem(std::string_view title, bool enabled) override { dashboard = enabled ? title : ""; }
+
+    StatusLine line;
+    std::string tooltip, dashboard;
+    int linesShown = 0, completed = 0, visibilityChecks = 0;
+    bool isHidden = false, hasProgress = false;
+    std::vector<double> progress;
+    std::vector<PanelData> panels;
+    std::function<void()> onCompleted;
+};
+
+class RefreshCycleTest : public testing::Test {
+protected:
+    RefreshCycleTest() {
+        test::ship(machine);
+        save({test::coin("BTC", "bitcoin")});
+        machine.http.answer("gecko.test", test::geckoAnswer({"bitcoin"}, 64000));
+        machine.http.answer("eth.test", R"({"result":{"average":12}})");
+        machine.http.answer("btc.test", R"({"halfHourFee":7})");
+    }
+
+    void save(const std::vector<config::Coin>& coins) { test::saveCoins(machine.preferences, coins); }
+
+    /// Starts the presenter and lets its first refresh pass.
+    void begin() {
+        make();
+        controller->start();
+        machine.advance(2s);
+    }
+
+    void make() { controller.emplace(machine.platform(), surface, StatusBarController::Options{}); }
+
+    void showGas(int source) {
+        machine.preferences.setBoolean("showGasFee", true);
+        machine.preferences.setInteger("gasSource", source);
+    }
+
+    void displaySettingsSaved() {
+        machine.notifications.post(kDisplaySettingsChanged);
+        machine.advance(1s);
+    }
+
+    int quotesAsked() const { return machine.http.asked("gecko.test"); }
+
+    std::vector<std::string> shownPrices() const {
+        std::vector<std::string> prices;
+        for (const auto& part : surface.line.coins) {
+            prices.push_back(part.price);
+        }
+        return prices;
+    }
+
+    platform::VirtualPlatform machine;
+    RecordedSurface surface;
+    std::optional<StatusBarController> controller;
+};
+
+TEST_F(RefreshCycleTest, PricesComeASecondAfterTheStartAndThenEveryMinute) {
+    make();
+    controller->start();
+    machine.advance(1s);
+    EXPECT_EQ(quotesAsked(), 0);
+    machine.advance(20ms);
+    EXPECT_THAT(shownPrices(), ElementsAre("64000.00"));
+    EXPECT_EQ(surface.tooltip, "Last Updated: 03:04:06");
+    EXPECT_EQ(surface.dashboard, "Arbitrage Dashboard");
+    machine.advance(60s);
+    EXPECT_EQ(quotesAsked(), 1);
+    machine.advance(1s);  // the timer counts from the first refresh; its tick waits 0.2 s
+    EXPECT_EQ(quotesAsked(), 2);
+    machine.advance(600s);
+    EXPECT_EQ(quotesAsked(), 12);
+}
+
+TEST_F(RefreshCycleTest, AKeyHalvesTheIntervalForItsOwnSource) {
+    keystore::KeychainHelper(machine.platform()).save("CG-123", "apiKey_coingecko");
+    begin();
+    EXPECT_EQ(RefreshState::shared(machine.platform()).currentInterval.count(), 30);
+    EXPECT_TRUE(machine.console.printed("   - 检查Key: apiKey_coingecko"));
+    EXPECT_TRUE(machine.console.printed("   - Key状态: ✅ 有效 (长度:6)"));
+    machine.advance(300s);
+    EXPECT_EQ(quotesAsked(), 11);
+
+    machine.preferences.setString("selectedSourceID", "binance");
+    machine.notifications.post(config::kCoinsUpdated);
+    EXPECT_EQ(RefreshState::shared(machine.platform()).currentInterval.count(), 60);
+    keystore::KeychainHelper(machine.platform()).save("\xff", "apiKey_binance");
+    machine.notifications.post(config::kCoinsUpdated);
+    EXPECT_EQ(RefreshState::shared(machine.platform()).currentInterval.count(), 60) << "no text is no key";
+}
+
+TEST_F(RefreshCycleTest, ARejectedKeySlowsDownUntilTheSettingsAreSaved) {
+    keystore::KeychainHelper(machine.platform()).save("CG-123", "apiKey_coingecko");
+    begin();
+    machine.http.answer("gecko.test", "", 403);
+    machine.advance(30s);
+    EXPECT_EQ(RefreshState::shared(machine.platform()).currentInterval.count(), 60);
+    EXPECT_EQ(surface.tooltip, "⚠️ Invalid API Key (Reverted to 60s) @ 03:04:36");
+    EXPECT_THAT(shownPrices(), ElementsAre("64000.00")) << "the last good prices stay";
+    const int asked = quotesAsked();
+    machine.advance(120s + 300ms);
+    EXPECT_EQ(quotesAsked(), asked + 2);
+    EXPECT_EQ(machine.console.count("🚨 [API] 检测到 Key 失效 (401/403)，触发自动降级！"), 1);
+
+    machine.http.answer("gecko.test", test::geckoAnswer({"bitcoin"}, 65000));
+    machine.notifications.post(config::kCoinsUpdated);
+    EXPECT_EQ(RefreshState::shared(machine.platform()).currentInterval.count(), 30);
+    machine.advance(1s);
+    EXPECT_THAT(shownPrices(), ElementsAre("65000.00"));
+}
+
+TEST_F(RefreshCycleTest, AnOutageKeepsTheLastPricesAndSaysSo) {
+    begin();
+    machine.http.fail("gecko.test", {platform::HttpError::Kind::Connection, "down"});
+    machine.advance(60s);
+    EXPECT_THAT(shownPrices(), ElementsAre("64000.00"));
+    EXPECT_EQ(surface.line.error, "Network Error");
+    EXPECT_EQ(surface.tooltip, "Error: Network Error @ 03:05:06");
+    EXPECT_THAT(RefreshState::shared(machine.platform()).latestMarketData, SizeIs(1));
+    machine.http.answer("gecko.test", test::geckoAnswer({"bitcoin"}, 63000));
+    machine.advance(60s);
+    EXPECT_THAT(shownPrices(), ElementsAre("63000.00"));
+    EXPECT_FALSE(surface.line.error);
+}
+
+TEST_F(RefreshCycleTest, WithNothingToShowTheErrorStandsInTheLine) {
+    machine.http.answer("gecko.test", "Throttled", 429);
+    begin();
+    EXPECT_EQ(surface.line.emptyText, "⚠️ Limit 429");
+    // The end of the cool-down brings the prices, long before the next tick would.
+    machine.http.answer("gecko.test", test::geckoAnswer({"bitcoin"}, 64000));
+    machine.advance(59s);
+    EXPECT_THAT(shownPrices(), IsEmpty());
+    machine.advance(1s);
+    EXPECT_THAT(shownPrices(), ElementsAre("64000.00"));
+}
+
+TEST_F(RefreshCycleTest, ABurstOfRequestsBecomesOneAndEarlyTicksAreDropped) {
+    using Urgency = StatusBarController::Urgency;
+    using Scope = StatusBarController::Scope;
+    begin();
+    machine.advance(10s);
+    EXPECT_EQ(quotesAsked(), 1);
+    for (int i = 0; i < 3; ++i) {
+        controller->fetchAndDisplayPrice(Urgency::Forced, Scope::Everything);
+        machine.advance(9ms);
+    }
+    EXPECT_EQ(quotesAsked(), 1);
+    machine.advance(1ms);
+    EXPECT_EQ(quotesAsked(), 2);
+
+    machine.advance(1999ms);
+    controller->fetchAndDisplayPrice(Urgency::Timer, Scope::Everything);
+    EXPECT_TRUE(machine.console.printed("✋ [System] 请求防抖"));
+    machine.advance(1ms);
+    for (int i = 0; i < 3; ++i) {
+        controller->fetchAndDisplayPrice(Urgency::Timer, Scope::Everything);
+        machine.advance(199ms);
+    }
+    EXPECT_EQ(quotesAsked(), 2);
+    machine.advance(1ms);
+    EXPECT_EQ(quotesAsked(), 3);
+}
+
+TEST_F(RefreshCycleTest, OnlyOneFetchIsInFlight) {
+    machine.http.latency = 30s;
+    begin();
+    controller->forceFullUpdate();
+    machine.advance(5s);
+    EXPECT_EQ(quotesAsked(), 1);
+    machine.advance(30s);
+    EXPECT_EQ(surface.completed, 1);
+    controller->forceFullUpdate();
+    machine.advance(1s);
+    EXPECT_EQ(quotesAsked(), 2);
+}
+
+struct PhantomCase {
+    std::string name, source, coinId;
+    int gasSource;
+    std::string asked;  ///< part of an address that must be asked; empty: no phantom
+};
+
+class PhantomTest : public RefreshCycleTest, public testing::WithParamInterface<PhantomCase> {};
+
+TEST_P(PhantomTest, EthereumIsPricedBesideTheCoinsWhenTheFeeNeedsIt) {
+    const auto& row = GetParam();
+    showGas(row.gasSource);
+    machine.preferences.setString("selectedSourceID", row.source);
+    save({test::coin("X", row.coinId)});
+    begin();
+    EXPECT_EQ(machine.console.count("Injecting phantom coin"), row.asked.empty() ? 0 : 1);
+    EXPECT_EQ(machine.http.asked("https://gecko.test") + machine.http.asked("https://binance.test") +
+                  machine.http.asked("https://gate.test"),
+              row.source == "coingecko" || row.asked.empty() ? 1 : 2);
+    EXPECT_GE(machine.http.asked(row.asked), 1);
+}
+
+INSTANTIATE_TEST_SUITE_P(Sources, PhantomTest,
+                         testing::Values(PhantomCase{"BySourceIdentifier", "coingecko", "bitcoin", 0,
+                                                     "ids=bitcoin,ethereum"},
+                                         PhantomCase{"BinanceTakesTheSymbol", "binance", "bitcoin", 0, "ETHUSDT"},
+                                         PhantomCase{"GateTakesTheSymbol", "gate", "bitcoin", 0, "ETH_USDT&id=ETH"},
+                                         PhantomCase{"NotBesideEthereumInAnyCase", "coingecko", "ETHUSDT", 0, ""},
+                                         PhantomCase{"NotBesideEth", "gate", "eth_usdt", 0, ""},
+                                         PhantomCase{"NotForBitcoinsFee", "coingecko", "bitcoin", 1, ""},
+                                         PhantomCase{"NotForAnotherNumber", "coingecko", "bitcoin", 2, ""}),
+                         [](const auto& test) { return test.param.name; });
+
+TEST_F(RefreshCycleTest, TheFeeStandsBesideTheCoinsWithItsCostInDollars) {
+    showGas(0);
+    machine.http.answer("gecko.test", test::geckoAnswer({"bitcoin", "ethereum"}, 2500));
+    begin();
+    EXPECT_THAT(shownPrices(), SizeIs(1)) << "the coin that only prices the fee is not shown";
+    EXPECT_EQ(surface.line.gas.value().text, "12G ($0.630)");
+    machine.http.answer("eth.test", "{}");
+    machine.advance(60s);
+    EXPECT_FALSE(surface.line.gas) << "a fee that could not be had is not shown";
+}
+
+TEST_F(RefreshCycleTest, ChangingTheFeeSettingsCostsOneFeeRequestAndNoQuotes) {
+    machine.http.answer("gecko.test", test::geckoAnswer({"bitcoin", "ethereum"}, 2500));
+    begin();
+    showGas(0);
+    displaySettingsSaved();
+    EXPECT_TRUE(machine.console.printed("⛽️ Gas Fee Enabled -> Fetching"));
+    EXPECT_TRUE(machine.console.printed("✅ [Fetch] Cache Hit (All coins found). Skipping network request."));
+    EXPECT_EQ(quotesAsked(), 1);
+    EXPECT_EQ(surface.line.gas.value().text, "12G ($0.630)");
+
+    showGas(1);
+    machine.notifications.post(kDisplaySettingsChanged);
+    EXPECT_FALSE(surface.line.gas) << "the other network's fee goes at once";
+    machine.advance(1s);
+    EXPECT_TRUE(machine.console.printed("⛽️ Gas Source Changed -> Cleared Cache & Fetching"));
+    EXPECT_EQ(surface.line.gas.value().text, "7 sat");
+    EXPECT_EQ(quotesAsked(), 1);
+
+    machine.preferences.setBoolean("showGasFee", false);
+    displaySettingsSaved();
+    EXPECT_TRUE(machine.console.printed("⛽️ Gas Fee Disabled -> Refreshing UI"));
+    EXPECT_FALSE(surface.line.gas);
+    EXPECT_EQ(machine.http.asked("eth.test") + machine.http.asked("btc.test"), 2);
+    const int shown = surface.linesShown;
+    displaySettingsSaved();
+    EXPECT_EQ(surface.linesShown, shown + 1) << "any other setting just shows the line anew";
+}
+
+TEST_F(RefreshCycleTest, AFeeThatNeedsAnotherPriceAsksForTheQuotesToo) {
+    begin();
+    showGas(0);
+    displaySettingsSaved();
+    EXPECT_TRUE(machine.console.printed("⚠️ [Fetch] Cache Miss. Missing: [\"ethereum\"]. Forcing Network."));
+    EXPECT_EQ(quotesAsked(), 2);
+}
+
+TEST_F(RefreshCycleTest, AFeeOfANetworkDeselectedMeanwhileIsNotShown) {
+    showGas(0);
+    begin();
+    machine.http.latency = 5s;
+    machine.advance(60s);  // a refresh is in flight
+    machine.preferences.setInteger("gasSource", 1);
+    machine.notifications.post(kDisplaySettingsChanged);
+    machine.advance(6s);
+    EXPECT_FALSE(surface.line.gas);
+}
+
+TEST_F(RefreshCycleTest, AnEmptyListAsksForNothingAndKeepsTheLine) {
+    begin();
+    save({});
+    machine.advance(120s);
+    EXPECT_EQ(quotesAsked(), 1);
+    EXPECT_THAT(shownPrices(), ElementsAre("64000.00"));
+}
+
+TEST_F(RefreshCycleTest, ThePanelGetsTheFirstFiveAndTheLineIsHidden) {
+    std::vector<config::Coin> coins;
+    for (const auto* id : {"a", "b", "c", "d", "e", "f", "g"}) {
+        coins.push_back(test::coin(id, id));
+    }
+    save(coins);
+    showGas(1);
+    machine.preferences.setInteger("displayMode", 1);
+    machine.http.answer("gecko.test", test::geckoAnswer({"a"}, 1));
+    surface.hasProgress = true;
+    begin();
+    ASSERT_THAT(surface.panels, SizeIs(1));
+    EXPECT_THAT(surface.panels[0].coins, SizeIs(5));
+    EXPECT_THAT(surface.panels[0].quotes, SizeIs(1));
+    EXPECT_EQ(surface.panels[0].gasPrice, 7);
+    EXPECT_EQ(surface.panels[0].nextFetchTime, RefreshState::shared(machine.platform()).nextFetchTime);
+    EXPECT_TRUE(surface.isHidden);
+    EXPECT_EQ(surface.linesShown, 0);
+    EXPECT_THAT(surface.progress, IsEmpty());
+
+    machine.http.answer("gecko.test", "", 401);
+    machine.advance(61s);
+    EXPECT_EQ(machine.console.count("🚨 [API]"), 0) << "a rejected key shows only in the line";
+    displaySettingsSaved();
+    EXPECT_THAT(surface.panels, SizeIs(3));
+}
+
+TEST_F(RefreshCycleTest, TheCountdownRunsWithTheIntervalAndOnlyWhereItIsSeen) {
+    begin();
+    machine.advance(10s);
+    EXPECT_THAT(surface.progress, IsEmpty());
+    surface.hasProgress = true;
+    controller->forceFullUpdate();
+    machine.advance(30s);
+    EXPECT_THAT(surface.progress, SizeIs(300));
+    EXPECT_NEAR(surface.progress.back(), 0.5, 1e-9);
+    machine.advance(29s);
+    EXPECT_NEAR(surface.progress.back(), 59.0 / 60, 1e-9);
+    machine.advance(2s);
+    EXPECT_NEAR(surface.progress.back(), 1.0 / 60, 1e-9);
+}
+
+TEST_F(RefreshCycleTest, TheLineIsLookedForAfterEachRefreshAndTick) {
+    begin();  // it leaves off a second after the first refresh
+    EXPECT_EQ(surface.visibilityChecks, 1);
+    machine.advance(59s + 600ms);  // the tick comes 60 s after that refresh
+    EXPECT_EQ(surface.visibilityChecks, 1);
+    machine.advance(200ms);
+    EXPECT_EQ(surface.visibilityChecks, 2) << "half a second after the fetch";
+    machine.advance(250ms);
+    EXPECT_EQ(surface.visibilityChecks, 3) << "a second after the tick";
+}
+
+TEST_F(RefreshCycleTest, ThePresenterMayEndWithAFetchInFlightOrInItsOwnCallback) {
+    begin();
+    controller->forceFullUpdate();
+    machine.advance(12ms);
+    controller.reset();
+    machine.advance(120s);
+    EXPECT_EQ(surface.completed, 1);
+
+    make();
+    controller->start();
+    surface.onCompleted = [this] { controller.reset(); };
+    machine.advance(10s);
+    EXPECT_EQ(surface.completed, 2);
+    EXPECT_EQ(machine.runLoop.pending(), 0U) << "it leaves nothing behind";
+}
+
+TEST_F(RefreshCycleTest, SettingsWrittenByAnotherProcessTakeEffect) {
+    const SettingsWatch watch(machine.platform());
+    begin();
+    machine.preferences.onExternalChange();
+    machine.advance(1s);
+    EXPECT_EQ(quotesAsked(), 1) << "a file that was only touched changes nothing";
+
+    save({test::coin("ETH", "ethereum")});
+    machine.preferences.onExternalChange();
+    machine.advance(1s);
+    EXPECT_EQ(quotesAsked(), 2);
+    showGas(1);
+    machine.preferences.onExternalChange();
+    machine.advance(1s);
+    EXPECT_EQ(surface.line.gas.value().text, "7 sat");
+
+    keystore::KeychainHelper(machine.platform()).save("CG-123", "apiKey_coingecko");
+    machine.secrets.onChange();
+    EXPECT_EQ(RefreshState::shared(machine.platform()).currentInterval.count(), 30);
+}
+
+}  // namespace
+}  // namespace glintar::menubar

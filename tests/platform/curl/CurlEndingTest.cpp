@@ -1,0 +1,262 @@
+#include <dlfcn.h>
+#include <netdb.h>
+
+#include "platform/RunLoop.h"
+#include "platform/curl/CurlFixture.h"
+#include "support/TestAuthority.h"
+
+namespace {
+
+std::mutex lookUpMutex;
+std::condition_variable lookUpChanged;
+bool lookUpsHang = false;
+int hungLookUps = 0;
+
+}  // namespace
+
+/// Stands before the C library's, also for libcurl: a look-up of one name hangs until the test lets it go.
+extern "C" int getaddrinfo(const char* name, const char* service, const addrinfo* hints, addrinfo** found) {
+    if (name != nullptr && std::string_view(name) == "hung.test") {
+        std::unique_lock lock(lookUpMutex);
+        ++hungLookUps;
+        lookUpChanged.notify_all();
+        lookUpChanged.wait_for(lock, std::chrono::seconds{8}, [] { return !lookUpsHang; });
+        return EAI_FAIL;
+    }
+    static const auto real = reinterpret_cast<decltype(&getaddrinfo)>(dlsym(RTLD_NEXT, "getaddrinfo"));
+    return real(name, service, hints, found);
+}
+
+namespace glintar::platform {
+namespace {
+
+using namespace std::chrono_literals;
+using support::LoopbackReply;
+using support::LoopbackServer;
+
+using CurlEndingTest = CurlFixture;
+
+/// Far below every time-out that is not under test, far above what a busy machine needs.
+constexpr auto kSoon = 5s;
+
+/// curl's timers count whole milliseconds.
+constexpr auto kTimerGrain = 5ms;
+
+/// While it lives, looking up the host of `kUrl` does not come back.
+class HungLookUps {
+public:
+    static constexpr const char* kUrl = "http://hung.test/";
+
+    HungLookUps() { hang(true); }
+    ~HungLookUps() { hang(false); }
+    HungLookUps(const HungLookUps&) = delete;
+    HungLookUps& operator=(const HungLookUps&) = delete;
+
+    void waitForOne() {
+        std::unique_lock lock(lookUpMutex);
+        ASSERT_TRUE(lookUpChanged.wait_for(lock, 10s, [] { return hungLookUps > 0; }));
+    }
+
+private:
+    static void hang(bool on) {
+        const std::scoped_lock lock(lookUpMutex);
+        lookUpsHang = on;
+        lookUpChanged.notify_all();
+    }
+};
+
+struct Failure {
+    const char* name;
+    LoopbackReply reply;
+    HttpRequest request;
+    Kind kind;
+    std::chrono::milliseconds atLeast{0};
+};
+
+class CurlFailureTest : public CurlEndingTest, public testing::WithParamInterface<Failure> {};
+
+TEST_P(CurlFailureTest, EndsWithItsKindInTime) {
+    const Failure& row = GetParam();
+    server_.on("/", row.reply);
+    HttpRequest request = row.request;
+    request.url = server_.url("/");
+    const auto start = Instant::clock::now();
+    const HttpResult result = fetch(request);
+    ASSERT_FALSE(result);
+    EXPECT_EQ(result.error().kind, row.kind) << describe(result);
+    EXPECT_FALSE(result.error().description.empty());
+    EXPECT_GE(Instant::clock::now() - start, row.atLeast - kTimerGrain);
+    EXPECT_LT(Instant::clock::now() - start, kSoon);
+}
+
+const std::string kLarge(1'000'000, 'x');
+
+INSTANTIATE_TEST_SUITE_P(
+    Rows, CurlFailureTest,
+    testing::Values(
+        Failure{"SilentServer", {.manner = Manner::Silent}, {.stallTimeout = 300ms}, Kind::Timeout, 300ms},
+        // Silence counts from the last byte, after a quick start too.
+        Failure{"StallInTheBody",
+                {.body = kLarge, .manner = Manner::Stall, .sentBytes = 500'000},
+                {.stallTimeout = 300ms},
+                Kind::Timeout,
+                300ms},
+        Failure{"WholeExchangeTooLong", {.manner = Manner::Silent}, {.timeout = 300ms}, Kind::Timeout, 300ms},
+        Failure{"Truncated", {.body = kLarge, .manner = Manner::Truncate, .sentBytes = 100}, {}, Kind::Connection},
+        Failure{"EndedBeforeTheBody", {.body = kLarge, .manner = Manner::Truncate}, {}, Kind::Connection},
+        // Known from the head: not a byte of the body is waited for.
+        Failure{"TooLargeByItsLength",
+                {.body = kLarge, .manner = Manner::Stall},
+                {.maxBodyBytes = 999'999},
+                Kind::TooLarge},
+        Failure{"TooLargeInChunks",
+                {.body = kLarge, .manner = Manner::Endless},
+                {.maxBodyBytes = 5'000'000},
+                Kind::TooLarge},
+        Failure{"TooLargeUnpacked", {.body = kLarge, .gzip = true}, {.maxBodyBytes = 999'999}, Kind::TooLarge},
+        Failure{"NoBytesAllowed", {.body = "x"}, {.maxBodyBytes = 0}, Kind::TooLarge}),
+    [](const auto& row) { return row.param.name; });
+
+TEST_F(CurlEndingTest, TakesABodyOfExactlyTheBoundAndASlowOneThatKeepsComing) {
+    server_.on("/exact", {.body = std::string(1000, 'x')});
+    EXPECT_TRUE(fetch({.url = server_.url("/exact"), .maxBodyBytes = 1000}));
+    server_.on("/slow", {.body = "12", .manner = Manner::Drip, .delay = 600ms});
+    const HttpResult slow = fetch({.url = server_.url("/slow"), .stallTimeout = 1s});
+    ASSERT_TRUE(slow) << describe(slow);
+    EXPECT_EQ(slow->body, "12");
+}
+
+TEST_F(CurlEndingTest, ReportsARefusedConnection) {
+    std::string gone;
+    {
+        const LoopbackServer closed;
+        gone = closed.url("/");
+    }
+    const HttpResult result = fetch({.url = gone});
+    ASSERT_FALSE(result);
+    EXPECT_EQ(result.error().kind, Kind::Connection);
+}
+
+TEST_F(CurlEndingTest, ASlowAnswerHoldsUpNoOther) {
+    LoopbackServer secure(LoopbackServer::Transport::Tls);
+    setenv("SSL_CERT_FILE", secure.authority().file().c_str(), 1);
+    for (LoopbackServer* server : {&server_, &secure}) {
+        server->on("/silent", {.manner = Manner::Silent});
+        Outcome silent;
+        client_->send({.url = server->url("/silent")}, silent.completion());
+        EXPECT_TRUE(fetch({.url = server->url("/"), .timeout = 3s})) << server->url("/");
+    }
+}
+
+TEST_F(CurlEndingTest, CancelEndsACallOnceAndThenDoesNothing) {
+    server_.on("/silent", {.manner = Manner::Silent});
+    // On a connection that stands already, no timer of curl's wakes the thread by chance.
+    ASSERT_TRUE(fetch({.url = server_.url("/")}));
+    Outcome outcome;
+    const auto call = client_->send({.url = server_.url("/silent")}, outcome.completion());
+    ASSERT_TRUE(server_.waitForRequests(2));
+    const auto start = Instant::clock::now();
+    call->cancel();
+    call->cancel();
+    const HttpResult result = outcome.wait();
+    ASSERT_FALSE(result);
+    EXPECT_EQ(result.error().kind, Kind::Cancelled);
+    EXPECT_LT(Instant::clock::now() - start, kSoon);
+
+    ASSERT_TRUE(fetch({.url = server_.url("/")})) << "the client goes on";
+    client_.reset();
+    call->cancel();
+    EXPECT_EQ(outcome.count(), 1);
+}
+
+TEST_F(CurlEndingTest, AHungLookUpHoldsUpNothing) {
+    HungLookUps hung;
+    Outcome timedOut;
+    Outcome cancelled;
+    Outcome destroyed;
+    client_->send({.url = HungLookUps::kUrl, .timeout = 300ms}, timedOut.completion());
+    const auto call = client_->send({.url = HungLookUps::kUrl}, cancelled.completion());
+    client_->send({.url = HungLookUps::kUrl}, destroyed.completion());
+    hung.waitForOne();
+    const auto start = Instant::clock::now();
+    EXPECT_TRUE(fetch({.url = server_.url("/")}));
+    call->cancel();
+    EXPECT_EQ(cancelled.wait().error().kind, Kind::Cancelled);
+    EXPECT_EQ(timedOut.wait().error().kind, Kind::Timeout);
+    client_.reset();
+    EXPECT_LT(Instant::clock::now() - start, kSoon);
+    EXPECT_EQ(destroyed.count(), 1);
+    EXPECT_EQ(destroyed.wait().error().kind, Kind::Cancelled);
+}
+
+TEST_F(CurlEndingTest, OneTimeoutSpansRedirectsAndConnectingIsNoStall) {
+    HungLookUps hung;
+    server_.on("/", {.status = 302, .headers = {{"Location", HungLookUps::kUrl}}, .delay = 500ms});
+    const auto start = Instant::clock::now();
+    const HttpResult result = fetch({.url = server_.url("/"), .stallTimeout = 600ms, .timeout = 1500ms});
+    ASSERT_FALSE(result);
+    EXPECT_EQ(result.error().kind, Kind::Timeout) << describe(result);
+    EXPECT_GE(Instant::clock::now() - start, 1500ms - kTimerGrain);
+    EXPECT_LT(Instant::clock::now() - start, 1950ms);
+}
+
+TEST_F(CurlEndingTest, DestructionCompletesEachCallAndWhatCompletionsSend) {
+    server_.on("/silent", {.manner = Manner::Silent});
+    Outcome plain;
+    Outcome chained;
+    Outcome late;
+    CurlHttpClient& ending = *client_;
+    ending.send({.url = server_.url("/silent")}, plain.completion());
+    ending.send({.url = server_.url("/silent")}, [&, record = chained.completion()](HttpResult result) mutable {
+        record(std::move(result));
+        ending.send({.url = server_.url("/")}, late.completion());
+    });
+    ASSERT_TRUE(server_.waitForRequests(2));
+    const auto start = Instant::clock::now();
+    client_.reset();
+    EXPECT_LT(Instant::clock::now() - start, kSoon);
+    for (Outcome* outcome : {&plain, &chained, &late}) {
+        ASSERT_EQ(outcome->count(), 1);
+        EXPECT_EQ(outcome->wait().error().kind, Kind::Cancelled);
+    }
+}
+
+TEST_F(CurlEndingTest, CompletesEveryOneOfManyCallsOnceFromManyThreads) {
+    constexpr std::size_t kThreads = 4;
+    constexpr std::size_t kCalls = 25;
+    server_.on("/", {.body = std::string(2000, 'x')});
+    std::vector<Outcome> outcomes(kThreads * kCalls);
+    std::vector<std::thread> threads;
+    threads.reserve(kThreads);
+    for (std::size_t thread = 0; thread < kThreads; ++thread) {
+        threads.emplace_back([&, thread] {
+            for (std::size_t call = 0; call < kCalls; ++call) {
+                const auto sent =
+                    client_->send({.url = server_.url("/")}, outcomes[thread * kCalls + call].completion());
+                if (call % 5 == 0) {
+                    sent->cancel();
+                }
+            }
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    for (std::size_t index = 0; index < kThreads * kCalls; ++index) {
+        const HttpResult result = outcomes[index].wait();
+        EXPECT_TRUE(result || (index % 5 == 0 && result.error().kind == Kind::Cancelled)) << describe(result);
+    }
+    client_.reset();
+    for (Outcome& outcome : outcomes) {
+        EXPECT_EQ(outcome.count(), 1);
+    }
+}
+
+TEST_F(CurlEndingTest, AnExceptionInACompletionHarmsNobody) {
+    server_.on("/", {.body = "a"});
+    client_->send({.url = server_.url("/")}, [](const HttpResult&) { throw std::runtime_error("a caller's mistake"); });
+    EXPECT_TRUE(fetch({.url = server_.url("/")}));
+}
+
+}  // namespace
+}  // namespace glintar::platform

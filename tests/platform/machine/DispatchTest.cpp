@@ -1,0 +1,82 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <future>
+#include <latch>
+
+#include "platform/DispatchGroup.h"
+#include "platform/posix/ThreadWorkQueue.h"
+#include "platform/virtual/VirtualRunLoop.h"
+
+namespace glintar::platform {
+namespace {
+
+using namespace std::chrono_literals;
+
+TEST(DispatchGroupTest, NotifiesOnceWhenAllHaveLeftAndAtOnceWhenNobodyIsIn) {
+    VirtualRunLoop loop;
+    DispatchGroup group;
+    int notified = 0;
+    group.notify(loop, [&] { ++notified; });
+    EXPECT_EQ(notified, 0) << "on the loop, not at the call";
+    loop.settle();
+    EXPECT_EQ(notified, 1);
+
+    group.enter();
+    DispatchGroup copy = group;
+    copy.enter();
+    group.notify(loop, [&] { ++notified; });
+    group.leave();
+    loop.settle();
+    EXPECT_EQ(notified, 1);
+    copy.leave();
+    loop.settle();
+    EXPECT_EQ(notified, 2);
+}
+
+TEST(ThreadWorkQueueTest, RunsAtOnceOnAsManyThreadsAsItMay) {
+    VirtualRunLoop loop;
+    ThreadWorkQueue queue(loop, 2);
+    // Each waits for the other: with one thread this would never end.
+    std::latch both(2);
+    std::promise<void> done;
+    queue.async([&] { both.arrive_and_wait(); });
+    queue.async([&] {
+        both.arrive_and_wait();
+        done.set_value();
+    });
+    EXPECT_EQ(done.get_future().wait_for(10s), std::future_status::ready);
+}
+
+TEST(ThreadWorkQueueTest, RunsEverythingInOrderOnOneThread) {
+    VirtualRunLoop loop;
+    std::vector<int> ran;
+    std::promise<void> done;
+    ThreadWorkQueue queue(loop, 1);
+    for (int i = 0; i < 100; ++i) {
+        queue.async([&ran, i] { ran.push_back(i); });
+    }
+    queue.asyncAfter(1s, [&] { done.set_value(); });
+    loop.advance(999ms);
+    auto future = done.get_future();
+    loop.advance(1ms);
+    ASSERT_EQ(future.wait_for(10s), std::future_status::ready);
+    EXPECT_EQ(ran.size(), 100U);
+    EXPECT_TRUE(std::ranges::is_sorted(ran));
+}
+
+TEST(ThreadWorkQueueTest, EndsWithWorkWaitingAndUnderWay) {
+    VirtualRunLoop loop;
+    auto held = std::make_shared<int>(1);
+    std::promise<void> started;
+    {
+        ThreadWorkQueue queue(loop, 1);
+        queue.async([&started, held] { started.set_value(); });
+        started.get_future().wait();
+        queue.async([held] {});
+    }
+    EXPECT_EQ(held.use_count(), 1) << "what was dropped let go of what it held";
+}
+
+}  // namespace
+}  // namespace glintar::platform

@@ -1,0 +1,119 @@
+#include <gtest/gtest.h>
+
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <fstream>
+
+#include "platform/qtcore/QtPreferences.h"
+#include "platform/virtual/VirtualStores.h"
+#include "support/TemporaryFolder.h"
+#include "support/TestFiles.h"
+
+namespace glintar::platform {
+namespace {
+
+void fill(Preferences& preferences) {
+    preferences.setBoolean("switch", true);
+    preferences.setInteger("count", -7);
+    preferences.setReal("distance", 16.25);
+    preferences.setString("source", "a, \"b\"; ü=%41\\");
+    preferences.setString("empty", "");
+    preferences.setData("bytes", std::string("\0\xff[{}]\n", 7));
+}
+
+void expectFilled(const Preferences& preferences) {
+    EXPECT_TRUE(preferences.boolean("switch"));
+    EXPECT_EQ(preferences.integer("count"), -7);
+    EXPECT_EQ(preferences.real("distance"), 16.25);
+    EXPECT_EQ(preferences.string("source"), "a, \"b\"; ü=%41\\");
+    EXPECT_EQ(preferences.string("empty"), "") << "empty is not absent";
+    EXPECT_EQ(preferences.data("bytes"), std::string("\0\xff[{}]\n", 7));
+    EXPECT_FALSE(preferences.boolean("absent"));
+    EXPECT_EQ(preferences.integer("absent"), 0);
+    EXPECT_EQ(preferences.real("absent"), 0);
+    EXPECT_EQ(preferences.string("absent"), std::nullopt);
+    EXPECT_EQ(preferences.data("absent"), std::nullopt);
+}
+
+class PreferencesTest : public testing::Test {
+protected:
+    void write(std::string_view text) {
+        std::filesystem::create_directories(file.parent_path());
+        std::ofstream(file) << text;
+    }
+
+    test::TemporaryFolder folder;
+    const std::filesystem::path file = folder.path() / "glintar" / "glintar.conf";
+    VirtualConsole console;
+};
+
+TEST_F(PreferencesTest, ValuesComeBackAsTheyWereWrittenInMemoryAndFromTheFile) {
+    VirtualPreferences memory;
+    fill(memory);
+    expectFilled(memory);
+
+    QtPreferences writer(file, console);
+    fill(writer);
+    const QtPreferences reader(file, console);
+    expectFilled(reader);
+    writer.remove("count");
+    EXPECT_EQ(reader.integer("count"), 0) << "each read goes to the file";
+    EXPECT_TRUE(console.lines.empty());
+}
+
+TEST_F(PreferencesTest, AFileWrittenByHandIsRead) {
+    write("[General]\nshowGasFee=true\ngasSource=1\nselectedSourceID=gate\nsavedCoins=@ByteArray([{\\\"a\\\":1}])\n");
+    const QtPreferences preferences(file, console);
+    EXPECT_TRUE(preferences.boolean("showGasFee"));
+    EXPECT_EQ(preferences.integer("gasSource"), 1);
+    EXPECT_EQ(preferences.data("savedCoins"), "[{\"a\":1}]");
+    EXPECT_EQ(preferences.integer("selectedSourceID"), 0) << "a text is no number";
+}
+
+TEST_F(PreferencesTest, ADamagedFileIsReadAsFarAsItGoesAndNeverLost) {
+    const std::string damaged = "[General]\nshowGasFee=true\nthis line is nonsense\n";
+    write(damaged);
+    QtPreferences preferences(file, console);
+    EXPECT_TRUE(preferences.boolean("showGasFee"));
+    EXPECT_TRUE(preferences.boolean("showGasFee"));
+    EXPECT_EQ(console.count("damaged"), 1) << "said once";
+    preferences.setBoolean("showSparkline", true);
+    EXPECT_EQ(test::readFile(file.string() + ".damaged"), damaged);
+    EXPECT_TRUE(QtPreferences(file, console).boolean("showSparkline"));
+}
+
+TEST_F(PreferencesTest, APlaceThatCannotBeWrittenIsSaid) {
+    std::ofstream(folder.path() / "glintar") << "a file where the folder should be";
+    QtPreferences preferences(file, console);
+    EXPECT_FALSE(preferences.boolean("showGasFee"));
+    preferences.setBoolean("showGasFee", true);
+    EXPECT_EQ(console.count("could not be written"), 1);
+}
+
+TEST_F(PreferencesTest, AChangeByAnotherProcessIsNoticedHoweverItIsWritten) {
+    write("[General]\ngasSource=0\n");
+    QtPreferences preferences(file, console);
+    preferences.watch();
+    int changes = 0;
+    preferences.onExternalChange = [&] { ++changes; };
+    const auto expectChange = [&](const char* how) {
+        const int before = changes;
+        QElapsedTimer passed;
+        passed.start();
+        while (changes == before && passed.elapsed() < 5000) {
+            QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents, 10);
+        }
+        EXPECT_GT(changes, before) << how;
+    };
+    write("[General]\ngasSource=1\n");
+    expectChange("in place");
+    for (const char* how : {"renamed over", "renamed over again"}) {
+        std::ofstream(folder.path() / "new") << "[General]\ngasSource=2\n";
+        std::filesystem::rename(folder.path() / "new", file);
+        expectChange(how);
+    }
+    EXPECT_EQ(preferences.integer("gasSource"), 2);
+}
+
+}  // namespace
+}  // namespace glintar::platform

@@ -1,0 +1,122 @@
+// The real run loop and the virtual one keep the same promises.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QCoreApplication>
+#include <thread>
+
+#include "platform/NotificationCenter.h"
+#include "platform/qtcore/QtRunLoop.h"
+#include "platform/virtual/VirtualRunLoop.h"
+
+namespace glintar::platform {
+namespace {
+
+using namespace std::chrono_literals;
+using testing::ElementsAre;
+
+struct RealLoop {
+    QtRunLoop loop;
+    void pass(Duration duration) {
+        const auto end = loop.now() + duration;
+        while (loop.now() < end) {
+            QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents, 1);
+        }
+    }
+};
+
+struct VirtualLoop {
+    VirtualRunLoop loop;
+    void pass(Duration duration) { loop.advance(duration); }
+};
+
+template <class Machine>
+class RunLoopTest : public testing::Test {
+protected:
+    Machine machine;
+    RunLoop& loop = machine.loop;
+    std::vector<std::string> ran;
+    Task note(std::string what) {
+        return [this, what = std::move(what)] { ran.push_back(what); };
+    }
+};
+
+using Machines = testing::Types<RealLoop, VirtualLoop>;
+TYPED_TEST_SUITE(RunLoopTest, Machines);
+
+TYPED_TEST(RunLoopTest, RunsInOrderOfTimeAndThenOfArrival) {
+    auto later = this->loop.after(20ms, this->note("later"));
+    auto sooner = this->loop.after(5ms, this->note("sooner"));
+    this->loop.postAfter(10ms, this->note("between"));
+    this->loop.post(this->note("first"));
+    this->loop.post(this->note("second"));
+    EXPECT_THAT(this->ran, ElementsAre()) << "nothing runs before the caller is done";
+    this->machine.pass(60ms);
+    EXPECT_THAT(this->ran, ElementsAre("first", "second", "sooner", "between", "later"));
+}
+
+TYPED_TEST(RunLoopTest, ADroppedHandleCancelsEvenInItsOwnCallback) {
+    auto dropped = this->loop.after(5ms, this->note("dropped"));
+    dropped.reset();
+    TimerHandle ticking;
+    int ticks = 0;
+    ticking = this->loop.every(4ms, [&] {
+        if (++ticks == 3) {
+            ticking.reset();
+        }
+    });
+    TimerHandle itself;
+    itself = this->loop.after(2ms, [&] {
+        itself.reset();
+        this->ran.push_back("itself");
+    });
+    this->machine.pass(60ms);
+    EXPECT_EQ(ticks, 3);
+    EXPECT_THAT(this->ran, ElementsAre("itself"));
+}
+
+TYPED_TEST(RunLoopTest, WorkMayAddWork) {
+    TimerHandle second;
+    this->loop.post([&] {
+        second = this->loop.after(1ms, this->note("timer"));
+        this->loop.post(this->note("post"));
+    });
+    this->machine.pass(30ms);
+    EXPECT_THAT(this->ran, ElementsAre("post", "timer"));
+}
+
+TEST(QtRunLoopTest, TakesWorkFromOtherThreads) {
+    RealLoop machine;
+    std::vector<std::thread::id> where;
+    std::thread other([&] {
+        machine.loop.post([&] { where.push_back(std::this_thread::get_id()); });
+        machine.loop.postAfter(1ms, [&] { where.push_back(std::this_thread::get_id()); });
+    });
+    other.join();
+    machine.pass(30ms);
+    EXPECT_THAT(where, ElementsAre(std::this_thread::get_id(), std::this_thread::get_id()));
+}
+
+TEST(NotificationCenterTest, ObserversMayComeAndGoWhileTheyAreCalled) {
+    NotificationCenter center;
+    std::vector<std::string> called;
+    std::unique_ptr<NotificationCenter::Observation> second, third;
+    const auto first = center.observe("a", [&] {
+        called.emplace_back("first");
+        second.reset();
+        if (!third) {
+            third = center.observe("a", [&] { called.emplace_back("third"); });
+        }
+    });
+    second = center.observe("a", [&] { called.emplace_back("second"); });
+    center.post("b");
+    center.post("a");
+    EXPECT_THAT(called, ElementsAre("first")) << "one dropped meanwhile is not called, nor is one that is new";
+    called.clear();
+    center.post("a");
+    EXPECT_THAT(called, ElementsAre("first", "third"));
+}
+
+}  // namespace
+}  // namespace glintar::platform

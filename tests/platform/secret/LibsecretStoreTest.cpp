@@ -1,0 +1,360 @@
+#include "platform/secret/LibsecretStore.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <chrono>
+#include <cstdlib>
+#include <deque>
+#include <fstream>
+#include <mutex>
+
+#include "platform/RunLoop.h"
+#include "platform/secret/PrivateBus.h"
+
+namespace glintar::platform {
+namespace {
+
+using namespace std::chrono_literals;
+using Clock = std::chrono::steady_clock;
+using Manner = DeafPeer::Manner;
+using Ring = PrivateBus::Ring;
+using Status = SecretStatus;
+
+constexpr const char* kPrompter = "org.gnome.keyring.SystemPrompter";
+
+/// Keeps what is posted until the test runs it.
+class Posts final : public RunLoop {
+public:
+    void post(Task task) override {
+        const std::lock_guard lock(mutex_);
+        tasks_.push_back(std::move(task));
+    }
+    void postAfter(Duration, Task) override { FAIL(); }
+    TimerHandle after(Duration, Task) override { return {}; }
+    TimerHandle every(Duration, std::function<void()>) override { return {}; }
+    Instant now() const override { return Clock::now() + skipped_.load(); }
+    BootInstant bootNow() const override { return {}; }
+    WallTime wallNow() const override { return {}; }
+
+    void skip(Duration time) { skipped_ = skipped_.load() + time; }
+    bool isWaiting() {
+        const std::lock_guard lock(mutex_);
+        return !tasks_.empty();
+    }
+    void run() {
+        std::deque<Task> tasks;
+        {
+            const std::lock_guard lock(mutex_);
+            tasks.swap(tasks_);
+        }
+        for (auto& task : tasks) {
+            task();
+        }
+    }
+
+private:
+    std::mutex mutex_;
+    std::deque<Task> tasks_;
+    std::atomic<Duration> skipped_{Duration::zero()};
+};
+
+class LibsecretStoreTest : public testing::Test {
+protected:
+    void SetUp() override { bus.start(); }
+
+    std::unique_ptr<LibsecretStore> makeStore() {
+        auto made = std::make_unique<LibsecretStore>(posts);
+        made->onChange = [this] { ++changes; };
+        return made;
+    }
+
+    std::string read(std::string_view service = "exchange") { return read(*store, service); }
+    static std::string read(LibsecretStore& from, std::string_view service = "exchange") {
+        const auto found = from.find(service, "me");
+        switch (found.status) {
+            case Status::Done:
+                return found.bytes;
+            case Status::NotFound:
+                return "<none>";
+            case Status::Locked:
+                return "<locked>";
+            case Status::Unavailable:
+                return "<unavailable>";
+            case Status::Pending:
+                return "<pending>";
+            case Status::Failed:
+                return "<failed>";
+        }
+        return {};
+    }
+
+    /// Waits until a change is told of and the item reads like this.
+    bool changesTo(const std::string& value, std::string_view service = "exchange") {
+        const int before = changes;
+        return waitFor([&] {
+            posts.run();
+            return changes > before && read(service) == value;
+        });
+    }
+
+    /// Waits until a store that has cached nothing reads like this.
+    bool isStored(const std::string& value, std::string_view service = "exchange") {
+        LibsecretStore fresh(posts);
+        return waitFor([&] {
+            posts.run();
+            return read(fresh, service) == value;
+        });
+    }
+
+    bool reads(const std::string& value, std::string_view service = "exchange") {
+        return waitFor([&] { return read(service) == value; });
+    }
+
+    template <class Work>
+    static std::chrono::milliseconds timed(Work work) {
+        const auto start = Clock::now();
+        work();
+        return std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start);
+    }
+
+    PrivateBus bus;
+    Posts posts;
+    int changes = 0;
+    std::unique_ptr<LibsecretStore> store = makeStore();
+};
+
+TEST_F(LibsecretStoreTest, KeepsSecretsAndReadsThemAsWrittenAtOnce) {
+    bus.startKeyRing(Ring::Open);
+    const std::string bytes("\xff\xfe\0\x01zz\x80", 7);
+    EXPECT_TRUE(reads("<none>"));
+    EXPECT_EQ(store->remove("exchange", "me"), Status::NotFound);
+    EXPECT_EQ(store->add("exchange", "me", bytes), Status::Done);
+    EXPECT_EQ(read(), bytes);
+    EXPECT_EQ(store->add("other", "me", "second"), Status::Done);
+    EXPECT_TRUE(isStored(bytes));
+    EXPECT_TRUE(isStored("second", "other"));
+    EXPECT_EQ(store->find("exchange", "you").status, Status::NotFound);
+
+    // As the settings replace a key: the old one is removed, the new one added.
+    EXPECT_EQ(store->remove("exchange", "me"), Status::Done);
+    EXPECT_EQ(store->add("exchange", "me", "new"), Status::Done);
+    EXPECT_EQ(read(), "new");
+    EXPECT_TRUE(isStored("new"));
+    EXPECT_EQ(store->remove("other", "me"), Status::Done);
+    EXPECT_EQ(read("other"), "<none>");
+    EXPECT_TRUE(isStored("<none>", "other"));
+    EXPECT_EQ(bus.itemCount("exchange"), 1U);
+
+    // The last write before the end is not lost, nor is a removal, which waits for the loop to turn.
+    store->add("other", "me", "last");
+    store->remove("exchange", "me");
+    store.reset();
+    EXPECT_TRUE(isStored("last", "other"));
+    EXPECT_TRUE(isStored("<none>"));
+    posts.run();
+    EXPECT_EQ(changes, 0) << "our own writes are no news";
+}
+
+TEST_F(LibsecretStoreTest, ReplacesWithoutRemovingFirst) {
+    bus.startKeyRing(Ring::Open);
+    bus.writeElsewhere("exchange", "me", "old");
+    EXPECT_TRUE(reads("old"));
+    store->remove("exchange", "me");
+    store->add("later write", "me", "x");
+    LibsecretStore observer(posts);
+    EXPECT_TRUE(waitFor([&] { return read(observer, "later write") == "x"; }));
+    EXPECT_TRUE(waitFor([&] { return read(observer) == "old"; })) << "still there: it may be about to be replaced";
+    posts.run();
+    EXPECT_TRUE(isStored("<none>"));
+}
+
+TEST_F(LibsecretStoreTest, TellsOfSecretsWrittenElsewhereOnlyWhereTheyReadDifferently) {
+    bus.startKeyRing(Ring::Open);
+    EXPECT_TRUE(reads("<none>"));
+    bus.writeElsewhere("unasked", "me", "x");
+    bus.writeElsewhere("exchange", "me", "theirs");
+    EXPECT_TRUE(changesTo("theirs"));
+    EXPECT_TRUE(reads("<none>", "later"));
+    const int before = changes;
+    bus.writeElsewhere("exchange", "me", "theirs");
+    bus.writeElsewhere("later", "me", "y");
+    EXPECT_TRUE(changesTo("y", "later"));
+    EXPECT_EQ(changes, before + 1);
+}
+
+TEST_F(LibsecretStoreTest, TellsOfAChangeEvenIfItWasReadBefore) {
+    bus.startKeyRing(Ring::Open);
+    EXPECT_TRUE(reads("<none>"));
+    bus.writeElsewhere("exchange", "me", "theirs");
+    EXPECT_TRUE(reads("theirs"));
+    EXPECT_EQ(changes, 0);
+    posts.run();
+    EXPECT_EQ(changes, 1) << "whoever read it earlier has to know";
+}
+
+TEST_F(LibsecretStoreTest, ReadsALockedKeyRingWithoutAskingAndFollowsItsUnlocking) {
+    bus.startKeyRing(Ring::Open);
+    store->add("exchange", "me", "secret");
+    EXPECT_TRUE(isStored("secret"));
+    store = makeStore();
+    bus.stopKeyRing();
+    const DeafPeer prompter(bus, kPrompter, Manner::Silent);
+    bus.startKeyRing(Ring::Locked);
+
+    EXPECT_TRUE(reads("<locked>"));
+    EXPECT_EQ(prompter.calls(), 0);
+
+    // A write asks the user, who does not react: nothing waits for it.
+    store->add("new", "me", "typed");
+    EXPECT_TRUE(waitFor([&] { return prompter.calls() > 0; }));
+    EXPECT_EQ(read("new"), "typed");
+    EXPECT_TRUE(reads("<none>", "never seen"));
+
+    bus.unlockKeyRing();
+    EXPECT_TRUE(changesTo("secret"));
+    bus.lockKeyRing();
+    EXPECT_TRUE(changesTo("<locked>"));
+
+    EXPECT_LT(timed([&] { store.reset(); }), 100ms) << "with the prompt still open";
+}
+
+TEST_F(LibsecretStoreTest, TakesBackWhatTheServiceRefuses) {
+    bus.startKeyRing(Ring::Open);
+    store->add("exchange", "me", "old");
+    EXPECT_TRUE(isStored("old"));
+    const DeafPeer prompter(bus, kPrompter, Manner::Refusing);
+    bus.lockKeyRing();
+    EXPECT_TRUE(changesTo("<locked>"));
+
+    EXPECT_EQ(store->add("exchange", "me", "new"), Status::Done);
+    EXPECT_EQ(read(), "new");
+    EXPECT_TRUE(changesTo("<locked>")) << "the prompt was turned down";
+    EXPECT_EQ(store->remove("exchange", "me"), Status::Done);
+    EXPECT_EQ(read(), "<none>");
+    EXPECT_TRUE(changesTo("<locked>")) << "what is locked cannot be removed";
+    store->add("never read", "me", "new");
+    EXPECT_TRUE(changesTo("<none>", "never read"));
+
+    bus.unlockKeyRing();
+    EXPECT_TRUE(changesTo("old"));
+}
+
+TEST_F(LibsecretStoreTest, SurvivesTheEndOfTheKeyRingAndFindsTheNextOne) {
+    bus.startKeyRing(Ring::Open);
+    bus.writeElsewhere("exchange", "me", "old");
+    EXPECT_TRUE(reads("old"));
+    bus.stopKeyRing();
+
+    EXPECT_EQ(read(), "old");
+    EXPECT_LT(timed([&] { EXPECT_EQ(read("other"), "<unavailable>"); }), 100ms);
+    store->add("exchange", "me", "new");
+    EXPECT_TRUE(changesTo("old"));
+    EXPECT_TRUE(reads("<unavailable>", "third"));
+    EXPECT_EQ(read(), "old") << "however often it is looked for";
+
+    bus.startKeyRing(Ring::Open);
+    EXPECT_TRUE(changesTo("<none>", "other"));
+    bus.writeElsewhere("other", "me", "theirs");
+    EXPECT_TRUE(changesTo("theirs", "other"));
+}
+
+TEST_F(LibsecretStoreTest, WaitsOnceForAServiceThatNeverAnswers) {
+    const auto deaf = std::make_unique<DeafPeer>(bus, "org.freedesktop.secrets", Manner::Silent);
+    const auto first = timed([&] { EXPECT_EQ(read(), "<pending>"); });
+    EXPECT_GE(first, 100ms);
+    EXPECT_LT(first, 150ms);
+    EXPECT_LT(timed([&] {
+                  EXPECT_EQ(read(), "<pending>");
+                  EXPECT_EQ(read("other"), "<pending>");
+                  store->add("third", "me", "typed");
+                  EXPECT_EQ(read("third"), "typed");
+                  store->remove("fourth", "me");
+              }),
+              20ms);
+    EXPECT_GT(deaf->calls(), 0);
+    EXPECT_LT(timed([&] { store.reset(); }), 100ms);
+}
+
+TEST_F(LibsecretStoreTest, RecoversWhenADeafServiceIsReplaced) {
+    auto deaf = std::make_unique<DeafPeer>(bus, "org.freedesktop.secrets", Manner::Silent);
+    EXPECT_EQ(read(), "<pending>");
+    deaf.reset();
+    bus.startKeyRing(Ring::Open);
+    EXPECT_TRUE(changesTo("<none>"));
+}
+
+TEST_F(LibsecretStoreTest, NeverCallsBackOnceItIsGone) {
+    bus.startKeyRing(Ring::Open);
+    EXPECT_TRUE(reads("<none>"));
+    bus.writeElsewhere("exchange", "me", "theirs");
+    EXPECT_TRUE(waitFor([&] { return posts.isWaiting(); }));
+    store.reset();
+    posts.run();
+    EXPECT_EQ(changes, 0);
+}
+
+TEST_F(LibsecretStoreTest, MayEndInItsOwnCallback) {
+    bus.startKeyRing(Ring::Open);
+    EXPECT_TRUE(reads("<none>"));
+    store->onChange = [this] {
+        store.reset();
+        ++changes;
+    };
+    bus.writeElsewhere("exchange", "me", "theirs");
+    EXPECT_TRUE(waitFor([&] {
+        posts.run();
+        return changes == 1;
+    }));
+    EXPECT_EQ(store, nullptr);
+}
+
+/// Without `bus.start()`.
+class LibsecretStoreWithoutBusTest : public LibsecretStoreTest {
+protected:
+    void SetUp() override {}
+};
+
+TEST_F(LibsecretStoreWithoutBusTest, TriesABusThatDoesNotAnswerAgainLater) {
+    for (const std::string service : {"exchange", "after the bus has ended"}) {
+        EXPECT_TRUE(reads("<unavailable>", service));
+        bus.start();
+        bus.startKeyRing(Ring::Open);
+        bus.writeElsewhere(service.c_str(), "me", "theirs");
+        posts.skip(31s);
+        EXPECT_EQ(read(service), "<unavailable>") << "it is asked in the background";
+        EXPECT_TRUE(changesTo("theirs", service));
+        bus.stop();
+    }
+    EXPECT_EQ(read(), "theirs");
+}
+
+TEST_F(LibsecretStoreWithoutBusTest, NeverStartsABus) {
+    const TemporaryFolder folder;
+    const auto mark = folder.path / "started";
+    for (const char* const program : {"dbus-launch", "dbus-daemon"}) {
+        std::ofstream(folder.path / program) << "#!/bin/sh\n: >" << mark.native() << "\nexit 1\n";
+        std::filesystem::permissions(folder.path / program, std::filesystem::perms::owner_all);
+    }
+    const std::string path = std::getenv("PATH");
+    setenv("PATH", (folder.path.native() + ":" + path).c_str(), 1);
+    setenv("DISPLAY", ":99", 1);
+    for (const char* const address : {"", "autolaunch:", static_cast<const char*>(nullptr)}) {
+        if (address == nullptr) {
+            unsetenv("DBUS_SESSION_BUS_ADDRESS");
+        } else {
+            setenv("DBUS_SESSION_BUS_ADDRESS", address, 1);
+        }
+        EXPECT_FALSE(LibsecretStore::busIsThere());
+        EXPECT_LT(timed([&] { EXPECT_EQ(read(), "<unavailable>"); }), 20ms);
+        EXPECT_EQ(store->add("exchange", "me", "typed"), Status::Unavailable);
+        EXPECT_EQ(store->remove("exchange", "me"), Status::Unavailable);
+    }
+    store = makeStore();
+    EXPECT_FALSE(std::filesystem::exists(mark));
+    unsetenv("DISPLAY");
+    setenv("PATH", path.c_str(), 1);
+}
+
+}  // namespace
+}  // namespace glintar::platform

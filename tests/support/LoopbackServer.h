@@ -1,0 +1,99 @@
+#pragma once
+
+#include <chrono>
+#include <condition_variable>
+#include <filesystem>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <set>
+#include <string>
+#include <string_view>
+#include <thread>
+#include <utility>
+#include <vector>
+
+namespace glintar::support {
+
+using LoopbackHeaders = std::vector<std::pair<std::string, std::string>>;
+
+/// What the server does with a request for one path.
+struct LoopbackReply {
+    enum class Manner {
+        Whole,     ///< the body with its length
+        Chunked,   ///< the body in chunks, its length untold
+        Endless,   ///< the body again and again, in chunks, until the client goes away
+        Stall,     ///< the length of the whole body, `sentBytes` of it, then silence
+        Truncate,  ///< the same, but the connection is closed
+        Silent,    ///< not a byte; the connection stays open
+        Drip       ///< whole, but one byte at a time with `delay` before each
+    };
+
+    int status = 200;
+    LoopbackHeaders headers = {};
+    std::string body = {};
+    Manner manner = Manner::Whole;
+    std::size_t sentBytes = 0;
+    std::chrono::milliseconds delay{0};  ///< before the first byte
+    bool gzip = false;                   ///< compresses `body` and says so
+    bool close = false;                  ///< closes the connection after the answer, without having said so
+};
+
+struct LoopbackRequest {
+    std::string method;
+    std::string target;  ///< path and query
+    LoopbackHeaders headers = {};
+    int connection = 0;  ///< counted from 1 in the order of arrival
+
+    /// All values of the header, whatever its case.
+    [[nodiscard]] std::vector<std::string> values(std::string_view name) const;
+};
+
+class TestAuthority;
+
+/// A small HTTP/1.1 server on 127.0.0.1, on a port of its own, for tests. A thread a connection; a path that nobody
+/// scripted answers 404. Thread-safe. Its destructor ends whatever is under way.
+class LoopbackServer {
+public:
+    enum class Transport { Plain, Tls };
+
+    explicit LoopbackServer(Transport transport = Transport::Plain);
+    ~LoopbackServer();
+    LoopbackServer(const LoopbackServer&) = delete;
+    LoopbackServer& operator=(const LoopbackServer&) = delete;
+
+    /// From now on, requests for the path (without the query) are answered so.
+    void on(std::string path, LoopbackReply reply);
+
+    [[nodiscard]] std::string url(std::string_view path, std::string_view host = "127.0.0.1") const;
+    [[nodiscard]] std::vector<LoopbackRequest> requests() const;
+
+    /// Waits until so many requests have come in; false when that takes more than ten seconds.
+    [[nodiscard]] bool waitForRequests(std::size_t count) const;
+
+    /// The authority that signed the server's certificate; TLS only.
+    [[nodiscard]] const TestAuthority& authority() const { return *authority_; }
+
+private:
+    class Connection;
+    void acceptAll();
+    void serve(int socket, int number);
+    bool answer(Connection& connection, const LoopbackRequest& request, const LoopbackReply& reply);
+    bool sendBody(Connection& connection, const LoopbackReply& reply, std::string_view body);
+    void pause(std::chrono::milliseconds time);
+
+    std::unique_ptr<TestAuthority> authority_;
+    int listener_ = -1;
+    int port_ = 0;
+
+    mutable std::mutex mutex_;
+    mutable std::condition_variable changed_;
+    std::map<std::string, LoopbackReply, std::less<>> replies_;
+    std::vector<LoopbackRequest> requests_;
+    std::set<int> open_;
+    bool stopping_ = false;
+    std::vector<std::thread> threads_;
+    std::thread acceptor_;
+};
+
+}  // namespace glintar::support

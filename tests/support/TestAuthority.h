@@ -1,0 +1,32 @@
+#pragma once
+
+#include <openssl/ssl.h>
+
+#include <filesystem>
+#include <memory>
+
+namespace glintar::support {
+
+/// A certificate authority made for one test, and a server's settings with a certificate for localhost and 127.0.0.1
+/// that it signed. Its files live in a temporary folder until it is destroyed.
+class TestAuthority {
+public:
+    TestAuthority();
+    ~TestAuthority();
+    TestAuthority(const TestAuthority&) = delete;
+    TestAuthority& operator=(const TestAuthority&) = delete;
+
+    /// The authority's certificate (PEM), as SSL_CERT_FILE takes it.
+    [[nodiscard]] std::filesystem::path file() const { return folder_ / "authority.pem"; }
+
+    /// A folder that holds the certificate under the hash of its name, as SSL_CERT_DIR takes it.
+    [[nodiscard]] std::filesystem::path directory() const { return folder_ / "hashed"; }
+
+    [[nodiscard]] SSL_CTX* context() const { return context_.get(); }
+
+private:
+    std::filesystem::path folder_;
+    std::unique_ptr<SSL_CTX, decltype(&SSL_CTX_free)> context_{nullptr, &SSL_CTX_free};
+};
+
+}  // namespace glintar::support
