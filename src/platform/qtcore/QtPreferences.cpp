@@ -1,6 +1,8 @@
 #include "platform/qtcore/QtPreferences.h"
 
 #include <QFileSystemWatcher>
+#include <QTimer>
+#include <chrono>
 #include <system_error>
 
 #include "platform/Console.h"
@@ -8,6 +10,10 @@
 namespace glintar::platform {
 
 namespace {
+
+// A writer may write several times in a row, and in place. QSettings would read a file that is half there, and would
+// take a second writing within the file system's four milliseconds for the first.
+constexpr auto kSettleTime = std::chrono::milliseconds{50};
 
 QString keyOf(std::string_view key) {
     return QString::fromUtf8(key.data(), static_cast<qsizetype>(key.size()));
@@ -104,15 +110,19 @@ void QtPreferences::finishWrite() {
 
 void QtPreferences::watch() {
     watcher_ = std::make_unique<QFileSystemWatcher>();
+    settled_ = std::make_unique<QTimer>();
+    settled_->setSingleShot(true);
+    settled_->setInterval(kSettleTime);
     watchPaths();
-    const auto changed = [this] {
+    QObject::connect(watcher_.get(), &QFileSystemWatcher::fileChanged, settled_.get(), qOverload<>(&QTimer::start));
+    QObject::connect(watcher_.get(), &QFileSystemWatcher::directoryChanged, settled_.get(),
+                     qOverload<>(&QTimer::start));
+    QObject::connect(settled_.get(), &QTimer::timeout, settled_.get(), [this] {
         watchPaths();  // a file that was replaced is watched no more
         if (onExternalChange) {
             onExternalChange();
         }
-    };
-    QObject::connect(watcher_.get(), &QFileSystemWatcher::fileChanged, watcher_.get(), changed);
-    QObject::connect(watcher_.get(), &QFileSystemWatcher::directoryChanged, watcher_.get(), changed);
+    });
 }
 
 void QtPreferences::watchPaths() {

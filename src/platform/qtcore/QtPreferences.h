@@ -7,6 +7,7 @@
 #include "platform/Preferences.h"
 
 class QFileSystemWatcher;
+class QTimer;
 
 namespace glintar::platform {
 
@@ -47,6 +48,7 @@ private:
     mutable QSettings settings_;
     mutable bool isDamageReported_ = false;
     std::unique_ptr<QFileSystemWatcher> watcher_;
+    std::unique_ptr<QTimer> settled_;  ///< fires when the file has been left alone for a moment
 };
 
 }  // namespace glintar::platform

@@ -92,6 +92,7 @@ TEST_F(PreferencesTest, APlaceThatCannotBeWrittenIsSaid) {
 
 TEST_F(PreferencesTest, AChangeByAnotherProcessIsNoticedHoweverItIsWritten) {
     write("[General]\ngasSource=0\n");
+    std::filesystem::last_write_time(file, std::filesystem::file_time_type::clock::now() - std::chrono::hours{1});
     QtPreferences preferences(file, console);
     preferences.watch();
     int changes = 0;
@@ -113,6 +114,15 @@ TEST_F(PreferencesTest, AChangeByAnotherProcessIsNoticedHoweverItIsWritten) {
         expectChange(how);
     }
     EXPECT_EQ(preferences.integer("gasSource"), 2);
+    // A writer in several steps, each as long as the last: one notice, and the last step counts.
+    const int before = changes;
+    for (const char step : {'3', '4', '5'}) {
+        write(std::string("[General]\ngasSource=") + step + "\n");
+        QCoreApplication::processEvents();
+    }
+    expectChange("in several steps");
+    EXPECT_EQ(changes, before + 1);
+    EXPECT_EQ(preferences.integer("gasSource"), 5);
 }
 
 }  // namespace
