@@ -1,13 +1,5 @@
 // Reading documents, beside a bare parse of the same bytes by the same library with the same flags.
 
-#include <fmt/format.h>
-#include <rapidjson/document.h>
-
-#include <fstream>
-#include <iterator>
-#include <memory>
-#include <random>
-
 #include "benchmarks/Benches.h"
 #include "benchmarks/Measure.h"
 #include "config/AppConfig.h"
@@ -17,6 +9,14 @@
 #include "market/Extraction.h"
 #include "platform/posix/PosixFiles.h"
 #include "platform/virtual/VirtualStores.h"
+
+#include <fmt/format.h>
+#include <rapidjson/document.h>
+
+#include <fstream>
+#include <iterator>
+#include <memory>
+#include <random>
 
 namespace glintar::bench {
 

@@ -1,8 +1,8 @@
-#include <fmt/format.h>
-
 #include "benchmarks/Benches.h"
 #include "benchmarks/Measure.h"
 #include "benchmarks/Profile.h"
+
+#include <fmt/format.h>
 
 namespace glintar::bench {
 

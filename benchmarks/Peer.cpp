@@ -6,10 +6,10 @@
 #include <unicode/ucasemap.h>
 
 #undef signals
-#include <libsecret/secret.h>
-
 #include <QCoreApplication>
 #include <QSettings>
+#include <libsecret/secret.h>
+
 #include <cstdio>
 #include <cstdlib>
 #include <string>

@@ -1,11 +1,11 @@
 #include "benchmarks/Profile.h"
 
+#include "support/TestAuthority.h"
+
 #include <fmt/format.h>
 
 #include <filesystem>
 #include <fstream>
-
-#include "support/TestAuthority.h"
 
 namespace glintar::bench {
 

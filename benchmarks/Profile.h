@@ -1,11 +1,11 @@
 #pragma once
 
+#include "support/LoopbackServer.h"
+#include "support/TemporaryFolder.h"
+
 #include <map>
 #include <string>
 #include <vector>
-
-#include "support/LoopbackServer.h"
-#include "support/TemporaryFolder.h"
 
 namespace glintar::bench {
 

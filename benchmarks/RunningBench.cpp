@@ -1,3 +1,7 @@
+#include "benchmarks/Benches.h"
+#include "benchmarks/Measure.h"
+#include "benchmarks/Profile.h"
+
 #include <fcntl.h>
 #include <fmt/format.h>
 #include <signal.h>
@@ -10,10 +14,6 @@
 #include <filesystem>
 #include <fstream>
 #include <thread>
-
-#include "benchmarks/Benches.h"
-#include "benchmarks/Measure.h"
-#include "benchmarks/Profile.h"
 
 namespace glintar::bench {
 

@@ -1,13 +1,13 @@
 // glintar-bench PROGRAMS RESOURCES MINUTES [NAME]: prints the table; with a NAME ("documents", "once", "running") that
 // part of it alone. With MINUTES 0 the running program is left out.
 
+#include "benchmarks/Benches.h"
+#include "benchmarks/Measure.h"
+
 #include <fmt/format.h>
 
 #include <charconv>
 #include <string_view>
-
-#include "benchmarks/Benches.h"
-#include "benchmarks/Measure.h"
 
 int main(int argc, char** argv) {
     using namespace glintar;

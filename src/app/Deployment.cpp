@@ -1,9 +1,9 @@
 #include "app/Deployment.h"
 
-#include <fmt/format.h>
-
 #include "text/Address.h"
 #include "text/Unicode.h"
+
+#include <fmt/format.h>
 
 namespace glintar::app {
 

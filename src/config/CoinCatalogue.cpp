@@ -1,5 +1,6 @@
 #include "config/CoinCatalogue.h"
 
+#include "config/ConfigFiles.h"
 #include "json/JsonEvents.h"
 #include "platform/Console.h"
 #include "platform/Directories.h"
@@ -16,9 +17,6 @@
 namespace glintar::config {
 
 namespace {
-
-constexpr std::string_view kFileName = "coingecko_coins_list";
-constexpr std::string_view kFileExtension = "json";
 
 /// Lengths are written in groups of seven bits, the lowest first; every byte but the last has its top bit set.
 char* writeLength(char* to, std::size_t length) {
@@ -151,18 +149,16 @@ private:
 /// The text of the document to use, having said on the console which that is.
 std::optional<std::string> readCatalogue(platform::Platform& platform) {
     platform::Console& console = platform.console;
-    if (const auto documents = platform.directories.documents()) {
-        const auto path = *documents / fmt::format("{}.{}", kFileName, kFileExtension);
-        if (platform.files.exists(path)) {
-            if (auto text = platform.files.read(path)) {
-                console.print("✅ [CoinList] 成功加载 Documents 缓存列表");
-                return std::move(*text);
-            } else {
-                console.print(fmt::format("⚠️ [CoinList] 缓存文件存在但读取失败: {}", text.error()));
-            }
+    const auto cached = cachedCoinListFile(platform);
+    if (cached && platform.files.exists(*cached)) {
+        if (auto text = platform.files.read(*cached)) {
+            console.print("✅ [CoinList] 成功加载 Documents 缓存列表");
+            return *std::move(text);
+        } else {
+            console.print(fmt::format("⚠️ [CoinList] 缓存文件存在但读取失败: {}", text.error()));
         }
     }
-    const auto shipped = platform.bundle.resource(kFileName, kFileExtension);
+    const auto shipped = platform.bundle.resource(kCoinListName, "json");
     if (!shipped) {
         console.print("❌ [Fatal] 严重错误：Bundle 里也找不到 coingecko_coins_list.json！");
         return std::nullopt;

@@ -1,18 +1,13 @@
 #include "config/CoinListUpdater.h"
 
 #include "config/CoinCatalogue.h"
-#include "platform/Directories.h"
+#include "config/ConfigFiles.h"
 #include "platform/Platform.h"
 #include "platform/Registry.h"
 
 namespace glintar::config {
 
 namespace {
-
-std::optional<std::filesystem::path> storedAt(platform::Platform& platform) {
-    const auto directory = platform.directories.documents();
-    return directory ? std::optional(*directory / "coingecko_coins_list.json") : std::nullopt;
-}
 
 std::optional<std::string> flawOf(std::string body) {
     const auto catalogue = CoinCatalogue::decode(std::move(body));
@@ -23,10 +18,10 @@ std::optional<std::string> flawOf(std::string body) {
 }
 
 constexpr RemoteResource kResource{
-    .name = "coingecko_coins_list",
+    .name = kCoinListName,
     .versionKey = CoinListUpdater::kVersionKey,
     .notification = kCoinListUpdated,
-    .storedAt = storedAt,
+    .storedAt = cachedCoinListFile,
     .flaw = flawOf,
     .mark = "🔍",
     .tag = "CoinList",

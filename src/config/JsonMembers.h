@@ -1,13 +1,13 @@
 #pragma once
 
+#include "json/Json.h"
+
 #include <fmt/format.h>
 
 #include <optional>
 #include <string>
 #include <string_view>
 #include <type_traits>
-
-#include "json/Json.h"
 
 namespace glintar::config {
 

@@ -1,7 +1,5 @@
 #include "config/RemoteResourceUpdater.h"
 
-#include <fmt/format.h>
-
 #include "json/Json.h"
 #include "platform/Console.h"
 #include "platform/Directories.h"
@@ -11,6 +9,8 @@
 #include "platform/Platform.h"
 #include "platform/Preferences.h"
 #include "platform/RunLoop.h"
+
+#include <fmt/format.h>
 
 namespace glintar::config {
 

@@ -1,13 +1,13 @@
 #pragma once
 
+#include "platform/Lifetime.h"
+
 #include <cstdint>
 #include <expected>
 #include <filesystem>
 #include <optional>
 #include <string>
 #include <string_view>
-
-#include "platform/Lifetime.h"
 
 namespace glintar::platform {
 struct Platform;

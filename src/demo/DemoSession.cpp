@@ -3,9 +3,8 @@
 #include "config/Coin.h"
 #include "platform/posix/PosixFiles.h"
 
-#include <fmt/format.h>
-
 #include <fcntl.h>
+#include <fmt/format.h>
 #include <poll.h>
 #include <spawn.h>
 #include <sys/wait.h>

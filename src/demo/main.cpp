@@ -4,7 +4,6 @@
 #include "platform/posix/PosixFiles.h"
 
 #include <fmt/format.h>
-
 #include <poll.h>
 #include <sys/prctl.h>
 #include <sys/signalfd.h>

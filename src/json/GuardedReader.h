@@ -26,7 +26,7 @@ inline constexpr unsigned kReadFlags = rapidjson::kParseInsituFlag | rapidjson::
 
 /// Stands between RapidJSON's reader and a receiver of its events (`Target`), and refuses what the reader lets through.
 template <class Target>
-class Guard {
+class Guard : public rapidjson::BaseReaderHandler<rapidjson::UTF8<>, Guard<Target>> {
 public:
     Guard(Target& target, bool checkSurrogates) : target_(target), checkSurrogates_(checkSurrogates) {}
 
@@ -53,13 +53,6 @@ public:
     bool RawNumber(const char* text, rapidjson::SizeType length, bool copy) {
         return target_.RawNumber(text, length, copy);
     }
-
-    // The reader names these too, but never calls them.
-    bool Int(int) { return false; }
-    bool Uint(unsigned) { return false; }
-    bool Int64(std::int64_t) { return false; }
-    bool Uint64(std::uint64_t) { return false; }
-    bool Double(double) { return false; }
 
 private:
     bool refuse(const char* why) {
@@ -115,6 +108,9 @@ template <class Target>
 std::optional<ParseError> readInto(std::string& text, Target& target) {
     if (text.size() > std::numeric_limits<std::int32_t>::max()) {
         return ParseError{"The document is too long.", 0};
+    }
+    if (text.starts_with("\xEF\xBB\xBF")) {
+        text.erase(0, 3);  // a byte-order mark, which RFC 8259 (8.1) lets readers ignore
     }
     if (endsInsideCharacter(text)) {
         return ParseError{rapidjson::GetParseError_En(rapidjson::kParseErrorStringInvalidEncoding), text.size()};

@@ -1,11 +1,11 @@
 #pragma once
 
+#include "json/Json.h"
+
 #include <cstddef>
 #include <expected>
 #include <string>
 #include <string_view>
-
-#include "json/Json.h"
 
 namespace glintar::json {
 

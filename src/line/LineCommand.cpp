@@ -23,7 +23,6 @@ TextStatusBar::Options barOptions(const Arguments& arguments, const platform::Te
 LineCommand::LineCommand(platform::Platform& platform, platform::TextOutput& output, const Arguments& arguments,
                          std::function<void(int status)> finish)
     : platform_(platform),
-      output_(output),
       once_(arguments.once),
       finish_(std::move(finish)),
       statusBar_(platform, output, barOptions(arguments, output)),

@@ -1,10 +1,10 @@
 #pragma once
 
-#include <functional>
-
 #include "line/Arguments.h"
 #include "line/TextStatusBar.h"
 #include "menubar/StatusBarController.h"
+
+#include <functional>
 
 namespace glintar::platform {
 struct Platform;
@@ -28,7 +28,6 @@ public:
 
 private:
     platform::Platform& platform_;
-    platform::TextOutput& output_;
     const bool once_;
     std::function<void(int)> finish_;
     TextStatusBar statusBar_;

@@ -1,11 +1,11 @@
 #include "line/LineFormat.h"
 
+#include "json/JsonWriter.h"
+#include "text/Unicode.h"
+
 #include <algorithm>
 #include <array>
 #include <cmath>
-
-#include "json/JsonWriter.h"
-#include "text/Unicode.h"
 
 namespace glintar::line {
 

@@ -1,10 +1,10 @@
 #pragma once
 
+#include "menubar/StatusLine.h"
+
 #include <span>
 #include <string>
 #include <string_view>
-
-#include "menubar/StatusLine.h"
 
 namespace glintar::line {
 

@@ -1,15 +1,15 @@
 #include "line/TextStatusBar.h"
 
-#include <fmt/format.h>
-
-#include <array>
-#include <cmath>
-
 #include "line/LineFormat.h"
 #include "platform/Machine.h"
 #include "platform/Platform.h"
 #include "platform/RunLoop.h"
 #include "platform/TextOutput.h"
+
+#include <fmt/format.h>
+
+#include <array>
+#include <cmath>
 
 namespace glintar::line {
 

@@ -1,11 +1,11 @@
 #pragma once
 
+#include "line/Arguments.h"
+#include "menubar/StatusSurface.h"
+
 #include <functional>
 #include <optional>
 #include <string>
-
-#include "line/Arguments.h"
-#include "menubar/StatusSurface.h"
 
 namespace glintar::platform {
 struct Platform;

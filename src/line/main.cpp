@@ -1,5 +1,13 @@
 // The terminal door: `glintar`. It links nothing graphical; where there is a display it hands over to the desktop door.
 
+#include "app/Deployment.h"
+#include "demo/DemoSession.h"
+#include "line/Arguments.h"
+#include "line/LineCommand.h"
+#include "menubar/SettingsWatch.h"
+#include "platform/posix/InstalledBundle.h"
+#include "platform/terminal/TerminalPlatform.h"
+
 #include <fmt/format.h>
 #include <malloc.h>
 #include <unistd.h>
@@ -8,14 +16,6 @@
 #include <cstdlib>
 #include <optional>
 #include <span>
-
-#include "app/Deployment.h"
-#include "demo/DemoSession.h"
-#include "line/Arguments.h"
-#include "line/LineCommand.h"
-#include "menubar/SettingsWatch.h"
-#include "platform/posix/InstalledBundle.h"
-#include "platform/terminal/TerminalPlatform.h"
 
 namespace {
 

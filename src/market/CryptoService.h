@@ -1,18 +1,18 @@
 #pragma once
 
-#include <functional>
-#include <memory>
-#include <optional>
-#include <string>
-#include <string_view>
-#include <vector>
-
 #include "config/AppConfig.h"
 #include "config/Coin.h"
 #include "market/MarketData.h"
 #include "market/SourceCoolDowns.h"
 #include "platform/HttpClient.h"
 #include "platform/NotificationCenter.h"
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
 
 namespace glintar::platform {
 struct Platform;
@@ -25,9 +25,10 @@ inline constexpr std::string_view kCoolDownEnded = "CoolDownEnded";
 
 /// Gets quotes and the network fee from the services of the source configuration.
 ///
-/// Fetches are started on the main thread and never wait. Every completion runs exactly once: before the call returns
-/// for what fails without a request, else on the HTTP client's thread or the work queue. Failures are short English
-/// texts, which the presenter shortens further.
+/// Fetches are started on the main thread and never wait. Every completion runs exactly once while the run loop runs:
+/// before the call returns for what fails without a request, else on the HTTP client's thread or the work queue.
+/// Failures are short English texts, which the presenter shortens further. Lives in a `shared_ptr`, which answers under
+/// way hold weakly.
 class CryptoService : public std::enable_shared_from_this<CryptoService> {
 public:
     using MarketCompletion = std::move_only_function<void(MarketDataMap, std::optional<std::string> error)>;

@@ -1,9 +1,6 @@
 // CryptoService: the current fee of a network.
 
-#include <fmt/format.h>
-
-#include <array>
-
+#include "config/Settings.h"
 #include "market/CryptoService.h"
 #include "market/GasNetwork.h"
 #include "market/ValuePath.h"
@@ -11,18 +8,19 @@
 #include "platform/Platform.h"
 #include "platform/Preferences.h"
 #include "text/Address.h"
+#include "text/Number.h"
 #include "text/Unicode.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
 
 namespace glintar::market {
 
 namespace {
 
 constexpr std::size_t kShownCharacters = 200;
-
-/// "1.0", "0.25": a decimal number always shows that it is one.
-std::string decimal(double value) {
-    return fmt::format("{:#}", value);
-}
 
 const config::GasConfig& choose(const std::vector<config::GasConfig>& configs, GasNetwork network) {
     static constexpr std::array<std::string_view, 3> kBitcoin{"btc", "bitcoin", "mempool"};
@@ -62,7 +60,7 @@ std::optional<double> readFee(platform::Console& console, const config::GasConfi
         if (isText) {
             console.print("🔍 [Gas Debug] 服务器返回的真实内容是：\n" + body);
         }
-        console.print("❌ [Gas Debug] JSON 解析彻底崩溃 (可能是返回了 HTML): " + document.error().description);
+        console.print("❌ [Gas Debug] JSON 解析彻底崩溃 (可能是返回了 HTML): " + document.error().text());
         return std::nullopt;
     }
     if (!document->root().isObject()) {
@@ -72,11 +70,13 @@ std::optional<double> readFee(platform::Console& console, const config::GasConfi
     const auto value = valueAtPath(gas.pricePath, document->root());
     const auto raw = value ? value->number() : std::nullopt;
     if (!raw) {
-        console.print(fmt::format("❌ [Gas Debug] 解析失败：无法在路径 '{}' 找到 Double 值", gas.pricePath));
+        console.print(
+            fmt::format("❌ [Gas Debug] 解析失败：无法在路径 '{}' 找到 Double 值", text::oneLine(gas.pricePath)));
         return std::nullopt;
     }
     const double fee = *raw / (gas.divider > 0 ? gas.divider : 1.0);
-    console.print(fmt::format("✅ [Gas Debug] 成功! 原始值: {} -> 最终值: {}", decimal(*raw), decimal(fee)));
+    console.print(
+        fmt::format("✅ [Gas Debug] 成功! 原始值: {} -> 最终值: {}", text::decimal(*raw), text::decimal(fee)));
     return fee;
 }
 
@@ -84,7 +84,7 @@ std::optional<double> readFee(platform::Console& console, const config::GasConfi
 
 void CryptoService::fetchGasPrice(FeeCompletion completion) {
     auto& console = platform_.console;
-    const auto gasSource = platform_.preferences.integer("gasSource");
+    const auto gasSource = platform_.preferences.integer(config::kGasSource);
     const auto config = loadedConfig_;
     if (!config || !config->gasConfigs || config->gasConfigs->empty()) {
         console.debug("❌ [Gas Debug] 失败：loadedConfig.gasConfigs 为空或 nil。请检查 api_endpoints.json");
@@ -95,13 +95,13 @@ void CryptoService::fetchGasPrice(FeeCompletion completion) {
     const std::shared_ptr<const config::GasConfig> gas(config, &choose(*config->gasConfigs, gasNetworkOf(gasSource)));
     auto address = text::webAddress(gas->url);
     if (!address) {
-        console.debug("❌ [Gas Debug] 失败：URL 无效 -> " + gas->url);
+        console.debug("❌ [Gas Debug] 失败：URL 无效 -> " + text::oneLine(gas->url));
         completion(std::nullopt);
         return;
     }
     console.debug("🚀 [Gas Debug] 发起请求: " + *address);
-    console.debug("  [Gas Debug] - Price Path: " + gas->pricePath);
-    console.debug("  [Gas Debug] - Divider: " + decimal(gas->divider));
+    console.debug("  [Gas Debug] - Price Path: " + text::oneLine(gas->pricePath));
+    console.debug("  [Gas Debug] - Divider: " + text::decimal(gas->divider));
     platform_.http.send({.url = *std::move(address)},
                         [gas, &console, completion = std::move(completion)](platform::HttpResult result) mutable {
                             completion(readFee(console, *gas, std::move(result)));

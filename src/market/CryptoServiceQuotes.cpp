@@ -1,9 +1,6 @@
 // CryptoService: building the requests for quotes, and joining their answers.
 
-#include <fmt/format.h>
-
-#include <mutex>
-
+#include "config/Settings.h"
 #include "keystore/KeychainHelper.h"
 #include "market/CryptoService.h"
 #include "market/Extraction.h"
@@ -14,11 +11,14 @@
 #include "text/Address.h"
 #include "text/Unicode.h"
 
+#include <fmt/format.h>
+
+#include <mutex>
+
 namespace glintar::market {
 
 namespace {
 
-constexpr std::string_view kRateLimited = "Rate Limited (429)";
 constexpr int kRetries = 1;
 
 std::string fillTemplate(std::string_view addressTemplate, std::string_view symbol, std::string_view id) {
@@ -42,10 +42,16 @@ struct JoinedQuotes {
     }
 };
 
+/// Leaves the group however the answer's reading ends, so that a fetch always completes.
+struct Leaving {
+    platform::DispatchGroup& group;
+    ~Leaving() { group.leave(); }
+};
+
 }  // namespace
 
 void CryptoService::fetchMarketData(const std::vector<config::Coin>& coins, MarketCompletion completion) {
-    const std::string selected = platform_.preferences.string("selectedSourceID").value_or("coingecko");
+    const std::string selected = config::selectedSourceID(platform_.preferences);
     if (const auto remaining = sourceCoolDowns_.remaining(selected)) {
         const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(*remaining).count();
         completion({}, fmt::format("Cooling down for error 429 ({}s)", seconds));
@@ -76,22 +82,19 @@ void CryptoService::fetchEachCoin(const std::vector<config::Coin>& coins, const 
         const std::string symbol = text::upper(text::trimmed(coin.displayName));
         const std::string filled = fillTemplate(source->url_template, symbol, coin.apiId);
         if (isLogged) {
-            platform_.console.debug(fmt::format("🔗 {} | 币: {} | Symbol: {}", source->id, text::oneLine(coin.apiId),
-                                                text::oneLine(symbol)));
+            platform_.console.debug(fmt::format("🔗 {} | 币: {} | Symbol: {}", text::oneLine(source->id),
+                                                text::oneLine(coin.apiId), text::oneLine(symbol)));
             platform_.console.debug("   👉 生成 URL: " + text::oneLine(filled));
         }
         auto address = text::webAddress(filled);
         if (!address) {
             continue;
         }
-        if (sourceCoolDowns_.remaining(source->id)) {
-            joined->fail(std::string(kRateLimited));
-            continue;
-        }
         group.enter();
         performRequest(*std::move(address), source, apiKey, kRetries,
                        [group, joined, source, apiId = coin.apiId, &console = platform_.console](
                            std::optional<std::string> body, std::optional<std::string> error) mutable {
+                           const Leaving leaving{group};
                            if (error) {
                                joined->fail(*std::move(error));
                            } else if (body) {
@@ -99,7 +102,6 @@ void CryptoService::fetchEachCoin(const std::vector<config::Coin>& coins, const 
                                    joined->add(apiId, *std::move(quote));
                                }
                            }
-                           group.leave();
                        });
     }
     group.notify(platform_.workQueue, [joined, completion = std::move(completion)]() mutable {
@@ -121,10 +123,6 @@ void CryptoService::fetchBatch(const std::vector<config::Coin>& coins, const Sou
         text::webAddress(text::replaceAll(text::replaceAll(source->url_template, "{ID}", list), "{SYMBOL}", list));
     if (!address) {
         completion({}, "Bad URL");
-        return;
-    }
-    if (sourceCoolDowns_.remaining(source->id)) {
-        completion({}, std::string(kRateLimited));
         return;
     }
     performRequest(*std::move(address), source, apiKey, kRetries,

@@ -1,12 +1,15 @@
 // CryptoService: one request to a source, its retry and its cool-down.
 
-#include <fmt/format.h>
-
 #include "market/CryptoService.h"
 #include "platform/Console.h"
 #include "platform/Platform.h"
 #include "platform/RunLoop.h"
 #include "platform/WorkQueue.h"
+#include "text/Unicode.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
 
 namespace glintar::market {
 
@@ -43,10 +46,10 @@ void CryptoService::performRequest(std::string address, SourcePtr source, std::s
     platform::HttpRequest request{
         .url = address,
         .headers = {{"User-Agent", "Mozilla/5.0"}, {"Accept", "application/json"}},
-        .stallTimeout = 10s,
-        .timeout = 60s,
     };
     if (source->header && canBeHeaderValue(apiKey)) {
+        const auto name = text::lower(*source->header);
+        std::erase_if(request.headers, [&](const auto& header) { return text::lower(header.name) == name; });
         request.originHeaders.push_back({*source->header, apiKey});
     }
     SentRequest sent{std::move(address), std::move(source), std::move(apiKey), retriesLeft, std::move(completion)};
@@ -67,7 +70,8 @@ void CryptoService::handleResponse(SentRequest request, platform::HttpResult res
         return;
     }
     const int status = result->status;
-    platform_.console.debug(fmt::format("⚡️ [Network] Perform Request : {} -- Code:{}", request.source->id, status));
+    platform_.console.debug(
+        fmt::format("⚡️ [Network] Perform Request : {} -- Code:{}", text::oneLine(request.source->id), status));
     platform_.console.debug("⚡️ [Network Path] " + request.address);
     if (status == 200) {
         // An answer without a body is neither a body nor an error.
@@ -93,7 +97,7 @@ void CryptoService::handleResponse(SentRequest request, platform::HttpResult res
 }
 
 void CryptoService::startCoolDown(const std::string& sourceId) {
-    platform_.console.debug(fmt::format("🚨 [{}] 429 Detected! Cooling down...", sourceId));
+    platform_.console.debug(fmt::format("🚨 [{}] 429 Detected! Cooling down...", text::oneLine(sourceId)));
     sourceCoolDowns_.start(sourceId, kCoolDown);
     platform_.runLoop.postAfter(kCoolDownNotice, [alive = weak_from_this()] {
         if (const auto service = alive.lock()) {

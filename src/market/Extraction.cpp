@@ -1,12 +1,12 @@
 #include "market/Extraction.h"
 
-#include <utility>
-
 #include "config/AppConfig.h"
 #include "config/Coin.h"
 #include "market/ValuePath.h"
 #include "platform/Console.h"
 #include "text/Address.h"
+
+#include <utility>
 
 namespace glintar::market {
 
@@ -83,7 +83,7 @@ std::optional<UnifiedMarketData> extractMarketData(json::View object, const conf
         return std::nullopt;
     }
     UnifiedMarketData quote{.price = *price};
-    if (source.image_path && !source.image_path->empty()) {
+    if (source.image_path) {
         const auto image = valueAtCoinPath(*source.image_path, coinId, object);
         if (const auto address = image ? image->string() : std::nullopt) {
             quote.imageUrl = std::string(*address);
@@ -100,7 +100,7 @@ std::optional<UnifiedMarketData> parseSingleResponse(std::string body, const con
                                                      std::string_view coinId, platform::Console& console) {
     const auto document = json::parseContainer(std::move(body));
     if (!document) {
-        console.print("❌ 解析错误: " + document.error().description);
+        console.print("❌ 解析错误: " + document.error().text());
         return std::nullopt;
     }
     auto object = document->root();
@@ -114,7 +114,7 @@ MarketDataMap parseBatchResponse(std::string body, const config::SourceConfig& s
                                  const std::vector<config::Coin>& coins, platform::Console& console) {
     const auto document = json::parseContainer(std::move(body));
     if (!document) {
-        console.print("❌ 批量解析错误: " + document.error().description);
+        console.print("❌ 批量解析错误: " + document.error().text());
         return {};
     }
     if (source.response_type == "array") {

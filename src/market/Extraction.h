@@ -1,12 +1,12 @@
 #pragma once
 
+#include "json/Json.h"
+#include "market/MarketData.h"
+
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
-
-#include "json/Json.h"
-#include "market/MarketData.h"
 
 namespace glintar::config {
 struct Coin;

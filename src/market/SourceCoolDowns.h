@@ -1,12 +1,12 @@
 #pragma once
 
+#include "platform/RunLoop.h"
+
 #include <map>
 #include <mutex>
 #include <optional>
 #include <string>
 #include <string_view>
-
-#include "platform/RunLoop.h"
 
 namespace glintar::market {
 

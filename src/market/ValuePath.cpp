@@ -8,8 +8,8 @@ PathValue::PathValue(json::View value) : value_(value) {
     if (const auto number = value.number()) {
         value_ = *number;
     } else if (const auto string = value.string()) {
-        const auto decimal = string->starts_with("http") ? std::nullopt : text::parseDecimal(*string);
-        if (decimal) {
+        // An address is no decimal, so it stays a text.
+        if (const auto decimal = text::parseDecimal(*string)) {
             value_ = *decimal;
         } else {
             value_ = *string;

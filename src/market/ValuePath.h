@@ -1,10 +1,10 @@
 #pragma once
 
+#include "json/Json.h"
+
 #include <optional>
 #include <string_view>
 #include <variant>
-
-#include "json/Json.h"
 
 namespace glintar::market {
 
@@ -23,8 +23,8 @@ private:
 };
 
 /// Follows the keys of a dotted path ("data.last") from the root. Empty pieces are skipped; only objects are entered,
-/// so there is no way into a list. A text is read as a number when it is a complete finite decimal and does not begin
-/// with "http". None for an empty path or a missing member.
+/// so there is no way into a list. A text is read as a number when it is a complete finite decimal, which an
+/// address never is. None for an empty path or a missing member.
 [[nodiscard]] std::optional<PathValue> valueAtPath(std::string_view path, json::View root);
 
 }  // namespace glintar::market

@@ -1,13 +1,14 @@
 #include "menubar/SettingsWatch.h"
 
-#include <utility>
-
 #include "config/Coin.h"
+#include "config/Settings.h"
 #include "menubar/StatusBarController.h"
 #include "platform/NotificationCenter.h"
 #include "platform/Platform.h"
 #include "platform/Preferences.h"
 #include "platform/SecretStore.h"
+
+#include <utility>
 
 namespace glintar::menubar {
 
@@ -24,11 +25,11 @@ SettingsWatch::~SettingsWatch() {
 SettingsWatch::Snapshot SettingsWatch::read() const {
     const auto& preferences = platform_.preferences;
     return {.coins = preferences.data(config::kSavedCoinsKey),
-            .source = preferences.string("selectedSourceID"),
-            .display = {preferences.integer("displayMode"), preferences.integer("gasSource"),
-                        preferences.boolean("floatTransparent"), preferences.boolean("showChange24h"),
-                        preferences.boolean("showHighLow24h"), preferences.boolean("showSparkline"),
-                        preferences.boolean("showGasFee"), preferences.real("floatOffset")}};
+            .source = preferences.string(config::kSelectedSource),
+            .display = {preferences.integer(config::kDisplayMode), preferences.integer(config::kGasSource),
+                        preferences.boolean(config::kFloatTransparent), preferences.boolean(config::kShowChange),
+                        preferences.boolean(config::kShowHighLow), preferences.boolean(config::kShowSparkline),
+                        preferences.boolean(config::kShowGasFee), preferences.real(config::kFloatOffset)}};
 }
 
 void SettingsWatch::onPreferencesChanged() {

@@ -1,7 +1,6 @@
 #include "menubar/StatusBarController.h"
 
-#include <fmt/format.h>
-
+#include "config/Settings.h"
 #include "keystore/KeychainHelper.h"
 #include "market/CryptoService.h"
 #include "menubar/RefreshState.h"
@@ -11,6 +10,8 @@
 #include "platform/Preferences.h"
 #include "platform/Registry.h"
 #include "text/Unicode.h"
+
+#include <fmt/format.h>
 
 namespace glintar::menubar {
 
@@ -44,9 +45,10 @@ StatusBarController::StatusBarController(platform::Platform& platform, StatusSur
     : platform_(platform),
       surface_(surface),
       state_(RefreshState::shared(platform)),
-      currentDisplayMode_(options.displayMode.value_or(static_cast<int>(platform.preferences.integer("displayMode")))),
-      lastGasSource_(platform.preferences.integer("gasSource")),
-      lastShowGasFee_(platform.preferences.boolean("showGasFee")) {
+      currentDisplayMode_(
+          options.displayMode.value_or(static_cast<int>(platform.preferences.integer(config::kDisplayMode)))),
+      lastGasSource_(platform.preferences.integer(config::kGasSource)),
+      lastShowGasFee_(platform.preferences.boolean(config::kShowGasFee)) {
     auto& notifications = platform.notifications;
     observations_.push_back(notifications.observe(market::kCoolDownEnded, [this] { forceFullUpdate(); }));
     observations_.push_back(notifications.observe(config::kCoinsUpdated, [this] { onSettingsChanged(); }));
@@ -102,7 +104,7 @@ platform::Seconds StatusBarController::calculateRefreshInterval() {
         console.debug("🚫 [Timer] API Key 已被标记为无效或错误，强制降级 -> 60.0秒");
         return kNormalInterval;
     }
-    const auto source = selectedSourceID();
+    const auto source = config::selectedSourceID(platform_.preferences);
     const auto key = keystore::KeychainHelper(platform_).apiKeyOf(source);
     console.debug("⏱ [Timer] 计算刷新频率 (通用逻辑)...");
     console.debug("   - 当前源: " + source);
@@ -141,8 +143,8 @@ void StatusBarController::fetchAndDisplayPrice(Urgency urgency, Scope scope) {
 }
 
 void StatusBarController::onDisplaySettingsChanged() {
-    const auto gasSource = platform_.preferences.integer("gasSource");
-    const bool showGasFee = platform_.preferences.boolean("showGasFee");
+    const auto gasSource = platform_.preferences.integer(config::kGasSource);
+    const bool showGasFee = platform_.preferences.boolean(config::kShowGasFee);
     if (gasSource != lastGasSource_) {
         lastGasSource_ = gasSource;
         platform_.console.debug("⛽️ Gas Source Changed -> Cleared Cache & Fetching");
@@ -166,10 +168,6 @@ void StatusBarController::checkVisibilityAfter(platform::Duration delay) {
     if (surface_.canBeCovered()) {
         platform_.runLoop.postAfter(delay, lifetime_.guard([this] { surface_.checkVisibility(); }));
     }
-}
-
-std::string StatusBarController::selectedSourceID() const {
-    return platform_.preferences.string("selectedSourceID").value_or("coingecko");
 }
 
 }  // namespace glintar::menubar

@@ -1,11 +1,5 @@
 #pragma once
 
-#include <memory>
-#include <optional>
-#include <string>
-#include <string_view>
-#include <vector>
-
 #include "config/Coin.h"
 #include "market/MarketData.h"
 #include "menubar/StatusLine.h"
@@ -13,6 +7,12 @@
 #include "platform/Lifetime.h"
 #include "platform/NotificationCenter.h"
 #include "platform/RunLoop.h"
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
 
 namespace glintar::platform {
 struct Platform;
@@ -77,7 +77,6 @@ private:
     void updatePanel(const std::vector<config::Coin>& coins);
     void redisplayFromCache();
     void checkVisibilityAfter(platform::Duration delay);
-    [[nodiscard]] std::string selectedSourceID() const;
 
     platform::Platform& platform_;
     StatusSurface& surface_;

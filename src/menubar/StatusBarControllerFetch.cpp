@@ -1,11 +1,6 @@
 // StatusBarController: one fetch, from its requests to what is shown.
 
-#include <fmt/format.h>
-#include <fmt/ranges.h>
-
-#include <array>
-#include <mutex>
-
+#include "config/Settings.h"
 #include "market/CryptoService.h"
 #include "menubar/RefreshState.h"
 #include "menubar/StatusBarController.h"
@@ -15,6 +10,12 @@
 #include "platform/Platform.h"
 #include "platform/Preferences.h"
 #include "text/Unicode.h"
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include <array>
+#include <mutex>
 
 namespace glintar::menubar {
 
@@ -45,8 +46,8 @@ void StatusBarController::performFetch(Scope scope) {
     platform::DispatchGroup group;
     auto& service = market::CryptoService::shared(platform_);
     auto fetched = result->coins;
-    if (platform_.preferences.boolean("showGasFee")) {
-        result->gasSource = platform_.preferences.integer("gasSource");
+    if (platform_.preferences.boolean(config::kShowGasFee)) {
+        result->gasSource = platform_.preferences.integer(config::kGasSource);
         result->hasAskedFee = true;
         addPhantomCoin(fetched);
         group.enter();
@@ -78,10 +79,10 @@ void StatusBarController::addPhantomCoin(std::vector<config::Coin>& coins) {
     const bool hasEthereum = std::ranges::any_of(coins, [](const config::Coin& coin) {
         return std::ranges::find(kEthereumIds, text::lower(coin.apiId)) != kEthereumIds.end();
     });
-    if (platform_.preferences.integer("gasSource") != 0 || hasEthereum) {
+    if (platform_.preferences.integer(config::kGasSource) != 0 || hasEthereum) {  // 0 alone, not all that mean Ethereum
         return;
     }
-    const auto source = selectedSourceID();
+    const auto source = config::selectedSourceID(platform_.preferences);
     const bool namesBySymbol = source.contains("binance") || source.contains("gate");
     const std::string id = namesBySymbol ? "ETH" : "ethereum";
     platform_.console.debug("⛽️ [Gas] Injecting phantom coin for pricing: " + id);
@@ -109,7 +110,7 @@ bool StatusBarController::isAnsweredByCache(const std::vector<config::Coin>& coi
 void StatusBarController::handleFetchCompletion(FetchResult& result) {
     isFetching_ = false;
     // A fee of the network that has been deselected meanwhile would be shown in the wrong unit.
-    if (result.hasAskedFee && result.gasSource == platform_.preferences.integer("gasSource")) {
+    if (result.hasAskedFee && result.gasSource == platform_.preferences.integer(config::kGasSource)) {
         currentGasPrice_ = result.gasPrice;
     }
     if (!result.quotes.empty()) {

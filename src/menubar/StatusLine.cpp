@@ -1,5 +1,6 @@
 #include "menubar/StatusLine.h"
 
+#include "config/Settings.h"
 #include "platform/Preferences.h"
 
 namespace glintar::menubar {
@@ -10,18 +11,18 @@ CoinPart composeCoin(const platform::Preferences& preferences, const config::Coi
                      const market::UnifiedMarketData& quote) {
     CoinPart part{.coin = coin, .quote = quote, .price = priceText(quote.price)};
     part.reference = referenceText(coin.referencePrice);
-    if (quote.change24h && preferences.boolean("showChange24h")) {
+    if (quote.change24h && preferences.boolean(config::kShowChange)) {
         part.change = changeText(*quote.change24h);
     }
-    if (quote.high24h && quote.low24h && preferences.boolean("showHighLow24h")) {
+    if (quote.high24h && quote.low24h && preferences.boolean(config::kShowHighLow)) {
         part.highLow = highLowText(*quote.high24h, *quote.low24h);
     }
-    part.showsSparkline = quote.sparkline && !quote.sparkline->empty() && preferences.boolean("showSparkline");
+    part.showsSparkline = quote.sparkline && !quote.sparkline->empty() && preferences.boolean(config::kShowSparkline);
     return part;
 }
 
 GasPart composeGas(const platform::Preferences& preferences, double fee, const market::MarketDataMap& quotes) {
-    GasPart part{.network = market::gasNetworkOf(preferences.integer("gasSource")), .fee = fee};
+    GasPart part{.network = market::gasNetworkOf(preferences.integer(config::kGasSource)), .fee = fee};
     if (part.network == market::GasNetwork::Ethereum) {
         if (const auto price = ethereumPrice(quotes)) {
             part.transferCost = transferCost(fee, *price);
@@ -36,7 +37,7 @@ GasPart composeGas(const platform::Preferences& preferences, double fee, const m
 StatusLine composeStatusLine(const platform::Preferences& preferences, const std::vector<config::Coin>& coins,
                              const market::MarketDataMap& quotes, std::optional<double> gasPrice,
                              std::optional<std::string> error) {
-    StatusLine line{.sourceId = preferences.string("selectedSourceID").value_or("coingecko")};
+    StatusLine line{.sourceId = config::selectedSourceID(preferences)};
     for (std::size_t i = 0; i < std::min(coins.size(), kShownCoins); ++i) {
         if (const auto quote = quotes.find(coins[i].apiId); quote != quotes.end()) {
             line.coins.push_back(composeCoin(preferences, coins[i], quote->second));
@@ -45,7 +46,7 @@ StatusLine composeStatusLine(const platform::Preferences& preferences, const std
     if (quotes.empty()) {
         line.emptyText = emptyLineText(error);
     }
-    if (gasPrice && preferences.boolean("showGasFee")) {
+    if (gasPrice && preferences.boolean(config::kShowGasFee)) {
         line.gas = composeGas(preferences, *gasPrice, quotes);
     }
     line.error = std::move(error);

@@ -1,13 +1,13 @@
 #pragma once
 
-#include <optional>
-#include <string>
-#include <vector>
-
 #include "config/Coin.h"
 #include "market/GasNetwork.h"
 #include "market/MarketData.h"
 #include "menubar/StatusTexts.h"
+
+#include <optional>
+#include <string>
+#include <vector>
 
 namespace glintar::platform {
 class Preferences;

@@ -1,13 +1,13 @@
 #pragma once
 
-#include <optional>
-#include <string_view>
-#include <vector>
-
 #include "config/Coin.h"
 #include "market/MarketData.h"
 #include "menubar/StatusLine.h"
 #include "platform/RunLoop.h"
+
+#include <optional>
+#include <string_view>
+#include <vector>
 
 namespace glintar::menubar {
 

@@ -1,11 +1,11 @@
 #include "menubar/StatusTexts.h"
 
+#include "text/Number.h"
+#include "text/Unicode.h"
+
 #include <fmt/format.h>
 
 #include <cmath>
-
-#include "text/Number.h"
-#include "text/Unicode.h"
 
 namespace glintar::menubar {
 

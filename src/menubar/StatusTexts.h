@@ -1,11 +1,11 @@
 #pragma once
 
+#include "market/GasNetwork.h"
+#include "market/MarketData.h"
+
 #include <optional>
 #include <string>
 #include <string_view>
-
-#include "market/GasNetwork.h"
-#include "market/MarketData.h"
 
 namespace glintar::menubar {
 

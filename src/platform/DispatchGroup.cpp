@@ -1,12 +1,12 @@
 #include "platform/DispatchGroup.h"
 
+#include "platform/RunLoop.h"
+#include "platform/WorkQueue.h"
+
 #include <cassert>
 #include <mutex>
 #include <utility>
 #include <vector>
-
-#include "platform/RunLoop.h"
-#include "platform/WorkQueue.h"
 
 namespace glintar::platform {
 

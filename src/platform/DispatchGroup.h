@@ -1,8 +1,8 @@
 #pragma once
 
-#include <memory>
-
 #include "platform/Task.h"
+
+#include <memory>
 
 namespace glintar::platform {
 

@@ -1,10 +1,10 @@
 #pragma once
 
+#include "platform/RunLoop.h"
+
 #include <cstddef>
 #include <span>
 #include <string>
-
-#include "platform/RunLoop.h"
 
 namespace glintar::platform {
 

@@ -1,5 +1,6 @@
 #include "platform/NotificationCenter.h"
 
+#include <atomic>
 #include <utility>
 #include <vector>
 
@@ -8,14 +9,14 @@ namespace glintar::platform {
 struct NotificationCenter::Entry {
     std::string name;
     std::function<void()> observer;
-    bool dropped = false;
+    std::atomic<bool> dropped = false;  // the last holder of an observer may let go of it on any thread
 };
 
 NotificationCenter::NotificationCenter() = default;
 NotificationCenter::~NotificationCenter() = default;
 
 void NotificationCenter::post(std::string_view name) {
-    std::erase_if(entries_, [](const auto& entry) { return entry->dropped; });
+    std::erase_if(entries_, [](const auto& entry) { return entry->dropped.load(); });
     // A copy: an observer may register or drop others.
     std::vector<std::shared_ptr<Entry>> called;
     for (const auto& entry : entries_) {
@@ -32,7 +33,7 @@ void NotificationCenter::post(std::string_view name) {
 
 std::unique_ptr<NotificationCenter::Observation> NotificationCenter::observe(std::string_view name,
                                                                              std::function<void()> observer) {
-    auto entry = std::make_shared<Entry>(Entry{std::string(name), std::move(observer)});
+    auto entry = std::make_shared<Entry>(std::string(name), std::move(observer));
     entries_.push_back(entry);
     return std::make_unique<Observation>(std::move(entry));
 }

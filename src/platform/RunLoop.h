@@ -1,11 +1,11 @@
 #pragma once
 
+#include "platform/Task.h"
+
 #include <chrono>
 #include <cstdint>
 #include <functional>
 #include <memory>
-
-#include "platform/Task.h"
 
 namespace glintar::platform {
 

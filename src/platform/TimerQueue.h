@@ -1,12 +1,12 @@
 #pragma once
 
+#include "platform/RunLoop.h"
+
 #include <cstdint>
 #include <map>
 #include <memory>
 #include <optional>
 #include <utility>
-
-#include "platform/RunLoop.h"
 
 namespace glintar::platform {
 

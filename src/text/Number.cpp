@@ -65,4 +65,10 @@ std::string fixed(double value, int decimals) {
     return fmt::format("{:.{}f}", value, decimals);
 }
 
+std::string decimal(double value) {
+    auto digits = fmt::format("{}", value);
+    const bool isBareInteger = digits.find_first_not_of("-0123456789") == std::string::npos;
+    return isBareInteger ? digits + ".0" : digits;
+}
+
 }  // namespace glintar::text

@@ -14,4 +14,7 @@ namespace glintar::text {
 /// The number with so many decimals, as `%.*f` writes it in the C locale.
 [[nodiscard]] std::string fixed(double value, int decimals);
 
+/// The number in the fewest digits that read back to it, and always seen to be a decimal: "12.0", "0.25", "1e+18".
+[[nodiscard]] std::string decimal(double value);
+
 }  // namespace glintar::text

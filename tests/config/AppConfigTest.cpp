@@ -1,8 +1,7 @@
 #include "config/AppConfig.h"
+#include "text/Address.h"
 
 #include <gtest/gtest.h>
-
-#include "text/Address.h"
 
 namespace glintar::config {
 namespace {

@@ -1,9 +1,8 @@
 #include "config/CoinCatalogue.h"
+#include "platform/virtual/VirtualPlatform.h"
 
 #include <fmt/format.h>
 #include <gmock/gmock.h>
-
-#include "platform/virtual/VirtualPlatform.h"
 
 namespace glintar::config {
 namespace {

@@ -1,11 +1,10 @@
 #include "config/Coin.h"
+#include "platform/virtual/VirtualPlatform.h"
+#include "text/Address.h"
 
 #include <gmock/gmock.h>
 
 #include <cmath>
-
-#include "platform/virtual/VirtualPlatform.h"
-#include "text/Address.h"
 
 namespace glintar::config {
 namespace {

@@ -1,14 +1,14 @@
-#include <gtest/gtest.h>
-
-#include <fstream>
-#include <iterator>
-#include <set>
-
 #include "config/AppConfig.h"
 #include "config/CoinCatalogue.h"
 #include "json/Json.h"
 #include "text/Address.h"
 #include "text/Unicode.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <iterator>
+#include <set>
 
 namespace glintar::config {
 namespace {

@@ -1,10 +1,10 @@
-#include <fmt/format.h>
-#include <gmock/gmock.h>
-
 #include "config/APIConfigUpdater.h"
 #include "config/CoinListUpdater.h"
 #include "config/ConfigFiles.h"
 #include "platform/virtual/VirtualPlatform.h"
+
+#include <fmt/format.h>
+#include <gmock/gmock.h>
 
 namespace glintar::config {
 namespace {

@@ -1,7 +1,6 @@
-#include "demo/DemoSession.h"
-
 #include "config/AppConfig.h"
 #include "config/Coin.h"
+#include "demo/DemoSession.h"
 #include "platform/qtcore/QtPreferences.h"
 #include "platform/virtual/VirtualPlatform.h"
 #include "support/TestFiles.h"

@@ -1,7 +1,6 @@
 // The simulated answers beside what the real services once answered.
 
 #include "demo/MarketAnswers.h"
-
 #include "json/Json.h"
 #include "support/TestFiles.h"
 

@@ -1,8 +1,7 @@
-#include "demo/MarketServer.h"
-
 #include "config/AppConfig.h"
 #include "config/Coin.h"
 #include "demo/MarketDocument.h"
+#include "demo/MarketServer.h"
 #include "json/Json.h"
 #include "market/Extraction.h"
 #include "market/ValuePath.h"

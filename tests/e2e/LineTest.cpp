@@ -1,5 +1,12 @@
 // `glintar line` against a market on loopback: the real program, its real network and its real files.
 
+#include "demo/DemoSession.h"
+#include "e2e/Program.h"
+#include "json/Json.h"
+#include "support/LoopbackServer.h"
+#include "support/TemporaryFolder.h"
+#include "support/TestFiles.h"
+
 #include <fmt/format.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -7,12 +14,6 @@
 #include <signal.h>
 
 #include <fstream>
-
-#include "demo/DemoSession.h"
-#include "e2e/Program.h"
-#include "json/Json.h"
-#include "support/TemporaryFolder.h"
-#include "support/TestFiles.h"
 
 namespace glintar::test {
 namespace {
@@ -216,6 +217,32 @@ TEST_F(LineTest, DamagedFilesAndMissingFoldersAreSurvived) {
     preferences("");
     auto homeless = start({"line", "--once"});
     EXPECT_THAT(homeless.wait(), AnyOf(0, 1)) << "whether the shipped services can be reached from here";
+}
+
+TEST_F(LineTest, ANewConfigurationOfTheServersCountsFromTheNextRefreshOn) {
+    const auto document = session->dataHome() / "glintar" / "remote_api_endpoints.json";
+    const auto good = readFile(document);
+    std::filesystem::remove(document);
+    preferences("selectedSourceID=simulated\n");
+    support::LoopbackServer server;
+    server.on("/x/api/api_endpoints_ver.json", {.body = R"({"version":3})"});
+    auto renamed = good;
+    renamed.replace(renamed.find("\"coingecko\""), 11, "\"simulated\"");
+    server.on("/x/api/api_endpoints.json", {.body = renamed});
+    auto where = environment();
+    where["GLINTAR_CONFIG_SERVER"] = server.url("/x");
+    Program program({GLINTAR_PROGRAM, "line", "--format=json"}, where);
+    ASSERT_TRUE(program.waitForOutput("Config Missing")) << "the shipped document has no such source";
+    for (int i = 0; i < 500 && !std::filesystem::exists(document); ++i) {
+        std::this_thread::sleep_for(std::chrono::milliseconds{20});
+    }
+    EXPECT_EQ(readFile(document), renamed);
+    program.signal(SIGTERM);
+    EXPECT_EQ(program.wait(), 0);
+    EXPECT_THAT(program.errors(), HasSubstr("💾 [APIConfig] 新配置已写入磁盘。"));
+    EXPECT_THAT(program.errors(), HasSubstr("⚠️ [CoinList] 版本检查失败: "));
+    auto again = start({"line", "--once"});
+    EXPECT_EQ(again.wait(), 0) << again.errors();
 }
 
 TEST_F(LineTest, WordsItDoesNotKnowAreRefusedAndItsOwnExplained) {

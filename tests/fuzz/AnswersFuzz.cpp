@@ -1,12 +1,12 @@
 // Answers of services, each read in all four shapes, with the names of members that the real ones have.
 
-#include <array>
-
 #include "config/AppConfig.h"
 #include "config/Coin.h"
 #include "fuzz/Fuzz.h"
 #include "market/Extraction.h"
 #include "platform/virtual/VirtualStores.h"
+
+#include <array>
 
 using namespace glintar;
 

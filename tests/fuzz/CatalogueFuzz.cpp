@@ -1,6 +1,5 @@
-#include "config/CoinCatalogue.h"
-
 #include "Fuzz.h"
+#include "config/CoinCatalogue.h"
 #include "json/Json.h"
 
 // The packed catalogue must hold what the document holds.

@@ -1,6 +1,5 @@
-#include "config/AppConfig.h"
-
 #include "Fuzz.h"
+#include "config/AppConfig.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     using namespace glintar;

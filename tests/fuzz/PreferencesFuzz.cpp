@@ -1,13 +1,13 @@
 // A preference file of any content: read, written to, and read again.
 
+#include "fuzz/Fuzz.h"
+#include "platform/qtcore/QtPreferences.h"
+#include "platform/virtual/VirtualStores.h"
+
 #include <unistd.h>
 
 #include <filesystem>
 #include <fstream>
-
-#include "fuzz/Fuzz.h"
-#include "platform/qtcore/QtPreferences.h"
-#include "platform/virtual/VirtualStores.h"
 
 using namespace glintar;
 

@@ -73,6 +73,12 @@ TEST(JsonTest, TellsNumbersFromTextsThatLookLikeThem) {
     EXPECT_EQ(Document::parse("\"5\"")->root().string(), "5");
 }
 
+TEST(JsonTest, AByteOrderMarkIsPassedOver) {
+    const auto document = Document::parse("\xEF\xBB\xBF{\"a\":1}");
+    ASSERT_TRUE(document);
+    EXPECT_EQ(document->root().member("a")->number(), 1);
+}
+
 TEST(JsonTest, TakesTheLastNumbersOfAListOfNumbersOnly) {
     using Numbers = std::vector<double>;
     const auto document = Document::parse(R"([[1,2,3],[],[1,"2",3],["1",2,3],7,[1,10e308]])");

@@ -1,3 +1,4 @@
+#include "json/Json.h"
 #include "json/JsonWriter.h"
 
 #include <gtest/gtest.h>
@@ -6,8 +7,6 @@
 #include <cmath>
 #include <limits>
 #include <random>
-
-#include "json/Json.h"
 
 namespace glintar::json {
 namespace {

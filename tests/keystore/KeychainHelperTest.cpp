@@ -1,8 +1,7 @@
 #include "keystore/KeychainHelper.h"
+#include "platform/virtual/VirtualPlatform.h"
 
 #include <gtest/gtest.h>
-
-#include "platform/virtual/VirtualPlatform.h"
 
 namespace glintar::keystore {
 namespace {

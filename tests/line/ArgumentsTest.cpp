@@ -1,10 +1,9 @@
+#include "app/Deployment.h"
 #include "line/Arguments.h"
 
 #include <gtest/gtest.h>
 
 #include <vector>
-
-#include "app/Deployment.h"
 
 namespace glintar::line {
 namespace {

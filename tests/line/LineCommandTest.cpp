@@ -1,13 +1,12 @@
-#include "line/LineCommand.h"
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include "json/Json.h"
+#include "line/LineCommand.h"
 #include "line/LineFormat.h"
 #include "platform/TextOutput.h"
 #include "platform/virtual/VirtualPlatform.h"
 #include "support/Market.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 namespace glintar::line {
 namespace {

@@ -1,13 +1,15 @@
+#include "config/APIConfigUpdater.h"
+#include "config/ConfigFiles.h"
+#include "keystore/KeychainHelper.h"
 #include "market/CryptoService.h"
+#include "platform/virtual/VirtualPlatform.h"
+#include "support/Market.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "config/APIConfigUpdater.h"
-#include "config/ConfigFiles.h"
-#include "keystore/KeychainHelper.h"
-#include "platform/virtual/VirtualPlatform.h"
-#include "support/Market.h"
+#include <future>
+#include <thread>
 
 namespace glintar::market {
 namespace {
@@ -81,7 +83,16 @@ TEST_F(CryptoServiceTest, OneRequestForEachCoinUsesTheBareUpperCaseSymbol) {
     EXPECT_EQ(outcome.quotes.at("bitcoin").price, 7);
     EXPECT_EQ(outcome.quotes.at("ethereum").price, 8);
     EXPECT_TRUE(machine.console.printed("🔗 gate | 币: bitcoin | Symbol: BTC"));
+    EXPECT_TRUE(machine.console.printed("⚡️ [Network] Perform Request : gate -- Code:200"));
+    EXPECT_TRUE(machine.console.printed("⚡️ [Network Path] https://gate.test/t?pair=BTC_USDT&id=bitcoin"));
     EXPECT_TRUE(machine.console.printed("   👉 生成 URL: https://gate.test/t?pair=BTC_USDT&id=bitcoin"));
+}
+
+TEST_F(CryptoServiceTest, WhatAUserTypedBreaksNeitherAddressNorLog) {
+    select("gate");
+    fetch({test::coin("A\nB", "x/../y\r\nz")});
+    EXPECT_EQ(machine.http.requests.at(0).url, "https://gate.test/t?pair=A%0AB_USDT&id=x/../y%0D%0Az");
+    EXPECT_TRUE(machine.console.printed("🔗 gate | 币: x/../y\uFFFD\uFFFDz | Symbol: A\uFFFDB"));
 }
 
 TEST_F(CryptoServiceTest, PartialSuccessIsNoErrorAndTheLastFailureSpeaksForAll) {
@@ -189,6 +200,9 @@ TEST_F(CryptoServiceTest, AnAnswerWithoutABodyIsUnknown) {
     EXPECT_EQ(fetch(btc).error, "Unknown Error");
     machine.http.answer("gecko.test", "<html>");
     EXPECT_EQ(fetch(btc).error, std::nullopt) << "a body that cannot be read is no error";
+    select("gate");
+    machine.http.answer("gate.test", "");
+    EXPECT_EQ(fetch(btc).error, std::nullopt) << "nor is a coin that was answered with nothing";
 }
 
 TEST_F(CryptoServiceTest, AThrottlingSourceIsLeftAloneForAMinuteThenAnnounced) {
@@ -200,8 +214,10 @@ TEST_F(CryptoServiceTest, AThrottlingSourceIsLeftAloneForAMinuteThenAnnounced) {
     machine.http.answer("gecko.test", "Throttled", 429);
     machine.http.answer("gate.test", R"([{"last":1}])");
     EXPECT_EQ(fetch(btc).error, "Limit Exceeded (429)");
+    EXPECT_TRUE(machine.console.printed("🚨 [coingecko] 429 Detected! Cooling down..."));
 
-    machine.advance(4500ms);  // 9.5 s after the answer
+    machine.notifications.post(config::kConfigUpdated);  // which changes nothing about it
+    machine.advance(4500ms);                             // 9.5 s after the answer
     EXPECT_EQ(fetch(btc).error, "Cooling down for error 429 (50s)") << "whole seconds, cut off";
     EXPECT_EQ(machine.http.asked("gecko.test"), 1) << "nothing is sent meanwhile";
     select("gate");
@@ -214,6 +230,21 @@ TEST_F(CryptoServiceTest, AThrottlingSourceIsLeftAloneForAMinuteThenAnnounced) {
     EXPECT_THAT(announced, ElementsAre(60.5));
     fetch(btc);
     EXPECT_EQ(machine.http.asked("gecko.test"), 2);
+}
+
+TEST_F(CryptoServiceTest, ASecondThrottlingMovesTheEndAndBothAreAnnounced) {
+    std::vector<double> announced;
+    const auto start = machine.runLoop.now();
+    const auto observation = machine.notifications.observe(
+        kCoolDownEnded, [&] { announced.push_back(platform::Seconds(machine.runLoop.now() - start).count()); });
+    select("gate");
+    machine.http.answer("gate.test", "", 429);
+    machine.http.latencies = {0s, 2s};
+    startFetch(both);
+    machine.advance(59s);
+    EXPECT_EQ(startFetch(btc)->error, "Cooling down for error 429 (3s)");
+    machine.advance(10s);
+    EXPECT_THAT(announced, ElementsAre(60.5, 62.5));
 }
 
 TEST_F(CryptoServiceTest, TheCoolDownEndsWhileTheMachineSleeps) {
@@ -247,7 +278,7 @@ TEST_F(CryptoServiceTest, WithoutAConfigurationOrAnAddressNothingIsSent) {
     EXPECT_THAT(machine.http.requests, SizeIs(0));
 }
 
-TEST_F(CryptoServiceTest, ItsEndLeavesEveryFetchCompleted) {
+TEST_F(CryptoServiceTest, ARetryThatOutlivesItCompletes) {
     machine.http.answer("gecko.test", "", 503);
     const auto outcome = startFetch(btc);
     machine.advance(100ms);  // the retry is waiting
@@ -255,6 +286,56 @@ TEST_F(CryptoServiceTest, ItsEndLeavesEveryFetchCompleted) {
     machine.advance(5s);
     EXPECT_EQ(outcome->completions, 1);
     EXPECT_EQ(outcome->error, "Network Error");
+}
+
+/// Answers each request from a thread of its own, all at once.
+class ThreadedHttp final : public platform::HttpClient {
+public:
+    std::shared_ptr<platform::HttpCall> send(platform::HttpRequest request,
+                                             platform::HttpCompletion completion) override {
+        const int status = request.url.contains("ETH") ? 429 : 200;
+        threads_.emplace_back([completion = std::move(completion), status]() mutable {
+            completion(platform::HttpResponse{status, R"([{"last":1}])"});
+        });
+        return nullptr;
+    }
+
+private:
+    std::vector<std::jthread> threads_;
+};
+
+TEST_F(CryptoServiceTest, AnswersMayComeFromManyThreadsAtOnce) {
+    // What they do reaches shared state; ThreadSanitizer looks on.
+    std::promise<MarketDataMap> done;
+    struct : platform::WorkQueue {
+        void async(platform::Task task) override { task(); }
+        void asyncAfter(platform::Duration, platform::Task) override {}
+    } queue;
+    struct : platform::RunLoop {
+        void post(platform::Task) override {}
+        void postAfter(platform::Duration, platform::Task) override {}
+        platform::TimerHandle after(platform::Duration, platform::Task) override { return nullptr; }
+        platform::TimerHandle every(platform::Duration, std::function<void()>) override { return nullptr; }
+        platform::Instant now() const override { return {}; }
+        platform::BootInstant bootNow() const override { return {}; }
+        platform::WallTime wallNow() const override { return {}; }
+    } loop;
+    ThreadedHttp http;
+    auto& whole = machine.platform();
+    struct : platform::Console {
+        void write(Path, std::string_view) override {}
+    } console;
+    platform::Platform threaded{
+        loop,         queue,       http,    whole.preferences, whole.secrets,   whole.notifications, whole.directories,
+        whole.bundle, whole.files, console, whole.entropy,     whole.localTime, whole.registry};
+    select("gate");
+    std::vector<config::Coin> coins;
+    for (int i = 0; i < 20; ++i) {
+        coins.push_back(test::coin(i == 7 ? "ETH" : "BTC", fmt::format("coin{}", i)));
+    }
+    CryptoService::shared(threaded).fetchMarketData(
+        coins, [&](MarketDataMap quotes, const std::optional<std::string>&) { done.set_value(std::move(quotes)); });
+    EXPECT_GE(done.get_future().get().size(), 7U) << "those before the throttled one, and all that had been sent";
 }
 
 class ConfigLoadTest : public CryptoServiceTest {
@@ -317,6 +398,14 @@ TEST_F(ConfigLoadTest, ANewerDocumentThatIsNoConfigurationGivesWayToTheShippedOn
     EXPECT_EQ(firstSource(), "other");
     machine.advance(1s);
     EXPECT_EQ(firstSource(), "coingecko");
+}
+
+TEST_F(ConfigLoadTest, WithoutAnyDocumentThereIsNoneAndItIsSaidOnce) {
+    machine.files.contents.clear();
+    machine.files.unreadable["/bundle/api_endpoints.json"] = "Permission denied";
+    machine.files.unreadable[cached] = "Is a directory";
+    EXPECT_EQ(fetch(btc).error, "Config Missing");
+    EXPECT_EQ(machine.console.count("❌ [Config] 内部配置文件也找不到"), 1);
 }
 
 TEST_F(ConfigLoadTest, NoHomeDirectoryMeansTheShippedDocument) {

@@ -1,12 +1,11 @@
-#include "market/Extraction.h"
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include "config/AppConfig.h"
+#include "market/Extraction.h"
 #include "market/ValuePath.h"
 #include "platform/virtual/VirtualStores.h"
 #include "support/Market.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 namespace glintar::market {
 namespace {

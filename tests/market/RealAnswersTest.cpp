@@ -1,7 +1,5 @@
 // What real services really answered, read by the paths that are configured for them.
 
-#include <gtest/gtest.h>
-
 #include "config/AppConfig.h"
 #include "json/Json.h"
 #include "market/CryptoService.h"
@@ -10,6 +8,8 @@
 #include "platform/virtual/VirtualPlatform.h"
 #include "support/Market.h"
 #include "support/TestFiles.h"
+
+#include <gtest/gtest.h>
 
 namespace glintar::market {
 namespace {

@@ -1,8 +1,5 @@
 // The refresh cycle as its user lives it, in virtual time.
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include "keystore/KeychainHelper.h"
 #include "menubar/RefreshState.h"
 #include "menubar/SettingsWatch.h"
@@ -10,6 +7,9 @@
 #include "menubar/StatusSurface.h"
 #include "platform/virtual/VirtualPlatform.h"
 #include "support/Market.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 namespace glintar::menubar {
 namespace {

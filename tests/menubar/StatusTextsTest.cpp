@@ -1,13 +1,12 @@
+#include "menubar/StatusLine.h"
 #include "menubar/StatusTexts.h"
+#include "platform/virtual/VirtualStores.h"
+#include "support/Market.h"
 
 #include <gtest/gtest.h>
 
 #include <clocale>
 #include <limits>
-
-#include "menubar/StatusLine.h"
-#include "platform/virtual/VirtualStores.h"
-#include "support/Market.h"
 
 namespace glintar::menubar {
 namespace {

@@ -1,15 +1,15 @@
 #pragma once
 
+#include "config/Coin.h"
+#include "platform/Preferences.h"
+#include "platform/virtual/VirtualPlatform.h"
+
 #include <fmt/format.h>
 
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
-
-#include "config/Coin.h"
-#include "platform/Preferences.h"
-#include "platform/virtual/VirtualPlatform.h"
 
 namespace glintar::test {
 

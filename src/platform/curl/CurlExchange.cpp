@@ -1,11 +1,11 @@
 #include "platform/curl/CurlExchange.h"
 
+#include "platform/curl/CurlTrust.h"
+
 #include <fmt/format.h>
 
 #include <algorithm>
 #include <string_view>
-
-#include "platform/curl/CurlTrust.h"
 
 namespace glintar::platform {
 namespace {

@@ -1,14 +1,14 @@
 #pragma once
 
-#include <array>
-#include <optional>
-#include <string>
-#include <string_view>
-
 #include "platform/HttpClient.h"
 #include "platform/RunLoop.h"
 #include "platform/curl/CurlHandles.h"
 #include "platform/curl/WebAddress.h"
+
+#include <array>
+#include <optional>
+#include <string>
+#include <string_view>
 
 namespace glintar::platform {
 

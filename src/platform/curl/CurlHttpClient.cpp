@@ -1,11 +1,11 @@
 #include "platform/curl/CurlHttpClient.h"
 
-#include <pthread.h>
-#include <signal.h>
-
 #include "platform/curl/CurlExchange.h"
 #include "platform/curl/CurlInbox.h"
 #include "platform/curl/CurlLoop.h"
+
+#include <pthread.h>
+#include <signal.h>
 
 namespace glintar::platform {
 namespace {

@@ -1,10 +1,10 @@
 #pragma once
 
+#include "platform/HttpClient.h"
+
 #include <memory>
 #include <mutex>
 #include <thread>
-
-#include "platform/HttpClient.h"
 
 namespace glintar::platform {
 

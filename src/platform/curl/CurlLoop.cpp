@@ -1,13 +1,13 @@
 #include "platform/curl/CurlLoop.h"
 
+#include "platform/curl/CurlExchange.h"
+#include "platform/curl/CurlInbox.h"
+
 #include <malloc.h>
 
 #include <algorithm>
 #include <new>
 #include <string>
-
-#include "platform/curl/CurlExchange.h"
-#include "platform/curl/CurlInbox.h"
 
 namespace glintar::platform {
 namespace {

@@ -1,16 +1,16 @@
 #pragma once
 
+#include "platform/HttpClient.h"
+#include "platform/RunLoop.h"
+#include "platform/curl/CurlHandles.h"
+#include "platform/curl/CurlTrust.h"
+
 #include <curl/curl.h>
 
 #include <cstdint>
 #include <map>
 #include <memory>
 #include <vector>
-
-#include "platform/HttpClient.h"
-#include "platform/RunLoop.h"
-#include "platform/curl/CurlHandles.h"
-#include "platform/curl/CurlTrust.h"
 
 namespace glintar::platform {
 

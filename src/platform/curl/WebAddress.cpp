@@ -1,10 +1,10 @@
 #include "platform/curl/WebAddress.h"
 
+#include "platform/curl/CurlHandles.h"
+
 #include <fmt/format.h>
 
 #include <algorithm>
-
-#include "platform/curl/CurlHandles.h"
 
 namespace glintar::platform {
 namespace {

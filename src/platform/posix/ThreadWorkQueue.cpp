@@ -1,5 +1,7 @@
 #include "platform/posix/ThreadWorkQueue.h"
 
+#include <system_error>
+
 namespace glintar::platform {
 
 ThreadWorkQueue::~ThreadWorkQueue() {
@@ -14,15 +16,26 @@ ThreadWorkQueue::~ThreadWorkQueue() {
 }
 
 void ThreadWorkQueue::async(Task task) {
-    const std::lock_guard lock(mutex_);
+    std::unique_lock lock(mutex_);
     if (isEnding_) {
         return;
     }
     waiting_.push_back(std::move(task));
-    if (waiting_.size() > idle_ && threads_.size() < maxThreads_) {
-        threads_.emplace_back([this] { work(); });
-    } else {
+    if (waiting_.size() <= idle_ || threads_.size() >= maxThreads_) {
         wake_.notify_one();
+        return;
+    }
+    try {
+        threads_.emplace_back([this] { work(); });
+    } catch (const std::system_error&) {
+        if (!threads_.empty()) {
+            return;  // those there are will come to it
+        }
+        // The machine has no thread left for us; work that is late is better than work that is lost.
+        Task late = std::move(waiting_.back());
+        waiting_.pop_back();
+        lock.unlock();
+        late();
     }
 }
 

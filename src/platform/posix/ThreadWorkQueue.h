@@ -1,12 +1,12 @@
 #pragma once
 
+#include "platform/WorkQueue.h"
+
 #include <condition_variable>
 #include <deque>
 #include <mutex>
 #include <thread>
 #include <vector>
-
-#include "platform/WorkQueue.h"
 
 namespace glintar::platform {
 

@@ -1,11 +1,12 @@
 #include "platform/qtcore/QtPreferences.h"
 
+#include "platform/Console.h"
+
 #include <QFileSystemWatcher>
 #include <QTimer>
+
 #include <chrono>
 #include <system_error>
-
-#include "platform/Console.h"
 
 namespace glintar::platform {
 

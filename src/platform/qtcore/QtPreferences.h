@@ -1,10 +1,11 @@
 #pragma once
 
+#include "platform/Preferences.h"
+
 #include <QSettings>
+
 #include <filesystem>
 #include <memory>
-
-#include "platform/Preferences.h"
 
 class QFileSystemWatcher;
 class QTimer;

@@ -1,10 +1,9 @@
 #include "platform/qtcore/QtRunLoop.h"
 
-#include <time.h>
-
 #include <QCoreApplication>
 #include <QThread>
 #include <QTimerEvent>
+#include <time.h>
 
 namespace glintar::platform {
 

@@ -1,11 +1,12 @@
 #pragma once
 
-#include <QObject>
-#include <mutex>
-#include <vector>
-
 #include "platform/RunLoop.h"
 #include "platform/TimerQueue.h"
+
+#include <QObject>
+
+#include <mutex>
+#include <vector>
 
 namespace glintar::platform {
 

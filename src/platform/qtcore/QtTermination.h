@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QSocketNotifier>
+
 #include <functional>
 #include <memory>
 

@@ -1,14 +1,14 @@
 #pragma once
 
+#include "platform/secret/GlibHandles.h"
+#include "platform/secret/SecretAnswer.h"
+
 #include <libsecret/secret.h>
 
 #include <functional>
 #include <list>
 #include <string>
 #include <vector>
-
-#include "platform/secret/GlibHandles.h"
-#include "platform/secret/SecretAnswer.h"
 
 namespace glintar::platform {
 

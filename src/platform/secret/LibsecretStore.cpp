@@ -1,5 +1,11 @@
 #include "platform/secret/LibsecretStore.h"
 
+#include "platform/RunLoop.h"
+#include "platform/secret/GlibHandles.h"
+#include "platform/secret/KeyRing.h"
+#include "platform/secret/SecretCache.h"
+#include "platform/secret/SessionBus.h"
+
 #include <gio/gio.h>
 
 #include <atomic>
@@ -7,12 +13,6 @@
 #include <mutex>
 #include <optional>
 #include <thread>
-
-#include "platform/RunLoop.h"
-#include "platform/secret/GlibHandles.h"
-#include "platform/secret/KeyRing.h"
-#include "platform/secret/SecretCache.h"
-#include "platform/secret/SessionBus.h"
 
 namespace glintar::platform {
 

@@ -1,9 +1,9 @@
 #pragma once
 
-#include <memory>
-
 #include "platform/Lifetime.h"
 #include "platform/SecretStore.h"
+
+#include <memory>
 
 namespace glintar::platform {
 

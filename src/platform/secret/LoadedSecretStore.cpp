@@ -1,13 +1,13 @@
 #include "platform/secret/LoadedSecretStore.h"
 
-#include <dlfcn.h>
-
-#include <string>
-
 #include "platform/Console.h"
 #include "platform/posix/InstalledBundle.h"
 #include "platform/secret/SecretModule.h"
 #include "platform/secret/SessionBus.h"
+
+#include <dlfcn.h>
+
+#include <string>
 
 namespace glintar::platform {
 

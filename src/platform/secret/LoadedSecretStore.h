@@ -1,8 +1,8 @@
 #pragma once
 
-#include <memory>
-
 #include "platform/SecretStore.h"
+
+#include <memory>
 
 namespace glintar::platform {
 

@@ -1,10 +1,10 @@
 #pragma once
 
+#include "platform/SecretStore.h"
+
 #include <memory>
 #include <string>
 #include <string_view>
-
-#include "platform/SecretStore.h"
 
 namespace glintar::platform {
 

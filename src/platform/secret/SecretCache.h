@@ -1,11 +1,11 @@
 #pragma once
 
+#include "platform/RunLoop.h"
+#include "platform/secret/SecretAnswer.h"
+
 #include <map>
 #include <optional>
 #include <vector>
-
-#include "platform/RunLoop.h"
-#include "platform/secret/SecretAnswer.h"
 
 namespace glintar::platform {
 

@@ -1,10 +1,11 @@
 #pragma once
 
-#include <QSocketNotifier>
-#include <optional>
-
 #include "platform/TextOutput.h"
 #include "platform/terminal/TerminalScreen.h"
+
+#include <QSocketNotifier>
+
+#include <optional>
 
 namespace glintar::platform {
 

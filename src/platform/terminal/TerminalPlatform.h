@@ -17,6 +17,7 @@
 #include "platform/terminal/TerminalOutput.h"
 
 #include <QCoreApplication>
+
 #include <functional>
 #include <optional>
 #include <string>

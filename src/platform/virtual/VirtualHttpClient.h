@@ -1,13 +1,13 @@
 #pragma once
 
+#include "platform/HttpClient.h"
+#include "platform/RunLoop.h"
+
 #include <deque>
 #include <map>
 #include <string>
 #include <string_view>
 #include <vector>
-
-#include "platform/HttpClient.h"
-#include "platform/RunLoop.h"
 
 namespace glintar::platform {
 
@@ -37,7 +37,6 @@ private:
     struct Rule {
         std::string addressPart;
         HttpResult result;
-        bool once = false;
     };
     HttpResult resultFor(std::string_view address);
 

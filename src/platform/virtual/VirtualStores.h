@@ -1,18 +1,18 @@
 #pragma once
 
-#include <filesystem>
-#include <map>
-#include <string>
-#include <utility>
-#include <variant>
-#include <vector>
-
 #include "platform/Console.h"
 #include "platform/Directories.h"
 #include "platform/Files.h"
 #include "platform/Machine.h"
 #include "platform/Preferences.h"
 #include "platform/SecretStore.h"
+
+#include <filesystem>
+#include <map>
+#include <string>
+#include <utility>
+#include <variant>
+#include <vector>
 
 namespace glintar::platform {
 

@@ -1,9 +1,9 @@
-#include <dlfcn.h>
-#include <netdb.h>
-
 #include "platform/RunLoop.h"
 #include "platform/curl/CurlFixture.h"
 #include "support/TestAuthority.h"
+
+#include <dlfcn.h>
+#include <netdb.h>
 
 namespace {
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/curl/CurlHttpClient.h"
+#include "support/LoopbackServer.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -10,8 +11,6 @@
 #include <cstdlib>
 #include <mutex>
 #include <optional>
-
-#include "support/LoopbackServer.h"
 
 namespace glintar::platform {
 

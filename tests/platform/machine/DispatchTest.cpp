@@ -1,12 +1,12 @@
+#include "platform/DispatchGroup.h"
+#include "platform/posix/ThreadWorkQueue.h"
+#include "platform/virtual/VirtualRunLoop.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <future>
 #include <latch>
-
-#include "platform/DispatchGroup.h"
-#include "platform/posix/ThreadWorkQueue.h"
-#include "platform/virtual/VirtualRunLoop.h"
 
 namespace glintar::platform {
 namespace {

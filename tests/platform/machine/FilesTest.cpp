@@ -1,14 +1,14 @@
-#include <gtest/gtest.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
-#include <cstdlib>
-
 #include "platform/posix/PosixFiles.h"
 #include "platform/posix/PosixMachine.h"
 #include "platform/posix/XdgDirectories.h"
 #include "support/TemporaryFolder.h"
 #include "support/TestFiles.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstdlib>
 
 namespace glintar::platform {
 namespace {

@@ -1,13 +1,13 @@
-#include <gtest/gtest.h>
-
-#include <QCoreApplication>
-#include <QElapsedTimer>
-#include <fstream>
-
 #include "platform/qtcore/QtPreferences.h"
 #include "platform/virtual/VirtualStores.h"
 #include "support/TemporaryFolder.h"
 #include "support/TestFiles.h"
+
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <gtest/gtest.h>
+
+#include <fstream>
 
 namespace glintar::platform {
 namespace {

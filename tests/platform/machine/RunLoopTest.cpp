@@ -1,14 +1,14 @@
 // The real run loop and the virtual one keep the same promises.
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <QCoreApplication>
-#include <thread>
-
 #include "platform/NotificationCenter.h"
 #include "platform/qtcore/QtRunLoop.h"
 #include "platform/virtual/VirtualRunLoop.h"
+
+#include <QCoreApplication>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <thread>
 
 namespace glintar::platform {
 namespace {

@@ -1,4 +1,6 @@
+#include "platform/RunLoop.h"
 #include "platform/secret/LibsecretStore.h"
+#include "platform/secret/PrivateBus.h"
 
 #include <gtest/gtest.h>
 
@@ -8,9 +10,6 @@
 #include <deque>
 #include <fstream>
 #include <mutex>
-
-#include "platform/RunLoop.h"
-#include "platform/secret/PrivateBus.h"
 
 namespace glintar::platform {
 namespace {

@@ -1,12 +1,12 @@
 #pragma once
 
+#include "platform/secret/GlibHandles.h"
+
 #include <gio/gio.h>
 
 #include <filesystem>
 #include <functional>
 #include <string>
-
-#include "platform/secret/GlibHandles.h"
 
 namespace glintar::platform {
 
