@@ -1,8 +1,8 @@
 // Answers of services, each read in all four shapes, with the names of members that the real ones have.
 
+#include "Fuzz.h"
 #include "config/AppConfig.h"
 #include "config/Coin.h"
-#include "fuzz/Fuzz.h"
 #include "market/Extraction.h"
 #include "platform/virtual/VirtualStores.h"
 

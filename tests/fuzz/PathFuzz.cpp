@@ -1,6 +1,6 @@
 // A path, a line break, and the document it is followed in.
 
-#include "fuzz/Fuzz.h"
+#include "Fuzz.h"
 #include "json/Json.h"
 #include "market/ValuePath.h"
 

@@ -1,6 +1,6 @@
 // A preference file of any content: read, written to, and read again.
 
-#include "fuzz/Fuzz.h"
+#include "Fuzz.h"
 #include "platform/qtcore/QtPreferences.h"
 #include "platform/virtual/VirtualStores.h"
 
