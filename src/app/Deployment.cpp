@@ -16,11 +16,6 @@ std::string hostOf(std::string_view rest) {
     return text::lower(authority.substr(0, end));
 }
 
-bool isLoopback(std::string_view host) {
-    const bool isDotted = host.find_first_not_of("0123456789.") == std::string_view::npos;
-    return host == "localhost" || host == "[::1]" || (isDotted && host.starts_with("127."));
-}
-
 }  // namespace
 
 std::expected<std::string, std::string> configServer(std::optional<std::string_view> fromEnvironment) {
@@ -38,7 +33,7 @@ std::expected<std::string, std::string> configServer(std::optional<std::string_v
         return refuse("must not end with a slash");
     }
     const bool isSecure = text::lower(address.substr(0, 8)) == "https://";
-    if (!isSecure && !isLoopback(hostOf(address.substr(address.find("//") + 2)))) {
+    if (!isSecure && !text::isLoopbackHost(hostOf(address.substr(address.find("//") + 2)))) {
         return refuse("must be https; plain http is for loopback addresses only");
     }
     return std::string(address);

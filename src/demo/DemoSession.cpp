@@ -1,6 +1,7 @@
 #include "demo/DemoSession.h"
 
 #include "config/Coin.h"
+#include "platform/posix/Descriptor.h"
 #include "platform/posix/PosixFiles.h"
 
 #include <fcntl.h>
@@ -29,30 +30,9 @@ namespace glintar::demo {
 
 namespace {
 
+using platform::Descriptor;
 using Clock = std::chrono::steady_clock;
 using Outcome = std::expected<void, std::string>;
-
-constexpr std::string_view kReady = "listening on ";
-
-/// An open file that is closed with its owner and never passed on to a program we start.
-class Descriptor {
-public:
-    explicit Descriptor(int number = -1) : number_(number) {}
-    Descriptor(Descriptor&& other) noexcept : number_(std::exchange(other.number_, -1)) {}
-    Descriptor& operator=(Descriptor&& other) noexcept {
-        std::swap(number_, other.number_);
-        return *this;
-    }
-    ~Descriptor() {
-        if (number_ >= 0) {
-            close(number_);
-        }
-    }
-    [[nodiscard]] int number() const { return number_; }
-
-private:
-    int number_;
-};
 
 struct Pipe {
     Descriptor out;
@@ -144,9 +124,10 @@ std::expected<std::filesystem::path, std::string> makeFolder() {
     if (error) {
         base = "/tmp";
     }
-    std::string pattern = std::filesystem::absolute(base, error) / "glintar-demo-XXXXXX";
+    std::string pattern = std::filesystem::absolute(base, error) / (std::string(kDemoDirectoryPrefix) + "XXXXXX");
     if (mkdtemp(pattern.data()) == nullptr) {
-        return std::unexpected(fmt::format("{}: {}", pattern, std::strerror(errno)));
+        return std::unexpected(
+            fmt::format("a folder for the demonstration cannot be made: {}: {}", pattern, std::strerror(errno)));
     }
     return pattern;
 }
@@ -209,7 +190,12 @@ Outcome DemoSession::Parts::launch(const std::filesystem::path& program) {
     posix_spawn_file_actions_init(&actions);
     posix_spawn_file_actions_adddup2(&actions, input->out.number(), STDIN_FILENO);
     posix_spawn_file_actions_adddup2(&actions, answers->in.number(), STDOUT_FILENO);
-    const int failure = posix_spawn(&market, program.c_str(), &actions, nullptr, arguments.data(), environ);
+    // In a process group of its own, or an interrupt from the terminal would end it before us.
+    posix_spawnattr_t attributes;
+    posix_spawnattr_init(&attributes);
+    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETPGROUP);
+    const int failure = posix_spawn(&market, program.c_str(), &actions, &attributes, arguments.data(), environ);
+    posix_spawnattr_destroy(&attributes);
     posix_spawn_file_actions_destroy(&actions);
     if (failure != 0) {
         market = -1;
@@ -225,10 +211,10 @@ Outcome DemoSession::Parts::awaitAddress(Clock::time_point until) {
     if (!line) {
         return std::unexpected(line.error());
     }
-    if (!line->starts_with(kReady)) {
+    if (!line->starts_with(kMarketReady)) {
         return std::unexpected(fmt::format("the market says \"{}\"", *line));
     }
-    address = line->substr(kReady.size());
+    address = line->substr(kMarketReady.size());
     return {};
 }
 

@@ -5,8 +5,13 @@
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <string_view>
 
 namespace glintar::demo {
+
+/// How the market says that it can be asked, before its address; and how the folders begin that it may remove.
+inline constexpr std::string_view kMarketReady = "listening on ";
+inline constexpr std::string_view kDemoDirectoryPrefix = "glintar-demo-";
 
 /// A simulated market and a throw-away profile that asks it, so that the program can be seen without a network and
 /// without touching the user's own settings.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "demo/DemoSession.h"
 #include "demo/MarketServer.h"
 
 #include <expected>
@@ -29,6 +30,5 @@ extern const std::string_view kMarketUsage;
 
 /// Only a directory that was made for a demonstration may be removed whole.
 [[nodiscard]] bool isDemoDirectory(const std::filesystem::path& path);
-inline constexpr std::string_view kDemoDirectoryPrefix = "glintar-demo-";
 
 }  // namespace glintar::demo

@@ -1,6 +1,7 @@
 #include "demo/MarketDocument.h"
 #include "demo/MarketOptions.h"
 #include "demo/MarketServer.h"
+#include "platform/posix/Descriptor.h"
 #include "platform/posix/PosixFiles.h"
 
 #include <fmt/format.h>
@@ -12,7 +13,6 @@
 #include <array>
 #include <cerrno>
 #include <csignal>
-#include <cstdio>
 #include <system_error>
 
 using namespace glintar;
@@ -51,12 +51,12 @@ void waitForEnd(int signals, int input) {
 int run(const demo::MarketOptions& options, int signals) {
     const auto server = demo::MarketServer::start(options.server);
     if (!server) {
-        fmt::print(stderr, "glintar-demo-market: {}\n", server.error());
+        platform::complain(fmt::format("glintar-demo-market: {}\n", server.error()));
         return 1;
     }
     for (const std::string& fault : options.faults) {
         if (const auto set = (*server)->faults().setFrom(fault); !set) {
-            fmt::print(stderr, "glintar-demo-market: {}\n", set.error());
+            platform::complain(fmt::format("glintar-demo-market: {}\n", set.error()));
             return 2;
         }
     }
@@ -64,12 +64,15 @@ int run(const demo::MarketOptions& options, int signals) {
         const auto written =
             platform::PosixFiles().replace(options.configFile, demo::marketDocument((*server)->address()));
         if (!written) {
-            fmt::print(stderr, "glintar-demo-market: {}: {}\n", options.configFile.string(), written.error());
+            platform::complain(
+                fmt::format("glintar-demo-market: {}: {}\n", options.configFile.string(), written.error()));
             return 1;
         }
     }
-    fmt::print("listening on {}\n", (*server)->address());
-    std::fflush(stdout);
+    const auto ready = fmt::format("{}{}\n", demo::kMarketReady, (*server)->address());
+    if (platform::writeAll(STDOUT_FILENO, ready) != 0) {
+        return 1;
+    }
     waitForEnd(signals, options.isWithParent ? STDIN_FILENO : -1);
     if (demo::isDemoDirectory(options.removeAtEnd)) {
         std::error_code ignored;
@@ -81,10 +84,14 @@ int run(const demo::MarketOptions& options, int signals) {
 }  // namespace
 
 int main(int argc, char** argv) {
+    platform::reserveStandardStreams();
     const auto options = demo::parseMarketOptions({argv, static_cast<std::size_t>(argc)});
     if (!options || options->isHelp) {
-        fmt::print(options ? stdout : stderr, "{}{}", options ? "" : options.error() + "\n", demo::kMarketUsage);
-        return options ? 0 : 2;
+        if (options) {
+            return platform::writeAll(STDOUT_FILENO, demo::kMarketUsage) == 0 ? 0 : 1;
+        }
+        platform::complain(fmt::format("{}\n{}", options.error(), demo::kMarketUsage));
+        return 2;
     }
     const int signals = catchEndSignals();
     if (options->isWithParent) {

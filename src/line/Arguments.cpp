@@ -1,5 +1,7 @@
 #include "line/Arguments.h"
 
+#include "text/Unicode.h"
+
 #include <fmt/format.h>
 
 namespace glintar::line {
@@ -13,7 +15,7 @@ std::expected<Format, std::string> formatNamed(std::string_view name) {
     if (name == "json") {
         return Format::Json;
     }
-    return std::unexpected(fmt::format("no format is called \"{}\"; there are text and json", name));
+    return std::unexpected(fmt::format("there is no format \"{}\"; there are text and json", text::oneLine(name)));
 }
 
 }  // namespace
@@ -32,14 +34,15 @@ std::string_view usage() {
            "  --help           this text\n"
            "  --version        the version\n"
            "\n"
+           "What the program has to say about its work goes to standard error (2>/dev/null silences it).\n"
            "GLINTAR_CONFIG_SERVER  another configuration server; https, or http for loopback\n";
 }
 
 std::expected<Arguments, std::string> parseArguments(std::span<const char* const> arguments) {
     Arguments parsed;
+    std::string_view onlyForLine;
     for (std::size_t i = 0; i < arguments.size(); ++i) {
         const std::string_view argument = arguments[i];
-        const bool isLine = parsed.command == Arguments::Command::Line;
         if (argument == "--help" || argument == "-h") {
             return Arguments{.command = Arguments::Command::Help};
         }
@@ -48,13 +51,14 @@ std::expected<Arguments, std::string> parseArguments(std::span<const char* const
         }
         if (argument == "--demo") {
             parsed.demo = true;
-        } else if (argument == "line" && !isLine) {
+        } else if (argument == "line" && parsed.command != Arguments::Command::Line) {
             parsed.command = Arguments::Command::Line;
-        } else if (argument == "--once" && isLine) {
+        } else if (argument == "--once") {
             parsed.once = true;
-        } else if (argument.starts_with("--format") && isLine) {
-            const bool isJoined = argument.starts_with("--format=");
-            if (!isJoined && (argument != "--format" || ++i == arguments.size())) {
+            onlyForLine = "--once";
+        } else if (argument == "--format" || argument.starts_with("--format=")) {
+            const bool isJoined = argument != "--format";
+            if (!isJoined && ++i == arguments.size()) {
                 return std::unexpected("--format wants a format: text or json");
             }
             const auto format = formatNamed(isJoined ? argument.substr(argument.find('=') + 1) : arguments[i]);
@@ -62,9 +66,14 @@ std::expected<Arguments, std::string> parseArguments(std::span<const char* const
                 return std::unexpected(format.error());
             }
             parsed.format = *format;
+            onlyForLine = "--format";
         } else {
-            return std::unexpected(fmt::format("what is \"{}\"?", argument));
+            const auto kind = argument.starts_with('-') ? "option" : "command";
+            return std::unexpected(fmt::format("there is no {} \"{}\"", kind, text::oneLine(argument)));
         }
+    }
+    if (!onlyForLine.empty() && parsed.command != Arguments::Command::Line) {
+        return std::unexpected(fmt::format("{0} belongs to \"line\": glintar line {0}", onlyForLine));
     }
     return parsed;
 }

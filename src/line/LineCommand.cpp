@@ -2,6 +2,7 @@
 
 #include "config/APIConfigUpdater.h"
 #include "config/CoinListUpdater.h"
+#include "platform/Console.h"
 #include "platform/Platform.h"
 #include "platform/TextOutput.h"
 
@@ -11,6 +12,7 @@ namespace {
 
 constexpr int kDone = 0;
 constexpr int kNoQuotes = 1;
+constexpr int kFailed = 1;
 
 TextStatusBar::Options barOptions(const Arguments& arguments, const platform::TextOutput& output) {
     return {.format = arguments.format,
@@ -25,9 +27,16 @@ LineCommand::LineCommand(platform::Platform& platform, platform::TextOutput& out
     : platform_(platform),
       once_(arguments.once),
       finish_(std::move(finish)),
-      statusBar_(platform, output, barOptions(arguments, output)),
+      statusBar_(output, barOptions(arguments, output)),
       controller_(platform, statusBar_, {.displayMode = 0}) {
-    output.onClosed = [this] { interrupt(); };
+    output.onClosed = [this](const std::string& failure) {
+        if (failure.empty()) {
+            interrupt();
+        } else {
+            platform_.console.print("⚠️ [Line] " + failure);
+            finish_(kFailed);
+        }
+    };
     if (arguments.once || arguments.demo) {
         // A single refresh is over before a new document could serve it, and the market that is simulated must not be
         // exchanged for the real one.
@@ -40,18 +49,12 @@ LineCommand::LineCommand(platform::Platform& platform, platform::TextOutput& out
 }
 
 void LineCommand::start() {
-    if (!once_) {
+    if (once_) {
+        controller_.refreshOnce();
+    } else {
         controller_.start();
         config::CoinListUpdater::shared(platform_).checkForNewVersion();
-        return;
     }
-    if (config::loadSavedCoins(platform_).empty()) {
-        statusBar_.showLine(menubar::composeStatusLine(platform_.preferences, {}, {}, std::nullopt, std::nullopt),
-                            std::nullopt);
-        statusBar_.refreshCompleted();
-        return;
-    }
-    controller_.refreshOnce();
 }
 
 void LineCommand::interrupt() {

@@ -23,8 +23,8 @@ std::string coinText(const menubar::CoinPart& part) {
     if (part.highLow) {
         text += ' ' + part.highLow->high + '/' + part.highLow->low;
     }
-    if (part.showsSparkline && part.quote.sparkline->size() >= 2) {
-        text += ' ' + sparklineText(*part.quote.sparkline);
+    if (const auto sparkline = part.showsSparkline ? sparklineText(*part.quote.sparkline) : ""; !sparkline.empty()) {
+        text += ' ' + sparkline;
     }
     return text;
 }
@@ -118,7 +118,7 @@ std::string plainText(const menubar::StatusLine& line) {
         parts.push_back(gasText(*line.gas));
     }
     if (line.error && !line.emptyText) {
-        parts.push_back(menubar::emptyLineText(line.error));
+        parts.push_back(menubar::errorText(*line.error));
     }
     std::string text;
     for (const auto& part : parts) {
@@ -127,11 +127,10 @@ std::string plainText(const menubar::StatusLine& line) {
     return text;
 }
 
-std::string jsonText(const menubar::StatusLine& line, std::string_view plain, std::string_view tooltip,
-                     std::string_view time) {
+std::string jsonText(const menubar::StatusLine& line, std::string_view plain, std::string_view tooltip) {
     json::Writer writer;
     writer.beginObject();
-    writer.key("time").string(time);
+    writer.key("time").string(line.time);
     writer.key("source").string(line.sourceId);
     writeText(writer, "error", line.error);
     writer.key("tooltip").string(tooltip);

@@ -17,8 +17,7 @@ namespace glintar::line {
 /// characters in them do not get through. An error stands at the end, after quotes of an earlier refresh.
 [[nodiscard]] std::string plainText(const menubar::StatusLine& line);
 
-/// One JSON object for a text bar or script; `time` as "HH:mm:ss". Numbers read back to the same doubles.
-[[nodiscard]] std::string jsonText(const menubar::StatusLine& line, std::string_view plain, std::string_view tooltip,
-                                   std::string_view time);
+/// One JSON object for a text bar or script. Numbers read back to the same doubles.
+[[nodiscard]] std::string jsonText(const menubar::StatusLine& line, std::string_view plain, std::string_view tooltip);
 
 }  // namespace glintar::line

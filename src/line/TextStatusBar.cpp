@@ -1,9 +1,6 @@
 #include "line/TextStatusBar.h"
 
 #include "line/LineFormat.h"
-#include "platform/Machine.h"
-#include "platform/Platform.h"
-#include "platform/RunLoop.h"
 #include "platform/TextOutput.h"
 
 #include <fmt/format.h>
@@ -13,8 +10,8 @@
 
 namespace glintar::line {
 
-TextStatusBar::TextStatusBar(platform::Platform& platform, platform::TextOutput& output, Options options)
-    : platform_(platform), output_(output), options_(std::move(options)), text_(options_.prefix + "Loading...") {
+TextStatusBar::TextStatusBar(platform::TextOutput& output, Options options)
+    : output_(output), options_(std::move(options)), text_(options_.prefix + "Loading...") {
     if (options_.isLive) {
         redraw();
     }
@@ -33,8 +30,7 @@ void TextStatusBar::showLine(const menubar::StatusLine& line, std::optional<std:
 
 void TextStatusBar::refreshCompleted() {
     if (!options_.isLive) {
-        const auto time = platform_.localTime.clockText(platform_.runLoop.wallNow());
-        output_.printLine(options_.format == Format::Json ? jsonText(line_, text_, tooltip_, time) : text_);
+        output_.printLine(options_.format == Format::Json ? jsonText(line_, text_, tooltip_) : text_);
     }
     if (onRefreshed) {
         onRefreshed(!line_.coins.empty());

@@ -8,7 +8,6 @@
 #include <string>
 
 namespace glintar::platform {
-struct Platform;
 class TextOutput;
 }  // namespace glintar::platform
 
@@ -24,7 +23,7 @@ public:
         std::string prefix;   ///< before every line of text
     };
 
-    TextStatusBar(platform::Platform& platform, platform::TextOutput& output, Options options);
+    TextStatusBar(platform::TextOutput& output, Options options);
 
     /// Runs after the line of a refresh has been written; `hasQuotes` says whether it holds a coin.
     std::function<void(bool hasQuotes)> onRefreshed;
@@ -42,12 +41,11 @@ public:
 private:
     void redraw();
 
-    platform::Platform& platform_;
     platform::TextOutput& output_;
     Options options_;
     menubar::StatusLine line_;
     std::string text_;
-    std::string tooltip_;
+    std::string tooltip_ = "Waiting for data...";
     std::string countdown_;
 };
 

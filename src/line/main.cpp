@@ -5,6 +5,7 @@
 #include "line/Arguments.h"
 #include "line/LineCommand.h"
 #include "menubar/SettingsWatch.h"
+#include "platform/posix/Descriptor.h"
 #include "platform/posix/InstalledBundle.h"
 #include "platform/terminal/TerminalPlatform.h"
 
@@ -12,7 +13,6 @@
 #include <malloc.h>
 #include <unistd.h>
 
-#include <cstdio>
 #include <cstdlib>
 #include <optional>
 #include <span>
@@ -28,6 +28,11 @@ constexpr int kWrongUsage = 2;
 std::optional<std::string_view> environment(const char* name) {
     const char* value = std::getenv(name);
     return value && *value ? std::optional<std::string_view>(value) : std::nullopt;
+}
+
+/// Writes to standard output; the exit status.
+int say(std::string_view text) {
+    return platform::writeAll(STDOUT_FILENO, text) == 0 ? 0 : kFailed;
 }
 
 /// Becomes the desktop program where that makes sense; returns why it does not.
@@ -46,15 +51,17 @@ std::optional<demo::DemoSession> startDemo() {
     const auto market = platform::InstalledBundle::program("glintar-demo-market");
     auto session = demo::DemoSession::start(market.value_or("glintar-demo-market"));
     if (!session) {
-        fmt::print(stderr, "glintar: {}\n", session.error());
+        platform::complain(fmt::format("glintar: {}\n", session.error()));
         return std::nullopt;
     }
     for (const auto& [name, path] :
          {std::pair{"XDG_CONFIG_HOME", session->configHome()}, std::pair{"XDG_DATA_HOME", session->dataHome()},
-          std::pair{"XDG_CACHE_HOME", session->cacheHome()}}) {
+          std::pair{"XDG_CACHE_HOME", session->cacheHome()}, std::pair{"XDG_RUNTIME_DIR", session->cacheHome()}}) {
         ::setenv(name, path.c_str(), 1);
     }
-    fmt::print(stderr, "glintar: simulated market on {}; none of these prices is real\n", session->address());
+    ::unsetenv("DBUS_SESSION_BUS_ADDRESS");  // the user's own keys are none of the market's business
+    platform::complain(
+        fmt::format("glintar: simulated market on {}; none of these prices is real\n", session->address()));
     return *std::move(session);
 }
 
@@ -77,27 +84,26 @@ int runLine(int argc, char** argv, const Arguments& arguments, std::string confi
 }  // namespace
 
 int main(int argc, char** argv) {
+    platform::reserveStandardStreams();
     const std::span<const char* const> words(argv, static_cast<std::size_t>(argc));
     const auto arguments = line::parseArguments(words.subspan(std::min<std::size_t>(1, words.size())));
     if (!arguments) {
-        fmt::print(stderr, "glintar: {}\n{}", arguments.error(), line::usage());
+        platform::complain(fmt::format("glintar: {}\nTry \"glintar --help\".\n", arguments.error()));
         return kWrongUsage;
     }
     if (arguments->command == Arguments::Command::Help) {
-        fmt::print("{}", line::usage());
-        return 0;
+        return say(line::usage());
     }
     if (arguments->command == Arguments::Command::Version) {
-        fmt::print("glintar {}\n", platform::InstalledBundle({}).version());
-        return 0;
+        return say(fmt::format("glintar {}\n", platform::InstalledBundle({}).version()));
     }
     auto configServer = app::configServer(environment("GLINTAR_CONFIG_SERVER"));
     if (!configServer) {
-        fmt::print(stderr, "glintar: {}\n", configServer.error());
+        platform::complain(fmt::format("glintar: {}\n", configServer.error()));
         return kWrongUsage;
     }
     if (arguments->command == Arguments::Command::Desktop) {
-        fmt::print(stderr, "glintar: {}; showing the prices here (glintar line)\n", becomeDesktop(argv));
+        platform::complain(fmt::format("glintar: {}; showing the prices here (glintar line)\n", becomeDesktop(argv)));
     }
     // Answers are parsed on one thread; a heap for each would only hold on to memory.
     ::mallopt(M_ARENA_MAX, 1);

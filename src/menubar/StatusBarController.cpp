@@ -33,14 +33,6 @@ platform::Duration asDuration(platform::Seconds seconds) {
 
 }  // namespace
 
-RefreshState& RefreshState::shared(platform::Platform& platform) {
-    return platform.registry.shared<RefreshState>([&] {
-        auto state = std::make_shared<RefreshState>();
-        state->nextFetchTime = platform.runLoop.now();
-        return state;
-    });
-}
-
 StatusBarController::StatusBarController(platform::Platform& platform, StatusSurface& surface, Options options)
     : platform_(platform),
       surface_(surface),
@@ -63,7 +55,12 @@ void StatusBarController::start() {
 }
 
 void StatusBarController::refreshOnce() {
-    performFetch(Scope::Everything);
+    if (config::loadSavedCoins(platform_).empty()) {
+        renderStatusItem({}, {}, std::nullopt);
+        surface_.refreshCompleted();
+    } else {
+        performFetch(Scope::Everything);
+    }
 }
 
 void StatusBarController::onSettingsChanged() {
@@ -74,10 +71,10 @@ void StatusBarController::onSettingsChanged() {
 void StatusBarController::restartTimers() {
     timer_.reset();
     progressTimer_.reset();
-    currentInterval_ = calculateRefreshInterval();
-    state_.currentInterval = currentInterval_;
-    state_.nextFetchTime = platform_.runLoop.now() + asDuration(currentInterval_);
-    timer_ = platform_.runLoop.every(asDuration(currentInterval_), [this] { onTimer(); });
+    state_.currentInterval = calculateRefreshInterval();
+    const auto interval = asDuration(state_.currentInterval);
+    state_.nextFetchTime = platform_.runLoop.now() + interval;
+    timer_ = platform_.runLoop.every(interval, [this] { onTimer(); });
     if (surface_.showsProgress()) {
         progressTimer_ = platform_.runLoop.every(kProgressInterval, [this] { onProgress(); });
     }
@@ -85,7 +82,7 @@ void StatusBarController::restartTimers() {
 
 void StatusBarController::onTimer() {
     fetchAndDisplayPrice(Urgency::Timer, Scope::Everything);
-    state_.nextFetchTime = platform_.runLoop.now() + asDuration(currentInterval_);
+    state_.nextFetchTime = platform_.runLoop.now() + asDuration(state_.currentInterval);
     checkVisibilityAfter(1s);
 }
 

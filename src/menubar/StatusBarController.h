@@ -47,7 +47,7 @@ public:
     /// Starts the timers; the first refresh comes a second later.
     void start();
 
-    /// One refresh now, without timers.
+    /// One refresh now, without timers. Completes at once, with nothing, when there is no coin to ask for.
     void refreshOnce();
 
     /// Schedules a fetch. Unforced ones within two seconds of the last are dropped; a burst becomes one.
@@ -58,8 +58,6 @@ public:
     /// Coins, source or API key may have changed.
     void onSettingsChanged();
     void onDisplaySettingsChanged();
-
-    [[nodiscard]] bool hasQuotes() const { return cachedMarketData_.has_value(); }
 
 private:
     struct FetchResult;
@@ -88,7 +86,6 @@ private:
     int currentDisplayMode_ = 0;
     bool isFetching_ = false;
     std::optional<platform::Instant> lastRequestTime_;
-    platform::Seconds currentInterval_{60.0};
     std::int64_t lastGasSource_ = 0;
     bool lastShowGasFee_ = false;
 

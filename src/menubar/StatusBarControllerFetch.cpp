@@ -15,7 +15,6 @@
 #include <fmt/ranges.h>
 
 #include <array>
-#include <mutex>
 
 namespace glintar::menubar {
 
@@ -27,9 +26,11 @@ struct StatusBarController::FetchResult {
     std::vector<config::Coin> coins;  ///< as saved, without the phantom
     market::MarketDataMap quotes;
     std::optional<std::string> error;
-    std::int64_t gasSource = 0;
-    bool hasAskedFee = false;
-    std::optional<double> gasPrice;
+    struct Fee {
+        std::int64_t gasSource = 0;  ///< whose it is
+        std::optional<double> price;
+    };
+    std::optional<Fee> fee;  ///< when one was asked for
 };
 
 void StatusBarController::performFetch(Scope scope) {
@@ -47,12 +48,11 @@ void StatusBarController::performFetch(Scope scope) {
     auto& service = market::CryptoService::shared(platform_);
     auto fetched = result->coins;
     if (platform_.preferences.boolean(config::kShowGasFee)) {
-        result->gasSource = platform_.preferences.integer(config::kGasSource);
-        result->hasAskedFee = true;
+        result->fee.emplace(platform_.preferences.integer(config::kGasSource));
         addPhantomCoin(fetched);
         group.enter();
         service.fetchGasPrice([result, group](std::optional<double> fee) mutable {
-            result->gasPrice = fee;
+            result->fee->price = fee;
             group.leave();
         });
     } else {
@@ -109,9 +109,13 @@ bool StatusBarController::isAnsweredByCache(const std::vector<config::Coin>& coi
 
 void StatusBarController::handleFetchCompletion(FetchResult& result) {
     isFetching_ = false;
-    // A fee of the network that has been deselected meanwhile would be shown in the wrong unit.
-    if (result.hasAskedFee && result.gasSource == platform_.preferences.integer(config::kGasSource)) {
-        currentGasPrice_ = result.gasPrice;
+    if (result.fee) {
+        // The fee of a network that has been deselected meanwhile would be shown in the wrong unit.
+        const bool isWanted = result.fee->gasSource == platform_.preferences.integer(config::kGasSource);
+        currentGasPrice_ = isWanted ? result.fee->price : std::nullopt;
+        if (!isWanted) {
+            fetchAndDisplayPrice(Urgency::Forced, Scope::OnlyGas);
+        }
     }
     if (!result.quotes.empty()) {
         cachedMarketData_ = std::move(result.quotes);
@@ -134,11 +138,11 @@ void StatusBarController::renderStatusItem(const std::vector<config::Coin>& coin
         isApiKeyInvalid_ = true;
         restartTimers();
     }
-    const auto line = composeStatusLine(platform_.preferences, coins, quotes, currentGasPrice_, std::move(error));
+    auto line = composeStatusLine(platform_.preferences, coins, quotes, currentGasPrice_, std::move(error));
+    line.time = platform_.localTime.clockText(platform_.runLoop.wallNow());
     std::optional<std::string> tooltip;
     if (!line.isEmpty()) {
-        const auto time = platform_.localTime.clockText(platform_.runLoop.wallNow());
-        tooltip = tooltipText(line.error, !quotes.empty(), isApiKeyInvalid_, time);
+        tooltip = tooltipText(line.error, !quotes.empty(), isApiKeyInvalid_, line.time);
     }
     surface_.showLine(line, std::move(tooltip));
 }

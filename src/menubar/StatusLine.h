@@ -43,6 +43,7 @@ struct StatusLine {
     std::vector<CoinPart> coins;
     std::optional<std::string> emptyText;  ///< in place of coins when there is no quote at all
     std::optional<GasPart> gas;
+    std::string time;                  ///< when it was composed, as the user reads it: "HH:mm:ss"
     std::optional<std::string> error;  ///< of the refresh that led here; older quotes may be shown beside it
 
     [[nodiscard]] bool isEmpty() const { return coins.empty() && !emptyText && !gas; }

@@ -79,8 +79,12 @@ std::string shortErrorLabel(std::string_view error) {
     return "Error";
 }
 
+std::string errorText(std::string_view error) {
+    return "⚠️ " + shortErrorLabel(error);
+}
+
 std::string emptyLineText(const std::optional<std::string>& error) {
-    return error ? "⚠️ " + shortErrorLabel(*error) : "No Price Data";
+    return error ? errorText(*error) : "No Price Data";
 }
 
 std::string tooltipText(const std::optional<std::string>& error, bool hasQuotes, bool isApiKeyInvalid,

@@ -42,6 +42,9 @@ struct HighLowText {
 /// A few words for an engine's error text, such as "Limit 429" or "Net Error".
 [[nodiscard]] std::string shortErrorLabel(std::string_view error);
 
+/// "⚠️ " and the short label.
+[[nodiscard]] std::string errorText(std::string_view error);
+
 /// What stands in place of the coins when there is no quote at all.
 [[nodiscard]] std::string emptyLineText(const std::optional<std::string>& error);
 

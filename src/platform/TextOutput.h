@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <string>
 #include <string_view>
 
 namespace glintar::platform {
@@ -18,8 +19,9 @@ public:
     /// On a terminal: puts the text in place of the one that was put there last; what does not fit is cut off.
     virtual void redrawLine(std::string_view text) = 0;
 
-    /// Runs once, on the main thread, when nobody can read the output any more.
-    std::function<void()> onClosed;
+    /// Runs once, on the main thread, when nothing can be written any more: because nobody reads it, or for another
+    /// reason, which then stands in `failure`.
+    std::function<void(const std::string& failure)> onClosed;
 };
 
 }  // namespace glintar::platform

@@ -75,4 +75,9 @@ std::optional<std::string> webAddress(std::string_view text) {
     return result;
 }
 
+bool isLoopbackHost(std::string_view host) {
+    const bool isDotted = host.find_first_not_of("0123456789.") == std::string_view::npos;
+    return host == "localhost" || host == "[::1]" || (isDotted && host.starts_with("127."));
+}
+
 }  // namespace glintar::text

@@ -14,4 +14,7 @@ namespace glintar::text {
 /// finished escapes stay. None unless the scheme is http or https (in any case) and there is a host.
 [[nodiscard]] std::optional<std::string> webAddress(std::string_view text);
 
+/// Whether a host (in lower case, an IPv6 address in its brackets) is this machine: "localhost", 127.0.0.0/8 or [::1].
+[[nodiscard]] bool isLoopbackHost(std::string_view host);
+
 }  // namespace glintar::text

@@ -4,6 +4,7 @@
 #include <poll.h>
 #include <pty.h>
 #include <signal.h>
+#include <sys/ioctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -49,8 +50,19 @@ Program::Program(std::vector<std::string> command, const Environment& environmen
         return;
     }
     ::fcntl(lines[0], F_SETFD, FD_CLOEXEC);
+    if (output == Output::FullPipe) {
+        const std::string block(4096, '-');
+        ::fcntl(lines[1], F_SETFL, O_NONBLOCK);
+        while (::write(lines[1], block.data(), block.size()) > 0) {
+        }
+        ::fcntl(lines[1], F_SETFL, 0);
+    }
     child_ = ::fork();
     if (child_ == 0) {
+        if (output == Output::Terminal) {
+            ::setsid();
+            ::ioctl(lines[1], TIOCSCTTY, 0);
+        }
         ::dup2(lines[1], STDOUT_FILENO);
         ::dup2(errors[1], STDERR_FILENO);
         ::close(lines[1] > STDERR_FILENO ? lines[1] : errors[1]);
@@ -98,6 +110,10 @@ std::optional<int> Program::wait() {
 
 void Program::signal(int number) {
     ::kill(child_, number);
+}
+
+void Program::type(const std::string& keys) const {
+    [[maybe_unused]] const auto written = ::write(outputFd_, keys.data(), keys.size());
 }
 
 void Program::closeOutput() {

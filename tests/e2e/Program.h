@@ -15,7 +15,11 @@ using Environment = std::map<std::string, std::optional<std::string>>;  ///< non
 /// The real program, started as a user would, with its output in pipes or on a terminal of its own.
 class Program {
 public:
-    enum class Output { Pipe, Terminal };
+    enum class Output {
+        Pipe,
+        FullPipe,  ///< one that nobody has read from for long
+        Terminal   ///< which the program is in the foreground of
+    };
 
     Program(std::vector<std::string> command, const Environment& environment, Output output = Output::Pipe);
     Program(const Program&) = delete;
@@ -29,7 +33,8 @@ public:
     [[nodiscard]] std::optional<int> wait();
 
     void signal(int number);
-    void closeOutput();  ///< as a reader that goes away
+    void type(const std::string& keys) const;  ///< on the terminal
+    void closeOutput();                        ///< as a reader that goes away
 
     [[nodiscard]] pid_t id() const { return child_; }
     [[nodiscard]] const std::string& output() const { return output_; }

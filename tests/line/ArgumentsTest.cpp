@@ -35,8 +35,9 @@ TEST_P(ArgumentsTest, MeanWhatTheySay) {
 INSTANTIATE_TEST_SUITE_P(
     CommandLines, ArgumentsTest,
     testing::Values(
-        ArgumentsCase{"Nothing", {}, "desktop"}, ArgumentsCase{"Demo", {"--demo"}, "desktop demo"},
-        ArgumentsCase{"Line", {"line"}, "line"}, ArgumentsCase{"DemoBeforeLine", {"--demo", "line"}, "line demo"},
+        ArgumentsCase{"Nothing", {}, "desktop"}, ArgumentsCase{"OptionsFirst", {"--once", "line"}, "line once"},
+        ArgumentsCase{"Demo", {"--demo"}, "desktop demo"}, ArgumentsCase{"Line", {"line"}, "line"},
+        ArgumentsCase{"DemoBeforeLine", {"--demo", "line"}, "line demo"},
         ArgumentsCase{"Everything", {"line", "--once", "--format", "json", "--demo"}, "line json once demo"},
         ArgumentsCase{"JoinedFormat", {"line", "--format=json"}, "line json"},
         ArgumentsCase{"LastFormatCounts", {"line", "--format=json", "--format", "text"}, "line"},

@@ -13,6 +13,7 @@ namespace {
 
 using namespace std::chrono_literals;
 using testing::ElementsAre;
+using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::SizeIs;
 
@@ -102,7 +103,16 @@ TEST_F(LineCommandTest, OnceWithoutACoinEndsAtOnce) {
     run({.once = true}, 0s);
     EXPECT_THAT(output.lines, ElementsAre("No Price Data"));
     EXPECT_THAT(finished, ElementsAre(1));
+    run({.format = Format::Json, .once = true}, 0s);
+    EXPECT_THAT(output.lines.at(1), HasSubstr(R"("tooltip":"⚠️ No Price Data @ 03:04:05","text":"No Price Data")"));
     EXPECT_THAT(machine.http.requests, IsEmpty());
+}
+
+TEST_F(LineCommandTest, QuotesOfOtherCoinsAloneMakeAnEmptyLine) {
+    machine.http.answer("gecko.test", test::geckoAnswer({"ethereum"}, 1));
+    run({.format = Format::Json, .once = true}, 1s);
+    EXPECT_THAT(output.lines.at(0), HasSubstr(R"("tooltip":"Waiting for data...","text":"","coins":[])"));
+    EXPECT_THAT(finished, ElementsAre(1));
 }
 
 TEST_F(LineCommandTest, AnInterruptBeforeTheOnlyRefreshIsAFailure) {
@@ -113,8 +123,15 @@ TEST_F(LineCommandTest, AnInterruptBeforeTheOnlyRefreshIsAFailure) {
 
 TEST_F(LineCommandTest, AReaderThatLeavesEndsIt) {
     run({}, 2s);
-    output.onClosed();
+    output.onClosed("");
     EXPECT_THAT(finished, ElementsAre(0));
+}
+
+TEST_F(LineCommandTest, AnOutputThatCannotBeWrittenIsAFailureWithAReason) {
+    run({}, 2s);
+    output.onClosed("No space left on device");
+    EXPECT_THAT(finished, ElementsAre(1));
+    EXPECT_TRUE(machine.console.printed("⚠️ [Line] No space left on device"));
 }
 
 TEST_F(LineCommandTest, ATerminalShowsTheLineInPlaceWithACountdown) {

@@ -120,14 +120,19 @@ TEST_F(RefreshCycleTest, AKeyHalvesTheIntervalForItsOwnSource) {
     keystore::KeychainHelper(machine.platform()).save("CG-123", "apiKey_coingecko");
     begin();
     EXPECT_EQ(RefreshState::shared(machine.platform()).currentInterval.count(), 30);
-    EXPECT_TRUE(machine.console.printed("   - 检查Key: apiKey_coingecko"));
-    EXPECT_TRUE(machine.console.printed("   - Key状态: ✅ 有效 (长度:6)"));
+    for (const auto* line :
+         {"⏱ [Timer] 计算刷新频率 (通用逻辑)...", "   - 当前源: coingecko", "   - 检查Key: apiKey_coingecko",
+          "   - Key状态: ✅ 有效 (长度:6)", "   👉 结论: 加速模式 -> 30.0秒"}) {
+        EXPECT_TRUE(machine.console.printed(line)) << line;
+    }
     machine.advance(300s);
     EXPECT_EQ(quotesAsked(), 11);
 
     machine.preferences.setString("selectedSourceID", "binance");
     machine.notifications.post(config::kCoinsUpdated);
     EXPECT_EQ(RefreshState::shared(machine.platform()).currentInterval.count(), 60);
+    EXPECT_TRUE(machine.console.printed("   - Key状态: ❌ 未设置"));
+    EXPECT_TRUE(machine.console.printed("   👉 结论: 默认模式 -> 60.0秒"));
     keystore::KeychainHelper(machine.platform()).save("\xff", "apiKey_binance");
     machine.notifications.post(config::kCoinsUpdated);
     EXPECT_EQ(RefreshState::shared(machine.platform()).currentInterval.count(), 60) << "no text is no key";
@@ -145,6 +150,7 @@ TEST_F(RefreshCycleTest, ARejectedKeySlowsDownUntilTheSettingsAreSaved) {
     machine.advance(120s + 300ms);
     EXPECT_EQ(quotesAsked(), asked + 2);
     EXPECT_EQ(machine.console.count("🚨 [API] 检测到 Key 失效 (401/403)，触发自动降级！"), 1);
+    EXPECT_TRUE(machine.console.printed("🚫 [Timer] API Key 已被标记为无效或错误，强制降级 -> 60.0秒"));
 
     machine.http.answer("gecko.test", test::geckoAnswer({"bitcoin"}, 65000));
     machine.notifications.post(config::kCoinsUpdated);
@@ -257,6 +263,9 @@ TEST_F(RefreshCycleTest, TheFeeStandsBesideTheCoinsWithItsCostInDollars) {
     begin();
     EXPECT_THAT(shownPrices(), SizeIs(1)) << "the coin that only prices the fee is not shown";
     EXPECT_EQ(surface.line.gas.value().text, "12G ($0.630)");
+    EXPECT_TRUE(machine.console.printed("⛽️ [Gas] Injecting phantom coin for pricing: ethereum"));
+    controller->forceFullUpdate();
+    EXPECT_FALSE(surface.line.gas) << "a full refresh begins without a fee";
     machine.http.answer("eth.test", "{}");
     machine.advance(60s);
     EXPECT_FALSE(surface.line.gas) << "a fee that could not be had is not shown";
@@ -305,8 +314,10 @@ TEST_F(RefreshCycleTest, AFeeOfANetworkDeselectedMeanwhileIsNotShown) {
     machine.advance(60s);  // a refresh is in flight
     machine.preferences.setInteger("gasSource", 1);
     machine.notifications.post(kDisplaySettingsChanged);
-    machine.advance(6s);
+    machine.advance(5s);
     EXPECT_FALSE(surface.line.gas);
+    machine.advance(6s);
+    EXPECT_EQ(surface.line.gas.value().text, "7 sat") << "the right one is asked for at once";
 }
 
 TEST_F(RefreshCycleTest, AnEmptyListAsksForNothingAndKeepsTheLine) {

@@ -128,6 +128,7 @@ std::optional<HttpError> CurlExchange::prepare(CURL* handle, CurlTrust& trust) {
     curl_easy_setopt(handle, CURLOPT_HEADERDATA, this);
     curl_easy_setopt(handle, CURLOPT_WRITEDATA, this);
     curl_easy_setopt(handle, CURLOPT_ERRORBUFFER, errorText_.data());
+    curl_easy_setopt(handle, CURLOPT_NOPROXY, address_.loopback ? "*" : nullptr);  // else as the environment says
     // Without TLS there is no HTTP/2 to wait for, and a slow first answer would hold up all others.
     curl_easy_setopt(handle, CURLOPT_PIPEWAIT, address_.secure ? 1L : 0L);
     if (address_.secure) {

@@ -1,6 +1,7 @@
 #include "platform/curl/WebAddress.h"
 
 #include "platform/curl/CurlHandles.h"
+#include "text/Address.h"
 
 #include <fmt/format.h>
 
@@ -30,7 +31,8 @@ std::expected<WebAddress, std::string> takeApart(CURLU* parsed) {
     });
     return WebAddress{.url = {},
                       .origin = fmt::format("{}://{}:{}", scheme, host, part(parsed, CURLUPART_PORT)),
-                      .secure = scheme == "https"};
+                      .secure = scheme == "https",
+                      .loopback = text::isLoopbackHost(host)};
 }
 
 }  // namespace

@@ -1,5 +1,7 @@
 #include "platform/posix/PosixFiles.h"
 
+#include "platform/posix/Descriptor.h"
+
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -17,33 +19,6 @@ std::string describe(int error) {
     return std::generic_category().message(error);
 }
 
-class Descriptor {
-public:
-    explicit Descriptor(int fd) : fd_(fd) {}
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-    ~Descriptor() {
-        if (fd_ >= 0) {
-            ::close(fd_);
-        }
-    }
-    [[nodiscard]] int get() const { return fd_; }
-
-private:
-    int fd_;
-};
-
-Files::Outcome writeAll(int fd, std::string_view bytes) {
-    while (!bytes.empty()) {
-        const ssize_t written = ::write(fd, bytes.data(), bytes.size());
-        if (written < 0 && errno != EINTR) {
-            return std::unexpected(describe(errno));
-        }
-        bytes.remove_prefix(static_cast<std::size_t>(std::max<ssize_t>(written, 0)));
-    }
-    return {};
-}
-
 }  // namespace
 
 bool PosixFiles::exists(const std::filesystem::path& path) const {
@@ -55,7 +30,7 @@ std::expected<std::string, std::string> PosixFiles::read(const std::filesystem::
     // Non-blocking, or opening a pipe of that name would wait for a writer.
     const Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     struct stat status{};
-    if (file.get() < 0 || ::fstat(file.get(), &status) != 0) {
+    if (file.number() < 0 || ::fstat(file.number(), &status) != 0) {
         return std::unexpected(describe(errno));
     }
     if (!S_ISREG(status.st_mode)) {
@@ -67,7 +42,7 @@ std::expected<std::string, std::string> PosixFiles::read(const std::filesystem::
     std::string bytes(static_cast<std::size_t>(status.st_size), '\0');
     std::size_t filled = 0;
     while (filled < bytes.size()) {
-        const ssize_t got = ::read(file.get(), bytes.data() + filled, bytes.size() - filled);
+        const ssize_t got = ::read(file.number(), bytes.data() + filled, bytes.size() - filled);
         if (got < 0 && errno != EINTR) {
             return std::unexpected(describe(errno));
         }
@@ -83,17 +58,18 @@ std::expected<std::string, std::string> PosixFiles::read(const std::filesystem::
 Files::Outcome PosixFiles::replace(const std::filesystem::path& path, std::string_view bytes) {
     std::string beside = path.string() + ".XXXXXX";
     const Descriptor file(::mkostemp(beside.data(), O_CLOEXEC));
-    if (file.get() < 0) {
+    if (file.number() < 0) {
         return std::unexpected(describe(errno));
     }
-    auto outcome = writeAll(file.get(), bytes);
-    if (outcome && (::fsync(file.get()) != 0 || ::rename(beside.c_str(), path.c_str()) != 0)) {
-        outcome = std::unexpected(describe(errno));
+    int error = writeAll(file.number(), bytes);
+    if (error == 0 && (::fsync(file.number()) != 0 || ::rename(beside.c_str(), path.c_str()) != 0)) {
+        error = errno;
     }
-    if (!outcome) {
+    if (error != 0) {
         ::unlink(beside.c_str());
+        return std::unexpected(describe(error));
     }
-    return outcome;
+    return {};
 }
 
 Files::Outcome PosixFiles::remove(const std::filesystem::path& path) {

@@ -110,6 +110,8 @@ void QtPreferences::finishWrite() {
 }
 
 void QtPreferences::watch() {
+    std::error_code ignored;
+    std::filesystem::create_directories(file_.parent_path(), ignored);  // a folder that is not there cannot be watched
     watcher_ = std::make_unique<QFileSystemWatcher>();
     settled_ = std::make_unique<QTimer>();
     settled_->setSingleShot(true);

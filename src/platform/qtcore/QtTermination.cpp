@@ -50,4 +50,8 @@ QtTermination::~QtTermination() {
     ::close(wakeFd.exchange(-1));
 }
 
+int QtTermination::descriptor() const {
+    return wakeFd;
+}
+
 }  // namespace glintar::platform

@@ -14,6 +14,9 @@ public:
     explicit QtTermination(std::function<void()> onTerminate);
     ~QtTermination();
 
+    /// Can be read from a signal on until the call has been made: for those who wait outside the loop.
+    [[nodiscard]] int descriptor() const;
+
 private:
     std::function<void()> onTerminate_;
     std::unique_ptr<QSocketNotifier> notifier_;

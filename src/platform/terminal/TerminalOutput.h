@@ -19,7 +19,8 @@ public:
     void redrawLine(std::string_view text) override;
 
 private:
-    void closed();
+    void judge(int error);
+    void closed(const std::string& failure);
 
     TerminalScreen& screen_;
     std::optional<QSocketNotifier> readerGone_;

@@ -47,7 +47,7 @@ private:
     QCoreApplication application_;
     std::optional<int> exitStatus_;
     QtTermination termination_;
-    TerminalScreen screen_;
+    TerminalScreen screen_{termination_.descriptor()};
     TerminalConsole console_{screen_};
     TerminalOutput output_{screen_};
     QtRunLoop runLoop_;

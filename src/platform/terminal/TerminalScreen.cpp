@@ -1,9 +1,11 @@
 #include "platform/terminal/TerminalScreen.h"
 
+#include "platform/posix/Descriptor.h"
+
 #include <unistd.h>
 
 #include <algorithm>
-#include <cerrno>
+#include <cstdlib>
 
 namespace glintar::platform {
 
@@ -14,15 +16,9 @@ constexpr std::string_view kClearLine = "\r\x1b[2K";
 constexpr std::string_view kWrapOff = "\x1b[?7l";
 constexpr std::string_view kWrapOn = "\x1b[?7h";
 
-bool writeAll(int fd, std::string_view bytes) {
-    while (!bytes.empty()) {
-        const ssize_t written = ::write(fd, bytes.data(), bytes.size());
-        if (written < 0 && errno != EINTR) {
-            return false;
-        }
-        bytes.remove_prefix(static_cast<std::size_t>(std::max<ssize_t>(written, 0)));
-    }
-    return true;
+bool canRedraw() {
+    const char* kind = std::getenv("TERM");
+    return ::isatty(STDOUT_FILENO) == 1 && kind && *kind && std::string_view(kind) != "dumb";
 }
 
 std::string withoutControls(std::string_view text) {
@@ -41,41 +37,38 @@ std::string withoutControls(std::string_view text) {
 
 }  // namespace
 
-TerminalScreen::TerminalScreen()
-    : isTerminal_(::isatty(STDOUT_FILENO) == 1), sharesTerminal_(isTerminal_ && ::isatty(STDERR_FILENO) == 1) {}
+TerminalScreen::TerminalScreen(int stop)
+    : stop_(stop), isTerminal_(canRedraw()), sharesTerminal_(isTerminal_ && ::isatty(STDERR_FILENO) == 1) {}
 
 TerminalScreen::~TerminalScreen() {
     if (!liveLine_.empty()) {
-        writeAll(STDOUT_FILENO, "\n");
+        [[maybe_unused]] const int nobodyReads = writeUnlessStopped(STDOUT_FILENO, "\n", stop_);
     }
 }
 
-bool TerminalScreen::printLine(std::string_view text) {
+int TerminalScreen::printLine(std::string_view text) {
     const std::lock_guard lock(mutex_);
-    return writeAll(STDOUT_FILENO, std::string(text) + '\n');
+    return writeUnlessStopped(STDOUT_FILENO, std::string(text) + '\n', stop_);
 }
 
-bool TerminalScreen::redrawLine(std::string_view text) {
+int TerminalScreen::redrawLine(std::string_view text) {
     const std::lock_guard lock(mutex_);
     std::string line;
     for (const auto part : {kWrapOff, kClearLine, text, kWrapOn}) {
         line += part;
     }
     liveLine_ = std::move(line);
-    return writeAll(STDOUT_FILENO, liveLine_);
+    return writeUnlessStopped(STDOUT_FILENO, liveLine_, stop_);
 }
 
 void TerminalScreen::writeError(std::string_view text) {
     const auto clean = withoutControls(text) + '\n';
     const std::lock_guard lock(mutex_);
     const bool isInTheWay = sharesTerminal_ && !liveLine_.empty();
-    if (isInTheWay) {
-        writeAll(STDOUT_FILENO, kClearLine);
-    }
-    writeAll(STDERR_FILENO, clean);
-    if (isInTheWay) {
-        writeAll(STDOUT_FILENO, liveLine_);
-    }
+    // What cannot be written is lost; there is nobody to tell.
+    static_cast<void>(isInTheWay && writeUnlessStopped(STDOUT_FILENO, kClearLine, stop_));
+    static_cast<void>(writeUnlessStopped(STDERR_FILENO, clean, stop_));
+    static_cast<void>(isInTheWay && writeUnlessStopped(STDOUT_FILENO, liveLine_, stop_));
 }
 
 }  // namespace glintar::platform

@@ -7,24 +7,25 @@
 namespace glintar::platform {
 
 /// Standard output and standard error as one place: on a terminal, a line that is redrawn in place stays below whatever
-/// else is written. Any thread.
+/// else is written. Any thread. A reader that has stopped reading holds nothing up once `stop` can be read.
 class TerminalScreen {
 public:
-    TerminalScreen();
+    explicit TerminalScreen(int stop);
     ~TerminalScreen();  // leaves the cursor below the line
 
     [[nodiscard]] bool isTerminal() const { return isTerminal_; }
 
-    /// False when nobody can read the output any more.
-    [[nodiscard]] bool printLine(std::string_view text);
-    [[nodiscard]] bool redrawLine(std::string_view text);
+    /// The number of the error (errno), or 0.
+    [[nodiscard]] int printLine(std::string_view text);
+    [[nodiscard]] int redrawLine(std::string_view text);
 
     /// Writes to standard error; control characters but line breaks and tabs become question marks, since part of the
     /// text comes from servers.
     void writeError(std::string_view text);
 
 private:
-    const bool isTerminal_;
+    const int stop_;
+    const bool isTerminal_;  ///< one on which a line can be redrawn
     const bool sharesTerminal_;
     std::mutex mutex_;
     std::string liveLine_;

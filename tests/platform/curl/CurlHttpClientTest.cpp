@@ -39,6 +39,18 @@ TEST_F(CurlHttpClientTest, DeliversWhateverTheServerAnswers) {
     }
 }
 
+TEST_F(CurlHttpClientTest, AProxyIsAskedForOtherMachinesOnly) {
+    unsetenv("no_proxy");
+    setenv("http_proxy", server_.url("").c_str(), 1);
+    server_.on("/", {.body = "direct"});
+    EXPECT_EQ(fetch({.url = server_.url("/", "localhost")}).value().body, "direct");
+    EXPECT_EQ(server_.requests().back().target, "/");
+    // A name that nobody can resolve: only a proxy could.
+    EXPECT_EQ(fetch({.url = "http://nowhere.invalid/"}).value().status, 404);
+    EXPECT_EQ(server_.requests().back().target, "http://nowhere.invalid/");
+    unsetenv("http_proxy");
+}
+
 TEST_F(CurlHttpClientTest, RefusesAddressesThatAreNotOfTheWeb) {
     for (const std::string& url :
          {std::string("file:///etc/hostname"), std::string("ftp://127.0.0.1/"), std::string("127.0.0.1/"),
