@@ -125,6 +125,20 @@ std::string replacing(std::string_view text, IsBad isBad) {
     return result;
 }
 
+/// Columns that a code point adds behind what was shown before it.
+std::size_t columnsOf(UChar32 codePoint, std::size_t before) {
+    constexpr UChar32 kEmojiPresentation = 0xFE0F;
+    if (codePoint == kEmojiPresentation) {
+        return before == 1 ? 1 : 0;
+    }
+    const auto category = u_charType(codePoint);
+    if (category == U_NON_SPACING_MARK || category == U_ENCLOSING_MARK || category == U_FORMAT_CHAR) {
+        return 0;
+    }
+    const auto width = u_getIntPropertyValue(codePoint, UCHAR_EAST_ASIAN_WIDTH);
+    return width == U_EA_WIDE || width == U_EA_FULLWIDTH ? 2 : 1;
+}
+
 bool breaksLineOrTerminal(UChar32 codePoint) {
     const auto category = u_charType(codePoint);
     return category == U_CONTROL_CHAR || category == U_LINE_SEPARATOR || category == U_PARAGRAPH_SEPARATOR;
@@ -168,6 +182,26 @@ std::size_t characterCount(std::string_view text) {
 
 std::string_view firstCharacters(std::string_view text, std::size_t count) {
     return text.substr(0, walk(text, count).bytes);
+}
+
+std::string fitColumns(std::string_view text, std::size_t columns) {
+    std::string_view rest = text;
+    std::size_t used = 0;
+    std::size_t last = 0;
+    std::size_t kept = 0;  // bytes that leave a column for the dots
+    while (!rest.empty()) {
+        const auto codePoint = takeFirst(rest);
+        const auto width = columnsOf(codePoint, last);
+        last = width > 0 ? width : last;
+        used += width;
+        if (used > columns) {
+            return columns == 0 ? std::string() : std::string(text.substr(0, kept)) + "…";
+        }
+        if (used < columns) {
+            kept = text.size() - rest.size();
+        }
+    }
+    return std::string(text);
 }
 
 bool isValidUtf8(std::string_view text) {

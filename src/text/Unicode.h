@@ -17,6 +17,10 @@ namespace glintar::text {
 [[nodiscard]] std::size_t characterCount(std::string_view text);
 [[nodiscard]] std::string_view firstCharacters(std::string_view text, std::size_t count);
 
+/// The text in at most so many columns of a terminal: what does not fit gives way to "…". Wide characters (UAX #11)
+/// take two columns and marks none; sequences of emoji may be counted too wide.
+[[nodiscard]] std::string fitColumns(std::string_view text, std::size_t columns);
+
 [[nodiscard]] bool isValidUtf8(std::string_view text);
 
 /// The text with every invalid piece of UTF-8 replaced by one U+FFFD.

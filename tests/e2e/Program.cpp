@@ -44,7 +44,8 @@ Program::Program(std::vector<std::string> command, const Environment& environmen
     if (::pipe2(errors.data(), O_CLOEXEC) != 0) {
         return;
     }
-    const bool isOpen = output == Output::Terminal ? ::openpty(&lines[0], &lines[1], nullptr, nullptr, nullptr) == 0
+    const winsize size{.ws_row = 24, .ws_col = 240, .ws_xpixel = 0, .ws_ypixel = 0};
+    const bool isOpen = output == Output::Terminal ? ::openpty(&lines[0], &lines[1], nullptr, nullptr, &size) == 0
                                                    : ::pipe2(lines.data(), O_CLOEXEC) == 0;
     if (!isOpen) {
         return;

@@ -32,6 +32,21 @@ TEST(UnicodeTest, MapsCaseAsUnicodeDoesInNoLanguage) {
     }
 }
 
+TEST(UnicodeTest, FitsIntoTheColumnsOfATerminal) {
+    struct Row {
+        const char* text;
+        std::size_t columns;
+        const char* fitted;
+    };
+    for (const auto& [text, columns, fitted] :
+         {Row{"abcd", 4, "abcd"}, Row{"abcd", 3, "ab…"}, Row{"abcd", 1, "…"}, Row{"abcd", 0, ""}, Row{"", 0, ""},
+          Row{"▁▂▃▄", 3, "▁▂…"}, Row{"币安币", 6, "币安币"}, Row{"币安币", 5, "币安…"}, Row{"币安币", 4, "币…"},
+          Row{"e\u0301e\u0301e", 3, "e\u0301e\u0301e"}, Row{"e\u0301e\u0301e", 2, "e\u0301…"}, Row{"⚠️ ab", 5, "⚠️ ab"},
+          Row{"⚠️ ab", 4, "⚠️ …"}, Row{"⛽ 12G", 5, "⛽ 1…"}}) {
+        EXPECT_EQ(fitColumns(text, columns), fitted) << text << columns;
+    }
+}
+
 TEST(UnicodeTest, CountsAndCutsWhatPeopleSeeAsCharacters) {
     struct Case {
         std::string text;

@@ -1,7 +1,9 @@
 #include "platform/terminal/TerminalScreen.h"
 
 #include "platform/posix/Descriptor.h"
+#include "text/Unicode.h"
 
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -19,6 +21,12 @@ constexpr std::string_view kWrapOn = "\x1b[?7h";
 bool canRedraw() {
     const char* kind = std::getenv("TERM");
     return ::isatty(STDOUT_FILENO) == 1 && kind && *kind && std::string_view(kind) != "dumb";
+}
+
+/// Asked each time: the user may have changed the window.
+std::size_t columns() {
+    winsize size{};
+    return ::ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : 80;
 }
 
 std::string withoutControls(std::string_view text) {
@@ -53,11 +61,8 @@ int TerminalScreen::printLine(std::string_view text) {
 
 int TerminalScreen::redrawLine(std::string_view text) {
     const std::lock_guard lock(mutex_);
-    std::string line;
-    for (const auto part : {kWrapOff, kClearLine, text, kWrapOn}) {
-        line += part;
-    }
-    liveLine_ = std::move(line);
+    const auto fitted = text::fitColumns(text, columns());
+    liveLine_ = std::string(kClearLine) + std::string(kWrapOff) + fitted + std::string(kWrapOn);
     return writeUnlessStopped(STDOUT_FILENO, liveLine_, stop_);
 }
 
