@@ -9,10 +9,12 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <atomic>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
-#include <fstream>
 #include <memory>
+#include <new>
 
 namespace glintar::bench {
 
@@ -28,24 +30,10 @@ double seconds(const timeval& time) {
     return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
 }
 
-/// A field of /proc/self/status, in bytes.
-double statusBytes(const std::string& field) {
-    std::ifstream status("/proc/self/status");
-    std::string name;
-    double value = 0;
-    while (status >> name) {
-        if (name == field + ":") {
-            status >> value;
-            return value * 1024;
-        }
-    }
-    return 0;
-}
-
-double heapBytes() {
-    const auto info = ::mallinfo2();
-    return static_cast<double>(info.uordblks + info.hblkhd);
-}
+// What `new` has handed out and not got back, and the most of it so far. The kernel's own peak is off by some hundred
+// kilobytes, since it counts pages in batches.
+std::atomic<std::int64_t> allocated = 0;
+std::atomic<std::int64_t> mostAllocated = 0;
 
 }  // namespace
 
@@ -125,32 +113,31 @@ std::vector<double> compareCommands(int rounds, const std::vector<std::vector<st
 }
 
 Memory memoryOf(const std::function<std::shared_ptr<void>()>& work) {
-    int ends[2];
-    if (::pipe(ends) != 0) {
-        return {};
-    }
-    const pid_t child = ::fork();
-    if (child == 0) {
-        work();  // so that the code it needs is in memory and does not count
-        ::malloc_trim(0);
-        std::ofstream("/proc/self/clear_refs") << "5";  // the peak counts from here
-        const double heap = heapBytes();
-        const double resident = statusBytes("VmRSS");
-        Memory memory;
-        {
-            const auto kept = work();
-            memory.kept = heapBytes() - heap;
-            memory.peak = statusBytes("VmHWM") - resident;
-        }
-        [[maybe_unused]] const auto written = ::write(ends[1], &memory, sizeof memory);
-        ::_exit(0);
-    }
-    Memory memory;
-    [[maybe_unused]] const auto got = ::read(ends[0], &memory, sizeof memory);
-    ::waitpid(child, nullptr, 0);
-    ::close(ends[0]);
-    ::close(ends[1]);
-    return memory;
+    const auto before = allocated.load();
+    mostAllocated = before;
+    const auto kept = work();
+    return {.kept = static_cast<double>(allocated - before), .peak = static_cast<double>(mostAllocated - before)};
 }
 
 }  // namespace glintar::bench
+
+void* operator new(std::size_t size) {
+    void* const block = std::malloc(size);
+    if (!block) {
+        std::abort();
+    }
+    const auto now = glintar::bench::allocated += static_cast<std::int64_t>(::malloc_usable_size(block));
+    auto most = glintar::bench::mostAllocated.load();
+    while (now > most && !glintar::bench::mostAllocated.compare_exchange_weak(most, now)) {
+    }
+    return block;
+}
+
+void operator delete(void* block) noexcept {
+    glintar::bench::allocated -= static_cast<std::int64_t>(::malloc_usable_size(block));
+    std::free(block);
+}
+
+void operator delete(void* block, std::size_t) noexcept {
+    operator delete(block);
+}

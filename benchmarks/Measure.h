@@ -38,7 +38,7 @@ double commandSeconds(const std::vector<std::string>& command);
 /// As `compare`, for commands that take turns. Ends the program when one of them fails.
 std::vector<double> compareCommands(int rounds, const std::vector<std::vector<std::string>>& commands);
 
-/// Memory that `work` keeps and needed at its peak, in bytes over what there was before, in a process of its own.
+/// Memory that `work` keeps and needed at its peak, in bytes over what there was before, as far as it comes from `new`.
 struct Memory {
     double kept = 0;
     double peak = 0;

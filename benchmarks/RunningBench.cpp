@@ -13,6 +13,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <map>
 #include <thread>
 
 namespace glintar::bench {
@@ -57,23 +58,22 @@ public:
         return std::fgets(line, sizeof line, output_) ? line : "";
     }
 
-    /// Sum over all threads of a number in a file of /proc; `field` is its name, or empty for the first number.
-    [[nodiscard]] double sum(const std::string& file, const std::string& field) const {
-        double total = 0;
+    /// A number in a file of /proc for each thread; `field` is its name, or empty for the first number of the file.
+    using PerThread = std::map<std::string, double>;
+    [[nodiscard]] PerThread perThread(const std::string& file, const std::string& field) const {
+        PerThread values;
         for (const auto& task : std::filesystem::directory_iterator(fmt::format("/proc/{}/task", child_))) {
             std::ifstream text(task.path() / file);
             std::string word;
             while (!field.empty() && text >> word && word != field) {
             }
-            double value = 0;
-            text >> value;
-            total += value;
+            text >> values[task.path().filename()];
         }
-        return total;
+        return values;
     }
 
-    [[nodiscard]] double processorSeconds() const { return sum("schedstat", "") / 1e9; }
-    [[nodiscard]] double wakeUps() const { return sum("status", "voluntary_ctxt_switches:"); }
+    [[nodiscard]] PerThread processorNanoseconds() const { return perThread("schedstat", ""); }
+    [[nodiscard]] PerThread wakeUps() const { return perThread("status", "voluntary_ctxt_switches:"); }
 
     [[nodiscard]] double proportionalBytes() const {
         std::ifstream text(fmt::format("/proc/{}/smaps_rollup", child_));
@@ -90,6 +90,16 @@ private:
     FILE* output_ = nullptr;
 };
 
+/// What has come since, of the threads that are there now; a thread that ended meanwhile takes its last share with it.
+double growth(const Running::PerThread& before, const Running::PerThread& now) {
+    double total = 0;
+    for (const auto& [thread, value] : now) {
+        const auto earlier = before.find(thread);
+        total += value - (earlier == before.end() ? 0 : earlier->second);
+    }
+    return total;
+}
+
 }  // namespace
 
 void benchRunning(const std::string& programs, int minutes) {
@@ -102,17 +112,19 @@ void benchRunning(const std::string& programs, int minutes) {
     Running line(profile.command(programs + "/glintar", {"line"}, true));
     line.waitForLine();
     std::this_thread::sleep_for(5s);
-    const double start = line.processorSeconds();
+    double nanoseconds = 0;
     double idleWakeUps = 0;
     for (int minute = 0; minute < minutes; ++minute) {
-        const double before = line.wakeUps();
+        const auto start = line.processorNanoseconds();
+        const auto before = line.wakeUps();
         std::this_thread::sleep_for(45s);  // of the 55 until the next refresh
-        idleWakeUps += line.wakeUps() - before;
+        idleWakeUps += growth(before, line.wakeUps());
         line.waitForLine();
         std::this_thread::sleep_for(5s);
+        nanoseconds += growth(start, line.processorNanoseconds());
     }
     printRow({fmt::format("line into a pipe, {} minutes: processor time a minute", minutes),
-              (line.processorSeconds() - start) * 1e3 / minutes, 0, 12, "ms", ""});
+              nanoseconds / 1e6 / minutes, 0, 12, "ms", ""});
     printRow({"line into a pipe: wake-ups between refreshes", idleWakeUps, 0, 0, "", ""});
     printRow({"line into a pipe: proportional memory", line.proportionalBytes() / 1e6, peer.proportionalBytes() / 1e6,
               1.25, "MB", "peer"});

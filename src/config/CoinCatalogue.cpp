@@ -52,7 +52,7 @@ public:
     explicit Packer(std::string& text) : begin_(text.data()), end_(text.data()) {}
 
     [[nodiscard]] std::size_t packedSize() const { return static_cast<std::size_t>(end_ - begin_); }
-    [[nodiscard]] std::vector<std::uint32_t>& entries() { return entries_; }
+    [[nodiscard]] std::size_t entryCount() const { return entryCount_; }
     [[nodiscard]] const std::string& refusal() const { return refusal_; }
 
     bool beginArray() override { return depth_++ == 0 || value({}); }
@@ -101,7 +101,7 @@ private:
             return refuse("The document is not an array.");
         }
         if (depth_ == 2) {
-            return refuse(fmt::format("[{}]: not an object", entries_.size()));
+            return refuse(fmt::format("[{}]: not an object", entryCount_));
         }
         if (depth_ == 3 && field_ != kNoField) {
             texts_[field_] = text;
@@ -112,10 +112,10 @@ private:
     bool finishEntry() {
         for (std::size_t field = 0; field < kKeys.size(); ++field) {
             if (texts_[field].data() == nullptr) {
-                return refuse(fmt::format("[{}].{}: missing or no text", entries_.size(), kKeys[field]));
+                return refuse(fmt::format("[{}].{}: missing or no text", entryCount_, kKeys[field]));
             }
         }
-        entries_.push_back(static_cast<std::uint32_t>(packedSize()));
+        ++entryCount_;
         if (texts_[0].data() > texts_[1].data() || texts_[1].data() > texts_[2].data()) {
             // Packing one text would overwrite another that is still to come.
             aside_.clear();
@@ -138,7 +138,7 @@ private:
 
     char* begin_;
     char* end_;
-    std::vector<std::uint32_t> entries_;
+    std::size_t entryCount_ = 0;
     std::size_t depth_ = 0;
     std::size_t field_ = kNoField;  // of the newest key
     std::array<std::string_view, 3> texts_;
@@ -183,8 +183,15 @@ std::expected<CoinCatalogue, std::string> CoinCatalogue::decode(std::string text
     }
     catalogue.arena_.resize(packer.packedSize());
     catalogue.arena_.shrink_to_fit();
-    catalogue.entries_ = std::move(packer.entries());
-    catalogue.entries_.shrink_to_fit();
+    // Only now, when the text is no longer there beside the packed one, which is the peak of the memory it takes.
+    catalogue.entries_.reserve(packer.entryCount());
+    const char* const begin = catalogue.arena_.data();
+    for (const char* at = begin; catalogue.entries_.size() < packer.entryCount();) {
+        catalogue.entries_.push_back(static_cast<std::uint32_t>(at - begin));
+        for (int skipped = 0; skipped < 3; ++skipped) {
+            takeText(at);
+        }
+    }
     return catalogue;
 }
 

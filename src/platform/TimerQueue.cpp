@@ -47,6 +47,7 @@ std::optional<std::pair<Instant, Task>> TimerQueue::takeDue(Instant now) {
     if (pending_->empty() || pending_->begin()->first.first > now) {
         return std::nullopt;
     }
+    now_ = now;
     auto due = pending_->extract(pending_->begin());
     return std::pair{due.key().first, std::move(due.mapped())};
 }
@@ -59,7 +60,8 @@ TimerQueue::Key TimerQueue::insert(Instant due, Task task) {
 
 void TimerQueue::insertTick(Instant due, const std::shared_ptr<Repeating>& timer) {
     timer->key = insert(due, [this, due, timer] {
-        insertTick(due + timer->interval, timer);
+        const auto missed = (now_ - due) / timer->interval;
+        insertTick(due + timer->interval * (missed + 1), timer);
         const auto tick = timer->tick;  // a copy: the tick may destroy its own handle
         tick();
     });

@@ -27,7 +27,8 @@ public:
     [[nodiscard]] std::optional<Instant> nextDue() const;
     [[nodiscard]] std::size_t size() const { return pending_->size(); }
 
-    /// Takes out the first task if it is due by then. The caller runs it; it may change the queue.
+    /// Takes out the first task if it is due by then. The caller runs it; it may change the queue. Of the ticks of one
+    /// timer that are due at once, because the process was stopped or busy, only one runs.
     [[nodiscard]] std::optional<std::pair<Instant, Task>> takeDue(Instant now);
 
 private:
@@ -39,6 +40,7 @@ private:
     void insertTick(Instant due, const std::shared_ptr<Repeating>& timer);
 
     std::uint64_t nextOrder_ = 0;
+    Instant now_;  ///< as it was told last
     std::shared_ptr<Pending> pending_;
 };
 

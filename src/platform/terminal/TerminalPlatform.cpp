@@ -7,6 +7,9 @@ namespace {
 // Joining quotes and waiting for a retry is all the background work there is.
 constexpr std::size_t kWorkThreads = 1;
 
+// Without a home directory preferences read as absent; a folder that cannot even be made holds them.
+constexpr const char* kNowhere = "/dev/null";
+
 }  // namespace
 
 TerminalPlatform::TerminalPlatform(int& argc, char** argv, std::string configServer)
@@ -17,7 +20,7 @@ TerminalPlatform::TerminalPlatform(int& argc, char** argv, std::string configSer
           }
       }),
       bundle_(std::move(configServer)),
-      preferences_(XdgDirectories::configuration().value_or("/nonexistent") / "glintar.conf", console_),
+      preferences_(XdgDirectories::configuration().value_or(kNowhere) / "glintar.conf", console_),
       workQueue_(runLoop_, kWorkThreads),
       platform_{runLoop_, workQueue_, http_,    preferences_, secrets_,   notifications_, directories_,
                 bundle_,  files_,     console_, entropy_,     localTime_, registry_} {}

@@ -6,9 +6,9 @@ namespace glintar::platform {
 
 void VirtualRunLoop::advance(Duration duration) {
     const Instant target = now_ + duration;
-    while (auto due = queue_.takeDue(target)) {
-        now_ = std::max(now_, due->first);
-        due->second();
+    for (auto next = queue_.nextDue(); next && *next <= target; next = queue_.nextDue()) {
+        now_ = std::max(now_, *next);
+        queue_.takeDue(now_)->second();
     }
     now_ = target;
 }

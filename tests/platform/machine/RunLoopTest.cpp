@@ -1,6 +1,7 @@
 // The real run loop and the virtual one keep the same promises.
 
 #include "platform/NotificationCenter.h"
+#include "platform/TimerQueue.h"
 #include "platform/qtcore/QtRunLoop.h"
 #include "platform/virtual/VirtualRunLoop.h"
 
@@ -84,6 +85,18 @@ TYPED_TEST(RunLoopTest, WorkMayAddWork) {
     });
     this->machine.pass(30ms);
     EXPECT_THAT(this->ran, ElementsAre("post", "timer"));
+}
+
+TEST(TimerQueueTest, TicksThatWereMissedAreNotMadeUpFor) {
+    TimerQueue queue;
+    const Instant start;
+    int ticks = 0;
+    const auto timer = queue.every(start + 1s, 1s, [&] { ++ticks; });
+    while (auto due = queue.takeDue(start + 10500ms)) {
+        due->second();
+    }
+    EXPECT_EQ(ticks, 1);
+    EXPECT_EQ(queue.nextDue(), start + 11s) << "and the rhythm stays";
 }
 
 TEST(QtRunLoopTest, TakesWorkFromOtherThreads) {
