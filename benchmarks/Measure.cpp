@@ -112,6 +112,27 @@ std::vector<double> compareCommands(int rounds, const std::vector<std::vector<st
     return medians;
 }
 
+double instructionsOf(const std::string& setting, std::vector<std::string> command) {
+    std::string line = setting + " valgrind --tool=callgrind --callgrind-out-file=/dev/null";
+    for (const auto& word : command) {
+        line += " '" + word + "'";
+    }
+    FILE* const output = ::popen((line + " 2>&1 >/dev/null").c_str(), "r");
+    double instructions = 0;
+    char text[1024];
+    while (output && std::fgets(text, sizeof text, output)) {
+        const std::string_view read(text);
+        if (const auto at = read.find("Collected : "); at != std::string_view::npos) {
+            instructions = std::strtod(text + at + 12, nullptr);
+        }
+    }
+    if (!output || ::pclose(output) != 0 || instructions == 0) {
+        fmt::print(stderr, "bench: callgrind failed: {}\n", line);
+        std::exit(1);
+    }
+    return instructions;
+}
+
 Memory memoryOf(const std::function<std::shared_ptr<void>()>& work) {
     const auto before = allocated.load();
     mostAllocated = before;

@@ -38,6 +38,9 @@ double commandSeconds(const std::vector<std::string>& command);
 /// As `compare`, for commands that take turns. Ends the program when one of them fails.
 std::vector<double> compareCommands(int rounds, const std::vector<std::vector<std::string>>& commands);
 
+/// Instructions of a whole command, its start included, as callgrind counts them; they are the same in every run.
+double instructionsOf(const std::string& setting, std::vector<std::string> command);
+
 /// Memory that `work` keeps and needed at its peak, in bytes over what there was before, as far as it comes from `new`.
 struct Memory {
     double kept = 0;

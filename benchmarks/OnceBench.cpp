@@ -29,6 +29,14 @@ void benchOnce(const std::string& programs) {
         printRow({fmt::format("line --once, {}", name), medians[0] * 1e3, medians[1] * 1e3, besideScript, "ms",
                   "curl | jq"});
         printRow({fmt::format("line --once, {}", name), medians[0] * 1e3, medians[2] * 1e3, besideCurl, "ms", "curl"});
+        // "env" and its settings come first; callgrind follows the program alone.
+        const auto words = profile.command(programs + "/glintar", {}, false);
+        std::string setting;
+        for (std::size_t i = 0; i + 1 < words.size(); ++i) {
+            setting += words[i] + " ";
+        }
+        printRow({fmt::format("line --once, {}", name), instructionsOf(setting, {words.back(), "line", "--once"}) / 1e6,
+                  instructionsOf("", curl) / 1e6, besideCurl, "M instr", "curl"});
     }
 }
 

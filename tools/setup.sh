@@ -3,13 +3,19 @@
 
 say() { echo "glintar: $*" >&2; }
 
+# What is wanted and what this machine has, in one line.
+packages_state() {
+  echo "$(cksum <"$root/packaging/debian-packages.txt")" "$(stat -c %Y /var/lib/dpkg/status 2>/dev/null)" \
+    "$(cat /etc/machine-id 2>/dev/null)"
+}
+
 # install_packages KIND...: installs what packaging/debian-packages.txt lists for these kinds, if it is missing.
-# A stamp that holds the list's checksum makes the common case cost nothing.
+# A stamp that holds the list's checksum and the state of this machine's packages makes the common case cost nothing.
 install_packages() {
   local list="$root/packaging/debian-packages.txt" stamp sum missing kinds sudo=""
   kinds=$(IFS='|'; echo "$*")
   stamp="$root/build/.packages-${kinds//|/-}"
-  sum=$(cksum <"$list")
+  sum=$(packages_state)
   [ -f "$stamp" ] && [ "$(cat "$stamp")" = "$sum" ] && return 0
   # shellcheck disable=SC2046
   missing=$(awk -v kinds="^($kinds)\$" '!/^#/ && $2 ~ kinds { print $1 }' "$list" |
@@ -26,7 +32,7 @@ install_packages() {
     $sudo apt-get update -q >&2 &&
       $sudo env DEBIAN_FRONTEND=noninteractive apt-get install -y -q --no-install-recommends $missing >&2 || return 1
   fi
-  mkdir -p "$root/build" && echo "$sum" >"$stamp"
+  mkdir -p "$root/build" && packages_state >"$stamp"
 }
 
 # build_preset PRESET [TARGET...]: configures the preset once and builds what is out of date, quietly when nothing is.

@@ -132,13 +132,35 @@ std::expected<std::filesystem::path, std::string> makeFolder() {
     return pattern;
 }
 
+/// Signals that would end this process wait: between the making of the folder and the start of the market, which
+/// removes it when we are gone, nobody else would.
+class HeldSignals {
+public:
+    HeldSignals() {
+        sigset_t ending;
+        sigemptyset(&ending);
+        for (const int signal : {SIGHUP, SIGINT, SIGTERM}) {
+            sigaddset(&ending, signal);
+        }
+        pthread_sigmask(SIG_BLOCK, &ending, &before_);
+    }
+    HeldSignals(const HeldSignals&) = delete;
+    HeldSignals& operator=(const HeldSignals&) = delete;
+    ~HeldSignals() { pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
+
+    [[nodiscard]] const sigset_t& before() const { return before_; }
+
+private:
+    sigset_t before_{};
+};
+
 }  // namespace
 
 struct DemoSession::Parts {
     ~Parts();
 
     Outcome writeProfile() const;
-    Outcome launch(const std::filesystem::path& program);
+    Outcome launch(const std::filesystem::path& program, const sigset_t& signalsBefore);
     Outcome awaitAddress(Clock::time_point until);
 
     std::filesystem::path folder;
@@ -171,7 +193,7 @@ Outcome DemoSession::Parts::writeProfile() const {
     return files.replace(folder / "config/glintar/glintar.conf", preferences());
 }
 
-Outcome DemoSession::Parts::launch(const std::filesystem::path& program) {
+Outcome DemoSession::Parts::launch(const std::filesystem::path& program, const sigset_t& signalsBefore) {
     auto input = makePipe();
     auto answers = makePipe();
     if (!input || !answers) {
@@ -193,7 +215,8 @@ Outcome DemoSession::Parts::launch(const std::filesystem::path& program) {
     // In a process group of its own, or an interrupt from the terminal would end it before us.
     posix_spawnattr_t attributes;
     posix_spawnattr_init(&attributes);
-    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETPGROUP);
+    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETPGROUP | POSIX_SPAWN_SETSIGMASK);
+    posix_spawnattr_setsigmask(&attributes, &signalsBefore);
     const int failure = posix_spawn(&market, program.c_str(), &actions, &attributes, arguments.data(), environ);
     posix_spawnattr_destroy(&attributes);
     posix_spawn_file_actions_destroy(&actions);
@@ -221,6 +244,7 @@ Outcome DemoSession::Parts::awaitAddress(Clock::time_point until) {
 std::expected<DemoSession, std::string> DemoSession::start(const std::filesystem::path& market,
                                                            std::chrono::milliseconds deadline) {
     const auto until = Clock::now() + deadline;
+    std::optional<HeldSignals> held(std::in_place);
     auto folder = makeFolder();
     if (!folder) {
         return std::unexpected(folder.error());
@@ -230,9 +254,10 @@ std::expected<DemoSession, std::string> DemoSession::start(const std::filesystem
     if (auto written = parts->writeProfile(); !written) {
         return std::unexpected(written.error());
     }
-    if (auto launched = parts->launch(market); !launched) {
+    if (auto launched = parts->launch(market, held->before()); !launched) {
         return std::unexpected(launched.error());
     }
+    held.reset();
     if (auto ready = parts->awaitAddress(until); !ready) {
         return std::unexpected(ready.error());
     }

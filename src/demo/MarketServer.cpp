@@ -29,7 +29,10 @@ constexpr std::size_t kLogLines = 10'000;
 /// A thread for each connection, so that one which hangs holds up no other.
 class ConnectionThreads final : public httplib::TaskQueue {
 public:
-    void enqueue(std::function<void()> task) override {
+    /// Newer versions of the library want to know whether the task was taken.
+    using Enqueued = decltype(std::declval<httplib::TaskQueue&>().enqueue({}));
+
+    Enqueued enqueue(std::function<void()> task) override {
         const std::scoped_lock lock(mutex_);
         ++running_;
         std::thread([this, task = std::move(task)] {
@@ -38,6 +41,7 @@ public:
             --running_;
             ended_.notify_all();
         }).detach();
+        return Enqueued(true);
     }
     void shutdown() override {
         std::unique_lock lock(mutex_);

@@ -48,6 +48,13 @@ void waitForEnd(int signals, int input) {
     }
 }
 
+void removeFolder(const demo::MarketOptions& options) {
+    if (demo::isDemoDirectory(options.removeAtEnd)) {
+        std::error_code ignored;
+        std::filesystem::remove_all(options.removeAtEnd, ignored);
+    }
+}
+
 int run(const demo::MarketOptions& options, int signals) {
     const auto server = demo::MarketServer::start(options.server);
     if (!server) {
@@ -74,10 +81,7 @@ int run(const demo::MarketOptions& options, int signals) {
         return 1;
     }
     waitForEnd(signals, options.isWithParent ? STDIN_FILENO : -1);
-    if (demo::isDemoDirectory(options.removeAtEnd)) {
-        std::error_code ignored;
-        std::filesystem::remove_all(options.removeAtEnd, ignored);
-    }
+    removeFolder(options);
     _exit(0);  // clients that keep their connections open would hold up an orderly end
 }
 
@@ -97,5 +101,8 @@ int main(int argc, char** argv) {
     if (options->isWithParent) {
         prctl(PR_SET_PDEATHSIG, SIGTERM);
     }
-    return run(*options, signals);
+    std::signal(SIGPIPE, SIG_IGN);  // a parent that has gone already must not keep the folder from being removed
+    const int status = run(*options, signals);
+    removeFolder(*options);
+    return status;
 }

@@ -67,6 +67,8 @@ std::expected<Arguments, std::string> parseArguments(std::span<const char* const
             }
             parsed.format = *format;
             onlyForLine = "--format";
+        } else if (argument == "line") {
+            return std::unexpected("\"line\" stands there twice");
         } else {
             const auto kind = argument.starts_with('-') ? "option" : "command";
             return std::unexpected(fmt::format("there is no {} \"{}\"", kind, text::oneLine(argument)));

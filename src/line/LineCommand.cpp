@@ -49,6 +49,7 @@ LineCommand::LineCommand(platform::Platform& platform, platform::TextOutput& out
 }
 
 void LineCommand::start() {
+    statusBar_.start();
     if (once_) {
         controller_.refreshOnce();
     } else {

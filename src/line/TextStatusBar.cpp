@@ -11,7 +11,9 @@
 namespace glintar::line {
 
 TextStatusBar::TextStatusBar(platform::TextOutput& output, Options options)
-    : output_(output), options_(std::move(options)), text_(options_.prefix + "Loading...") {
+    : output_(output), options_(std::move(options)), text_(options_.prefix + "Loading...") {}
+
+void TextStatusBar::start() {
     if (options_.isLive) {
         redraw();
     }

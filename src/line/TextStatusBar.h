@@ -25,6 +25,9 @@ public:
 
     TextStatusBar(platform::TextOutput& output, Options options);
 
+    /// Shows that there is nothing yet.
+    void start();
+
     /// Runs after the line of a refresh has been written; `hasQuotes` says whether it holds a coin.
     std::function<void(bool hasQuotes)> onRefreshed;
 

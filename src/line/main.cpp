@@ -38,7 +38,7 @@ int say(std::string_view text) {
 /// Becomes the desktop program where that makes sense; returns why it does not.
 std::string_view becomeDesktop(char** argv) {
     if (!environment("DISPLAY") && !environment("WAYLAND_DISPLAY")) {
-        return "no display here";
+        return "no display";
     }
     const auto desktop = platform::InstalledBundle::program("glintar-desktop");
     if (desktop) {
@@ -49,7 +49,8 @@ std::string_view becomeDesktop(char** argv) {
 
 std::optional<demo::DemoSession> startDemo() {
     const auto market = platform::InstalledBundle::program("glintar-demo-market");
-    auto session = demo::DemoSession::start(market.value_or("glintar-demo-market"));
+    auto session = market ? demo::DemoSession::start(*market)
+                          : std::unexpected(std::string("glintar-demo-market is not installed"));
     if (!session) {
         platform::complain(fmt::format("glintar: {}\n", session.error()));
         return std::nullopt;
@@ -103,13 +104,17 @@ int main(int argc, char** argv) {
         return kWrongUsage;
     }
     if (arguments->command == Arguments::Command::Desktop) {
-        platform::complain(fmt::format("glintar: {}; showing the prices here (glintar line)\n", becomeDesktop(argv)));
+        platform::complain(
+            fmt::format("glintar: {}; showing the prices in this terminal (glintar line)\n", becomeDesktop(argv)));
     }
     // Answers are parsed on one thread; a heap for each would only hold on to memory.
     ::mallopt(M_ARENA_MAX, 1);
     std::optional<demo::DemoSession> session;
-    if (arguments->demo && !(session = startDemo())) {
-        return kFailed;
+    if (arguments->demo) {
+        session = startDemo();
+        if (!session) {
+            return kFailed;
+        }
     }
     return runLine(argc, argv, *arguments, *std::move(configServer));
 }

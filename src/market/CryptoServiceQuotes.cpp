@@ -131,7 +131,7 @@ void CryptoService::fetchBatch(const std::vector<config::Coin>& coins, const Sou
                        if (body) {
                            completion(parseBatchResponse(*std::move(body), *source, coins, console), std::nullopt);
                        } else {
-                           completion({}, error.value_or("Unknown Error"));
+                           completion({}, std::move(error).value_or("Unknown Error"));
                        }
                    });
 }

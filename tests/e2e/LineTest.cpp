@@ -3,6 +3,7 @@
 #include "demo/DemoSession.h"
 #include "e2e/Program.h"
 #include "json/Json.h"
+#include "platform/secret/PrivateBus.h"
 #include "support/LoopbackServer.h"
 #include "support/TemporaryFolder.h"
 #include "support/TestFiles.h"
@@ -175,19 +176,46 @@ TEST_F(LineTest, SignalsEndItAtOnceEvenWhileAServiceHangs) {
     }
 }
 
-TEST_F(LineTest, SignalsEndItEvenWhileItsReaderDoesNotRead) {
-    auto program = start({"line"}, Program::Output::FullPipe);
-    const auto asked = log().size();
-    for (int i = 0; i < 300 && log().size() == asked; ++i) {
-        std::this_thread::sleep_for(std::chrono::milliseconds{20});
-    }
-    std::this_thread::sleep_for(std::chrono::milliseconds{300});  // until it waits for room
-    program.signal(SIGTERM);
+/// Whether it ends by itself, with this status, although nobody reads what it writes.
+bool endsUnread(const Program& program, int expected) {
     int status = 0;
-    for (int i = 0; i < 100 && ::waitpid(program.id(), &status, WNOHANG) == 0; ++i) {
+    for (int i = 0; i < 150; ++i) {
+        if (::waitpid(program.id(), &status, WNOHANG) == program.id()) {
+            return WIFEXITED(status) && WEXITSTATUS(status) == expected;
+        }
         std::this_thread::sleep_for(std::chrono::milliseconds{20});
     }
-    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << "it is still there";
+    return false;
+}
+
+TEST_F(LineTest, SignalsEndItEvenWhileNobodyReadsWhatItWrites) {
+    struct Row {
+        const char* name;
+        std::vector<std::string> arguments;
+        Program::Output output;
+        const char* fault;
+        int status;
+    };
+    using Output = Program::Output;
+    for (const auto& row : {Row{"full pipe", {"line"}, Output::FullPipe, "off", 0},
+                            Row{"errors full, request under way", {"line"}, Output::FullErrors, "hang", 0},
+                            Row{"errors full, once", {"line", "--once"}, Output::FullErrors, "hang", 1},
+                            Row{"stopped terminal", {"line"}, Output::Terminal, "off", 0}}) {
+        SCOPED_TRACE(row.name);
+        fault(row.fault);
+        const auto asked = log().size();
+        auto program = start(row.arguments, row.output);
+        for (int i = 0; i < 300 && log().size() == asked; ++i) {
+            std::this_thread::sleep_for(std::chrono::milliseconds{20});
+        }
+        if (row.output == Output::Terminal) {
+            ASSERT_TRUE(program.waitForOutput("BTC "));
+            program.stopTerminal();
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds{300});  // until it waits for room
+        program.signal(SIGTERM);
+        EXPECT_TRUE(endsUnread(program, row.status));
+    }
 }
 
 TEST_F(LineTest, StreamsThatCannotBeWrittenAreNoReasonToCrash) {
@@ -299,7 +327,7 @@ TEST_F(LineTest, WordsItDoesNotKnowAreRefusedAndItsOwnExplained) {
 
 TEST_F(LineTest, WithoutADisplayOrItsDesktopHalfItSaysSoAndShowsTheLine) {
     for (const auto& [variable, reason] :
-         {std::pair{"XDG_SESSION_ID", "no display here"}, std::pair{"DISPLAY", "glintar-desktop is not installed"}}) {
+         {std::pair{"XDG_SESSION_ID", "no display"}, std::pair{"DISPLAY", "glintar-desktop is not installed"}}) {
         auto where = environment();
         where[variable] = ":77";
         Program program({GLINTAR_PROGRAM}, where);
@@ -332,6 +360,46 @@ TEST_F(LineTest, OnlyTheDemonstrationLeavesTheUsersKeyRingAlone) {
         ::close(caller);
     }
     ::close(bus);
+}
+
+TEST_F(LineTest, TheKeyOfTheUsersKeyRingGoesToItsService) {
+    platform::PrivateBus bus;
+    bus.start();
+    bus.startKeyRing(platform::PrivateBus::Ring::Open);
+    bus.writeElsewhere("apiKey_coingecko", "GlintarUser", "CG-e2e");
+    auto where = environment();
+    where["DBUS_SESSION_BUS_ADDRESS"] = bus.address();
+    Program program({GLINTAR_PROGRAM, "line", "--once"}, where);
+    EXPECT_EQ(program.wait(), 0) << program.errors();
+    EXPECT_THAT(log(), HasSubstr(" CG-e2e"));
+}
+
+TEST_F(LineTest, WhatIsInstalledRunsFromWhereItWasPut) {
+    const TemporaryFolder prefix;
+    Program install({"cmake", "--install", GLINTAR_BUILD, "--prefix", prefix.path()}, environment());
+    ASSERT_EQ(install.wait(), 0) << install.errors();
+    Program program({prefix.path() / "bin" / "glintar", "line", "--once", "--demo"}, environment());
+    EXPECT_EQ(program.wait(), 0) << program.errors();
+    EXPECT_THAT(program.output(), StartsWith("[simulated] BTC "));
+    EXPECT_TRUE(std::ranges::any_of(std::filesystem::recursive_directory_iterator(prefix.path()), [](const auto& file) {
+        return file.path().filename() == "coingecko_coins_list.json";
+    }));
+}
+
+TEST_F(LineTest, TheDemonstrationLeavesNothingBehindHoweverEarlyItEnds) {
+    TemporaryFolder temporary;
+    auto where = environment();
+    where["TMPDIR"] = temporary.path();
+    for (int i = 0; i < 20; ++i) {
+        Program program({GLINTAR_PROGRAM, "line", "--demo"}, where);
+        std::this_thread::sleep_for(std::chrono::milliseconds{i * 5});
+        program.signal(i % 2 == 0 ? SIGTERM : SIGINT);
+        static_cast<void>(program.wait());
+    }
+    for (int i = 0; i < 500 && !std::filesystem::is_empty(temporary.path()); ++i) {
+        std::this_thread::sleep_for(std::chrono::milliseconds{20});
+    }
+    EXPECT_TRUE(std::filesystem::is_empty(temporary.path()));
 }
 
 TEST_F(LineTest, AnInterruptFromTheKeyboardLeavesTheDemonstrationsLineAsItWas) {

@@ -6,6 +6,7 @@
 #include <signal.h>
 #include <sys/ioctl.h>
 #include <sys/wait.h>
+#include <termios.h>
 #include <unistd.h>
 
 #include <array>
@@ -22,6 +23,14 @@ void closeIfOpen(int& fd) {
     if (fd >= 0) {
         ::close(std::exchange(fd, -1));
     }
+}
+
+void fill(int pipe) {
+    const std::string block(4096, '-');
+    ::fcntl(pipe, F_SETFL, O_NONBLOCK);
+    while (::write(pipe, block.data(), block.size()) > 0) {
+    }
+    ::fcntl(pipe, F_SETFL, 0);
 }
 
 [[noreturn]] void become(const std::vector<std::string>& command, const Environment& environment) {
@@ -51,12 +60,8 @@ Program::Program(std::vector<std::string> command, const Environment& environmen
         return;
     }
     ::fcntl(lines[0], F_SETFD, FD_CLOEXEC);
-    if (output == Output::FullPipe) {
-        const std::string block(4096, '-');
-        ::fcntl(lines[1], F_SETFL, O_NONBLOCK);
-        while (::write(lines[1], block.data(), block.size()) > 0) {
-        }
-        ::fcntl(lines[1], F_SETFL, 0);
+    if (output == Output::FullPipe || output == Output::FullErrors) {
+        fill(output == Output::FullPipe ? lines[1] : errors[1]);
     }
     child_ = ::fork();
     if (child_ == 0) {
@@ -115,6 +120,10 @@ void Program::signal(int number) {
 
 void Program::type(const std::string& keys) const {
     [[maybe_unused]] const auto written = ::write(outputFd_, keys.data(), keys.size());
+}
+
+void Program::stopTerminal() const {
+    ::tcflow(outputFd_, TCOOFF);
 }
 
 void Program::closeOutput() {

@@ -17,8 +17,9 @@ class Program {
 public:
     enum class Output {
         Pipe,
-        FullPipe,  ///< one that nobody has read from for long
-        Terminal   ///< which the program is in the foreground of
+        FullPipe,    ///< one that nobody has read from for long
+        FullErrors,  ///< that for standard error, and a pipe
+        Terminal     ///< which the program is in the foreground of
     };
 
     Program(std::vector<std::string> command, const Environment& environment, Output output = Output::Pipe);
@@ -34,6 +35,7 @@ public:
 
     void signal(int number);
     void type(const std::string& keys) const;  ///< on the terminal
+    void stopTerminal() const;                 ///< as Ctrl-S does
     void closeOutput();                        ///< as a reader that goes away
 
     [[nodiscard]] pid_t id() const { return child_; }

@@ -13,8 +13,11 @@ namespace {
 std::optional<std::filesystem::path> find(const std::filesystem::path& relative) {
     std::error_code error;
     const auto folder = std::filesystem::read_symlink("/proc/self/exe", error).parent_path();
+    if (error) {
+        return std::nullopt;  // never the current directory, which may be anybody's
+    }
     for (const auto& base : {folder, folder / ".." / GLINTAR_LIBRARY_FOLDER / "glintar"}) {
-        const auto path = base / relative;
+        auto path = base / relative;
         if (std::filesystem::exists(path, error)) {
             return path;
         }

@@ -20,10 +20,22 @@ QString keyOf(std::string_view key) {
     return QString::fromUtf8(key.data(), static_cast<qsizetype>(key.size()));
 }
 
+/// The file, or one that cannot be when something else stands in its place: QSettings would wait for a pipe's writer.
+std::filesystem::path orNothing(const std::filesystem::path& file, Console& console) {
+    std::error_code ignored;
+    if (!std::filesystem::exists(file, ignored) || std::filesystem::is_regular_file(file, ignored)) {
+        return file;
+    }
+    console.print("⚠️ [Preferences] not a regular file: " + file.string());
+    return "/dev/null/glintar.conf";
+}
+
 }  // namespace
 
 QtPreferences::QtPreferences(const std::filesystem::path& file, Console& console)
-    : file_(file), console_(console), settings_(QString::fromStdString(file.string()), QSettings::NativeFormat) {
+    : file_(orNothing(file, console)),
+      console_(console),
+      settings_(QString::fromStdString(file_.string()), QSettings::NativeFormat) {
     settings_.setFallbacksEnabled(false);
 }
 

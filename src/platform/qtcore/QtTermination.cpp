@@ -34,20 +34,35 @@ QtTermination::QtTermination(std::function<void()> onTerminate) : onTerminate_(s
     wakeFd = ::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
     notifier_ = std::make_unique<QSocketNotifier>(wakeFd, QSocketNotifier::Read);
     QObject::connect(notifier_.get(), &QSocketNotifier::activated, notifier_.get(), [this] {
-        std::uint64_t count = 0;
-        [[maybe_unused]] const auto got = ::read(wakeFd, &count, sizeof count);
+        // Not read: it says to the end that there is no time to wait for anybody.
+        notifier_->setEnabled(false);
         onTerminate_();
     });
-    handle(SIGINT, onSignal);
-    handle(SIGTERM, onSignal);
+    for (const int signal : {SIGINT, SIGTERM}) {
+        struct sigaction before{};
+        ::sigaction(signal, nullptr, &before);
+        if (before.sa_handler != SIG_IGN) {  // whoever started us may want it ignored, as shells do in the background
+            handle(signal, onSignal);
+        }
+    }
     handle(SIGPIPE, SIG_IGN);
 }
 
 QtTermination::~QtTermination() {
-    handle(SIGINT, SIG_DFL);
-    handle(SIGTERM, SIG_DFL);
+    for (const int signal : {SIGINT, SIGTERM}) {
+        struct sigaction now{};
+        ::sigaction(signal, nullptr, &now);
+        if (now.sa_handler == onSignal) {
+            handle(signal, SIG_DFL);
+        }
+    }
     notifier_.reset();
     ::close(wakeFd.exchange(-1));
+}
+
+void QtTermination::announceEnd() {
+    notifier_->setEnabled(false);
+    onSignal(0);
 }
 
 int QtTermination::descriptor() const {

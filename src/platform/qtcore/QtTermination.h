@@ -14,7 +14,10 @@ public:
     explicit QtTermination(std::function<void()> onTerminate);
     ~QtTermination();
 
-    /// Can be read from a signal on until the call has been made: for those who wait outside the loop.
+    /// The program ends for another reason; no signal is told any more.
+    void announceEnd();
+
+    /// Can be read from a signal or `announceEnd` on: for those who wait outside the loop.
     [[nodiscard]] int descriptor() const;
 
 private:

@@ -32,11 +32,11 @@ SecretStore* LoadedSecretStore::store() {
     }
     // Never unloaded: GLib's types cannot be.
     const auto path = InstalledBundle::program("glintar-secret.so");
-    void* const module = ::dlopen(path ? path->c_str() : "glintar-secret.so", RTLD_NOW | RTLD_LOCAL | RTLD_NODELETE);
+    void* const module = path ? ::dlopen(path->c_str(), RTLD_NOW | RTLD_LOCAL | RTLD_NODELETE) : nullptr;
     auto* const make = module ? reinterpret_cast<MakeSecretStore*>(::dlsym(module, "glintarMakeSecretStore")) : nullptr;
     if (!make) {
         hasFailed_ = true;
-        console_.print(std::string("⚠️ [KeyStore] ") + ::dlerror());
+        console_.print(std::string("⚠️ [KeyStore] ") + (path ? ::dlerror() : "glintar-secret.so is not installed"));
         return nullptr;
     }
     store_.reset(make(runLoop_));

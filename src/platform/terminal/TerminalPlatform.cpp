@@ -34,6 +34,7 @@ int TerminalPlatform::exec() {
 void TerminalPlatform::exit(int status) {
     if (!exitStatus_) {
         exitStatus_ = status;
+        termination_.announceEnd();
         QCoreApplication::exit(status);
     }
 }

@@ -6,6 +6,7 @@
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <fstream>
 
@@ -88,6 +89,15 @@ TEST_F(PreferencesTest, APlaceThatCannotBeWrittenIsSaid) {
     EXPECT_FALSE(preferences.boolean("showGasFee"));
     preferences.setBoolean("showGasFee", true);
     EXPECT_EQ(console.count("could not be written"), 1);
+}
+
+TEST_F(PreferencesTest, APipeInItsPlaceIsNotWaitedFor) {
+    std::filesystem::create_directories(file.parent_path());
+    ASSERT_EQ(::mkfifo(file.c_str(), 0600), 0);
+    QtPreferences preferences(file, console);
+    EXPECT_FALSE(preferences.boolean("showGasFee"));
+    preferences.watch();
+    EXPECT_EQ(console.count("not a regular file"), 1);
 }
 
 TEST_F(PreferencesTest, AChangeByAnotherProcessIsNoticedHoweverItIsWritten) {
