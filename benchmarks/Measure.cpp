@@ -38,14 +38,14 @@ std::atomic<std::int64_t> mostAllocated = 0;
 }  // namespace
 
 void printHeader() {
-    fmt::print("{:<58}{:>12}{:>12}{:>8}{:>8}  \n", "what", "ours", "floor", "ratio", "goal");
+    fmt::print("{:<58}{:>14}{:>14}{:>8}{:>8}\n", "what", "ours", "floor", "ratio", "goal");
 }
 
 void printRow(const Row& row) {
     const bool hasFloor = row.floor > 0;
     const double judged = hasFloor ? row.ours / row.floor : row.ours;
     const auto number = [&](double value) { return fmt::format("{:.4g} {}", value, row.unit); };
-    fmt::print("{:<58}{:>12}{:>12}{:>8}{:>8}  {}\n", row.name + (hasFloor ? " / " + row.floorName : ""),
+    fmt::print("{:<58}{:>14}{:>14}{:>8}{:>8}  {}\n", row.name + (hasFloor ? " / " + row.floorName : ""),
                number(row.ours), hasFloor ? number(row.floor) : "", hasFloor ? fmt::format("{:.2f}", judged) : "",
                fmt::format("{:.4g}", row.goal), judged <= row.goal ? "met" : "missed");
     std::fflush(stdout);

@@ -36,7 +36,7 @@ void benchOnce(const std::string& programs) {
             setting += words[i] + " ";
         }
         printRow({fmt::format("line --once, {}", name), instructionsOf(setting, {words.back(), "line", "--once"}) / 1e6,
-                  instructionsOf("", curl) / 1e6, besideCurl, "M instr", "curl"});
+                  instructionsOf("", curl) / 1e6, besideCurl, "Minstr", "curl"});
     }
 }
 
