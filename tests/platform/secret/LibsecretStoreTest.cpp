@@ -14,6 +14,10 @@
 namespace glintar::platform {
 namespace {
 
+// Far above the 100 ms that a call may wait, for machines that are busy, and far below the 25 s that a service which
+// never answers would take.
+constexpr auto kAtOnce = std::chrono::milliseconds{400};
+
 using namespace std::chrono_literals;
 using Clock = std::chrono::steady_clock;
 using Manner = DeafPeer::Manner;
@@ -215,7 +219,7 @@ TEST_F(LibsecretStoreTest, ReadsALockedKeyRingWithoutAskingAndFollowsItsUnlockin
     bus.lockKeyRing();
     EXPECT_TRUE(changesTo("<locked>"));
 
-    EXPECT_LT(timed([&] { store.reset(); }), 100ms) << "with the prompt still open";
+    EXPECT_LT(timed([&] { store.reset(); }), kAtOnce) << "with the prompt still open";
 }
 
 TEST_F(LibsecretStoreTest, TakesBackWhatTheServiceRefuses) {
@@ -246,7 +250,7 @@ TEST_F(LibsecretStoreTest, SurvivesTheEndOfTheKeyRingAndFindsTheNextOne) {
     bus.stopKeyRing();
 
     EXPECT_EQ(read(), "old");
-    EXPECT_LT(timed([&] { EXPECT_EQ(read("other"), "<unavailable>"); }), 100ms);
+    EXPECT_LT(timed([&] { EXPECT_EQ(read("other"), "<unavailable>"); }), kAtOnce);
     store->add("exchange", "me", "new");
     EXPECT_TRUE(changesTo("old"));
     EXPECT_TRUE(reads("<unavailable>", "third"));
@@ -262,7 +266,7 @@ TEST_F(LibsecretStoreTest, WaitsOnceForAServiceThatNeverAnswers) {
     const auto deaf = std::make_unique<DeafPeer>(bus, "org.freedesktop.secrets", Manner::Silent);
     const auto first = timed([&] { EXPECT_EQ(read(), "<pending>"); });
     EXPECT_GE(first, 100ms);
-    EXPECT_LT(first, 150ms);
+    EXPECT_LT(first, kAtOnce);
     EXPECT_LT(timed([&] {
                   EXPECT_EQ(read(), "<pending>");
                   EXPECT_EQ(read("other"), "<pending>");
@@ -272,7 +276,7 @@ TEST_F(LibsecretStoreTest, WaitsOnceForAServiceThatNeverAnswers) {
               }),
               20ms);
     EXPECT_GT(deaf->calls(), 0);
-    EXPECT_LT(timed([&] { store.reset(); }), 100ms);
+    EXPECT_LT(timed([&] { store.reset(); }), kAtOnce);
 }
 
 TEST_F(LibsecretStoreTest, RecoversWhenADeafServiceIsReplaced) {
@@ -345,7 +349,7 @@ TEST_F(LibsecretStoreWithoutBusTest, NeverStartsABus) {
             setenv("DBUS_SESSION_BUS_ADDRESS", address, 1);
         }
         EXPECT_FALSE(LibsecretStore::busIsThere());
-        EXPECT_LT(timed([&] { EXPECT_EQ(read(), "<unavailable>"); }), 20ms);
+        EXPECT_LT(timed([&] { EXPECT_EQ(read(), "<unavailable>"); }), kAtOnce);
         EXPECT_EQ(store->add("exchange", "me", "typed"), Status::Unavailable);
         EXPECT_EQ(store->remove("exchange", "me"), Status::Unavailable);
     }
