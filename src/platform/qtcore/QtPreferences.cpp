@@ -133,7 +133,7 @@ void QtPreferences::watch() {
     QObject::connect(watcher_.get(), &QFileSystemWatcher::directoryChanged, settled_.get(),
                      qOverload<>(&QTimer::start));
     QObject::connect(settled_.get(), &QTimer::timeout, settled_.get(), [this] {
-        watchPaths();  // a file that was replaced is watched no more
+        watchPaths();  // a file or folder that was replaced is watched no more
         if (onExternalChange) {
             onExternalChange();
         }
@@ -141,12 +141,19 @@ void QtPreferences::watch() {
 }
 
 void QtPreferences::watchPaths() {
-    for (const auto& path : {file_, file_.parent_path()}) {
-        std::error_code ignored;
-        if (std::filesystem::exists(path, ignored)) {
-            watcher_->addPath(QString::fromStdString(path.string()));
-        }
+    if (const auto watched = watcher_->files() + watcher_->directories(); !watched.isEmpty()) {
+        watcher_->removePaths(watched);
     }
+    std::error_code ignored;
+    if (std::filesystem::exists(file_, ignored)) {
+        watcher_->addPath(QString::fromStdString(file_.string()));
+    }
+    // The folder, or what is left above it: it may come back.
+    auto folder = file_.parent_path();
+    while (!std::filesystem::exists(folder, ignored) && folder != folder.root_path()) {
+        folder = folder.parent_path();
+    }
+    watcher_->addPath(QString::fromStdString(folder.string()));
 }
 
 }  // namespace glintar::platform

@@ -124,6 +124,12 @@ TEST_F(PreferencesTest, AChangeByAnotherProcessIsNoticedHoweverItIsWritten) {
         expectChange(how);
     }
     EXPECT_EQ(preferences.integer("gasSource"), 2);
+    std::filesystem::remove_all(file.parent_path());
+    expectChange("removed with its folder");
+    EXPECT_EQ(preferences.integer("gasSource"), 0);
+    write("[General]\ngasSource=2\n");
+    expectChange("made again with its folder");
+    EXPECT_EQ(preferences.integer("gasSource"), 2);
     // A writer in several steps, each as long as the last: one notice, and the last step counts.
     const int before = changes;
     for (const char step : {'3', '4', '5'}) {
