@@ -217,6 +217,12 @@ std::string validUtf8(std::string_view text) {
     return replacing(text, [](UChar32) { return false; });
 }
 
+std::string printable(std::string_view text) {
+    return replacing(text, [](UChar32 codePoint) {
+        return codePoint != '\n' && codePoint != '\t' && breaksLineOrTerminal(codePoint);
+    });
+}
+
 std::string oneLine(std::string_view text) {
     return replacing(text, breaksLineOrTerminal);
 }

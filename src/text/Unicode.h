@@ -30,4 +30,7 @@ namespace glintar::text {
 /// become U+FFFD.
 [[nodiscard]] std::string oneLine(std::string_view text);
 
+/// The same for text of several lines: line feeds and tabs stay.
+[[nodiscard]] std::string printable(std::string_view text);
+
 }  // namespace glintar::text

@@ -6,7 +6,6 @@
 #include <sys/ioctl.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cstdlib>
 
 namespace glintar::platform {
@@ -27,20 +26,6 @@ bool canRedraw() {
 std::size_t columns() {
     winsize size{};
     return ::ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : 80;
-}
-
-std::string withoutControls(std::string_view text) {
-    std::string clean(text);
-    for (std::size_t i = 0; i < clean.size(); ++i) {
-        const auto byte = static_cast<unsigned char>(clean[i]);
-        const auto next = i + 1 < clean.size() ? static_cast<unsigned char>(clean[i + 1]) : 0;
-        if ((byte < 0x20 && byte != '\n' && byte != '\t') || byte == 0x7f) {
-            clean[i] = '?';
-        } else if (byte == 0xc2 && next >= 0x80 && next < 0xa0) {  // U+0080 to U+009F
-            clean.replace(i, 2, "?");
-        }
-    }
-    return clean;
 }
 
 }  // namespace
@@ -67,7 +52,7 @@ int TerminalScreen::redrawLine(std::string_view text) {
 }
 
 void TerminalScreen::writeError(std::string_view text) {
-    const auto clean = withoutControls(text) + '\n';
+    const auto clean = text::printable(text) + '\n';
     const std::lock_guard lock(mutex_);
     const bool isInTheWay = sharesTerminal_ && !liveLine_.empty();
     // What cannot be written is lost; there is nobody to tell.

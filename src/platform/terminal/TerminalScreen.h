@@ -19,8 +19,7 @@ public:
     [[nodiscard]] int printLine(std::string_view text);
     [[nodiscard]] int redrawLine(std::string_view text);
 
-    /// Writes to standard error; control characters but line breaks and tabs become question marks, since part of the
-    /// text comes from servers.
+    /// Writes to standard error what of the text is fit for a terminal, since part of it comes from servers.
     void writeError(std::string_view text);
 
 private:
