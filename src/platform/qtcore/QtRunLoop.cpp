@@ -1,19 +1,18 @@
 #include "platform/qtcore/QtRunLoop.h"
 
-#include <QCoreApplication>
 #include <QThread>
 #include <QTimerEvent>
+#include <sys/eventfd.h>
 #include <time.h>
+#include <unistd.h>
 
 namespace glintar::platform {
 
-namespace {
+QtRunLoop::QtRunLoop()
+    : wake_(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)), wakeNotifier_(wake_.number(), QSocketNotifier::Read) {
+    connect(&wakeNotifier_, &QSocketNotifier::activated, this, [this] { runPosted(); });
+}
 
-const QEvent::Type kPosted = static_cast<QEvent::Type>(QEvent::registerEventType());
-
-}  // namespace
-
-QtRunLoop::QtRunLoop() = default;
 QtRunLoop::~QtRunLoop() = default;
 
 void QtRunLoop::post(Task task) {
@@ -24,7 +23,8 @@ void QtRunLoop::post(Task task) {
         posted_.push_back(std::move(task));
     }
     if (isFirst) {
-        QCoreApplication::postEvent(this, new QEvent(kPosted));
+        const std::uint64_t one = 1;
+        [[maybe_unused]] const auto written = ::write(wake_.number(), &one, sizeof one);
     }
 }
 
@@ -67,14 +67,6 @@ WallTime QtRunLoop::wallNow() const {
     return std::chrono::system_clock::now();
 }
 
-bool QtRunLoop::event(QEvent* event) {
-    if (event->type() == kPosted) {
-        runPosted();
-        return true;
-    }
-    return QObject::event(event);
-}
-
 void QtRunLoop::timerEvent(QTimerEvent* event) {
     killTimer(event->timerId());
     timerId_ = 0;
@@ -88,6 +80,8 @@ void QtRunLoop::timerEvent(QTimerEvent* event) {
 }
 
 void QtRunLoop::runPosted() {
+    std::uint64_t count = 0;
+    [[maybe_unused]] const auto got = ::read(wake_.number(), &count, sizeof count);
     std::vector<Task> tasks;
     {
         const std::lock_guard lock(mutex_);
