@@ -1,0 +1,54 @@
+#pragma once
+
+#include "platform/Graphics.h"
+
+#include <functional>
+#include <memory>
+#include <string>
+
+namespace glintar::platform {
+
+/// A window without a frame that shows one picture above everything else. It never has the focus and lets the mouse
+/// through to what lies beneath. Not on screen until it is ordered to the front. Main thread only.
+class Window {
+public:
+    virtual ~Window() = default;
+
+    /// The picture fills the window's frame and so much more on every side, where its shadow lies.
+    virtual void setPicture(ImagePtr picture, double margin) = 0;
+
+    virtual void setFrame(const Rect& frame) = 0;
+    virtual void setFrameOrigin(const Point& origin) = 0;
+    [[nodiscard]] virtual Rect frame() const = 0;
+
+    virtual void setAlpha(double alpha) = 0;
+    [[nodiscard]] virtual double alpha() const = 0;
+
+    virtual void orderFront() = 0;
+    virtual void orderOut() = 0;
+    [[nodiscard]] virtual bool isShown() const = 0;
+
+    /// Pixels to a point where the window is.
+    [[nodiscard]] virtual double scale() const = 0;
+
+    /// Whether what lies beneath shows through. Without a compositor it does not: the picture must then have no
+    /// shadow, and of its pixels those are shown that are at least half opaque.
+    [[nodiscard]] virtual bool isTranslucent() const = 0;
+
+    /// Runs when `scale` or `isTranslucent` answers differently.
+    std::function<void()> onSurroundingsChanged;
+};
+
+/// Makes windows and tells the user things. Main thread only.
+class WindowServer {
+public:
+    virtual ~WindowServer() = default;
+
+    /// `title` is what window rules go by.
+    [[nodiscard]] virtual std::unique_ptr<Window> makeOverlay(std::string title) = 0;
+
+    /// A passing notice of the desktop's, or a line on the console where there is none.
+    virtual void notify(std::string title, std::string text) = 0;
+};
+
+}  // namespace glintar::platform

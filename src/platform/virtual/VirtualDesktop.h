@@ -1,0 +1,120 @@
+#pragma once
+
+#include "platform/Desktop.h"
+#include "platform/DesktopEvents.h"
+#include "platform/NotificationCenter.h"
+#include "platform/Pointer.h"
+#include "platform/StatusBar.h"
+#include "platform/Window.h"
+#include "platform/virtual/VirtualGraphics.h"
+
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace glintar::platform {
+
+/// What a status item was last told. Outlives the item, so that a test can look at it.
+struct ItemState {
+    StatusItem* item = nullptr;  ///< null once the item is gone
+    StatusItem::Length length = StatusItem::Length::Variable;
+    bool isVisible = true;
+    ImagePtr image;
+    int imagesSet = 0;
+    AttributedText title;
+    int titlesSet = 0;
+    std::string description;
+    std::string toolTip;
+    Menu menu;
+    std::optional<Point> menuShownAt;
+    Rect frame;
+};
+
+class VirtualStatusBar final : public StatusBar {
+public:
+    std::unique_ptr<StatusItem> addItem(StatusItem::Length length) override;
+    double scale() const override { return pixelsPerPoint; }
+    void setScale(double scale);
+
+    double pixelsPerPoint = 1;
+    std::vector<std::shared_ptr<ItemState>> items;  ///< in the order in which they were added
+};
+
+class VirtualEvents final : public DesktopEvents {
+public:
+    explicit VirtualEvents(NotificationCenter& notifications) : notifications_(notifications) {}
+    Appearance appearance() const override { return appearance_; }
+    void setAppearance(Appearance appearance);
+
+private:
+    NotificationCenter& notifications_;
+    Appearance appearance_ = Appearance::Light;
+};
+
+class VirtualPointer final : public Pointer {
+public:
+    std::optional<Point> position() override {
+        ++asked;
+        return at;
+    }
+    std::optional<Point> at = Point{};
+    int asked = 0;
+};
+
+/// Keeps what it was told, beside a log of the order in which it was told.
+class VirtualWindow final : public Window {
+public:
+    void setPicture(ImagePtr newPicture, double newMargin) override;
+    void setFrame(const Rect& frame) override { frame_ = frame; }
+    void setFrameOrigin(const Point& origin) override;
+    Rect frame() const override { return frame_; }
+    void setAlpha(double alpha) override { alpha_ = alpha; }
+    double alpha() const override { return alpha_; }
+    void orderFront() override;
+    void orderOut() override { isShown_ = false; }
+    bool isShown() const override { return isShown_; }
+    double scale() const override { return pixelsPerPoint; }
+    bool isTranslucent() const override { return hasCompositor; }
+
+    std::string title;
+    ImagePtr picture;
+    double margin = 0;
+    int picturesSet = 0;
+    int moves = 0;
+    int ordersFront = 0;
+    double pixelsPerPoint = 1;
+    bool hasCompositor = true;
+
+private:
+    Rect frame_;
+    double alpha_ = 1;
+    bool isShown_ = false;
+};
+
+class VirtualWindowServer final : public WindowServer {
+public:
+    std::unique_ptr<Window> makeOverlay(std::string title) override;
+    void notify(std::string title, std::string text) override;
+
+    std::vector<VirtualWindow*> overlays;  ///< all that were made; the test knows which are still there
+    std::vector<std::pair<std::string, std::string>> notices;
+};
+
+/// A screen, a status bar and a pointer in memory, for tests.
+class VirtualDesktop {
+public:
+    explicit VirtualDesktop(NotificationCenter& notifications) : events(notifications) {}
+    [[nodiscard]] Desktop& desktop() { return desktop_; }
+
+    VirtualGraphics graphics;
+    VirtualEvents events;
+    VirtualStatusBar statusBar;
+    VirtualPointer pointer;
+    VirtualWindowServer windows;
+
+private:
+    Desktop desktop_{graphics, events, statusBar, pointer, windows};
+};
+
+}  // namespace glintar::platform
