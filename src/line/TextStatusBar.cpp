@@ -39,14 +39,17 @@ void TextStatusBar::refreshCompleted() {
     }
 }
 
-void TextStatusBar::showProgress(double elapsed, platform::Seconds remaining) {
+platform::Seconds TextStatusBar::showProgress(const menubar::Countdown& countdown) {
     static constexpr std::array<std::string_view, 4> kPies{"○", "◔", "◑", "◕"};
-    const auto pie = kPies[std::min<std::size_t>(static_cast<std::size_t>(elapsed * kPies.size()), kPies.size() - 1)];
-    auto countdown = fmt::format("{} {:2.0f}s ", pie, std::ceil(std::max(remaining.count(), 0.0)));
-    if (countdown != countdown_) {
-        countdown_ = std::move(countdown);
+    const auto quarter = static_cast<std::size_t>(countdown.elapsed * kPies.size());
+    const double remaining = std::max(countdown.remaining.count(), 0.0);
+    const double seconds = std::ceil(remaining);
+    auto text = fmt::format("{} {:2.0f}s ", kPies[std::min(quarter, kPies.size() - 1)], seconds);
+    if (text != countdown_) {
+        countdown_ = std::move(text);
         redraw();
     }
+    return platform::Seconds(remaining > 0 ? remaining - (seconds - 1) : 1);
 }
 
 void TextStatusBar::redraw() {

@@ -32,10 +32,10 @@ public:
     std::function<void(bool hasQuotes)> onRefreshed;
 
     void showLine(const menubar::StatusLine& line, std::optional<std::string> tooltip) override;
-    void hideLine() override {}
+    void show(menubar::DisplayMode) override {}
     void refreshCompleted() override;
     bool showsProgress() const override { return options_.isLive; }
-    void showProgress(double elapsed, platform::Seconds remaining) override;
+    platform::Seconds showProgress(const menubar::Countdown& countdown) override;
     bool canBeCovered() const override { return false; }
     void checkVisibility() override {}
     void updatePanel(menubar::PanelData) override {}

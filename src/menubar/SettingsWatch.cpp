@@ -26,16 +26,20 @@ SettingsWatch::Snapshot SettingsWatch::read() const {
     const auto& preferences = platform_.preferences;
     return {.coins = preferences.data(config::kSavedCoinsKey),
             .source = preferences.string(config::kSelectedSource),
-            .display = {preferences.integer(config::kDisplayMode), preferences.integer(config::kGasSource),
-                        preferences.boolean(config::kFloatTransparent), preferences.boolean(config::kShowChange),
-                        preferences.boolean(config::kShowHighLow), preferences.boolean(config::kShowSparkline),
-                        preferences.boolean(config::kShowGasFee), preferences.real(config::kFloatOffset)}};
+            .displayMode = preferences.integer(config::kDisplayMode),
+            .display = {preferences.integer(config::kGasSource), preferences.boolean(config::kFloatTransparent),
+                        preferences.boolean(config::kShowChange), preferences.boolean(config::kShowHighLow),
+                        preferences.boolean(config::kShowSparkline), preferences.boolean(config::kShowGasFee),
+                        preferences.real(config::kFloatOffset)}};
 }
 
 void SettingsWatch::onPreferencesChanged() {
     const auto before = std::exchange(last_, read());
     if (before.display != last_.display) {
         platform_.notifications.post(kDisplaySettingsChanged);
+    }
+    if (before.displayMode != last_.displayMode) {
+        platform_.notifications.post(kDisplayModeChanged);
     }
     if (before.coins != last_.coins || before.source != last_.source) {
         platform_.notifications.post(config::kCoinsUpdated);

@@ -24,7 +24,8 @@ private:
     struct Snapshot {
         std::optional<std::string> coins;
         std::optional<std::string> source;
-        std::tuple<std::int64_t, std::int64_t, bool, bool, bool, bool, bool, double> display;
+        std::int64_t displayMode = 0;
+        std::tuple<std::int64_t, bool, bool, bool, bool, bool, double> display;
     };
     [[nodiscard]] Snapshot read() const;
     void onPreferencesChanged();

@@ -6,6 +6,7 @@
 #include "menubar/RefreshState.h"
 #include "menubar/StatusSurface.h"
 #include "platform/Console.h"
+#include "platform/DesktopEvents.h"
 #include "platform/Platform.h"
 #include "platform/Preferences.h"
 #include "platform/Registry.h"
@@ -36,21 +37,27 @@ platform::Duration asDuration(platform::Seconds seconds) {
 StatusBarController::StatusBarController(platform::Platform& platform, StatusSurface& surface, Options options)
     : platform_(platform),
       surface_(surface),
+      options_(options),
       state_(RefreshState::shared(platform)),
-      currentDisplayMode_(
-          options.displayMode.value_or(static_cast<int>(platform.preferences.integer(config::kDisplayMode)))),
+      currentDisplayMode_(readDisplayMode()),
       lastGasSource_(platform.preferences.integer(config::kGasSource)),
       lastShowGasFee_(platform.preferences.boolean(config::kShowGasFee)) {
-    auto& notifications = platform.notifications;
-    observations_.push_back(notifications.observe(market::kCoolDownEnded, [this] { forceFullUpdate(); }));
-    observations_.push_back(notifications.observe(config::kCoinsUpdated, [this] { onSettingsChanged(); }));
-    observations_.push_back(notifications.observe(kDisplaySettingsChanged, [this] { onDisplaySettingsChanged(); }));
+    const auto observe = [&](std::string_view name, void (StatusBarController::*handle)()) {
+        observations_.push_back(platform.notifications.observe(name, [this, handle] { (this->*handle)(); }));
+    };
+    observe(market::kCoolDownEnded, &StatusBarController::forceFullUpdate);
+    observe(config::kCoinsUpdated, &StatusBarController::onSettingsChanged);
+    observe(kDisplayModeChanged, &StatusBarController::onDisplayModeChanged);
+    observe(kDisplaySettingsChanged, &StatusBarController::onDisplaySettingsChanged);
+    observe(platform::kMachineResumed, &StatusBarController::onResumed);
+    observe(platform::kNetworkCameBack, &StatusBarController::onNetworkBack);
 }
 
 StatusBarController::~StatusBarController() = default;
 
 void StatusBarController::start() {
     restartTimers();
+    surface_.show(currentDisplayMode_);
     firstRefresh_ = platform_.runLoop.after(kStartDelay, [this] { refreshAll(Scope::Everything); });
 }
 
@@ -63,6 +70,24 @@ void StatusBarController::refreshOnce() {
     }
 }
 
+DisplayMode StatusBarController::readDisplayMode() const {
+    const bool isPanel = platform_.preferences.integer(config::kDisplayMode) == 1;
+    return options_.displayMode.value_or(isPanel ? DisplayMode::Panel : DisplayMode::Line);
+}
+
+void StatusBarController::onDisplayModeChanged() {
+    currentDisplayMode_ = readDisplayMode();
+    platform_.console.debug(
+        fmt::format("🔄 [System] 模式切换 -> {}", currentDisplayMode_ == DisplayMode::Panel ? 1 : 0));
+    surface_.show(currentDisplayMode_);
+    restartProgress();
+    if (cachedMarketData_) {
+        redisplayFromCache();
+    } else {
+        refreshAll(Scope::Everything);
+    }
+}
+
 void StatusBarController::onSettingsChanged() {
     isApiKeyInvalid_ = false;
     refreshAll(Scope::Everything);
@@ -70,29 +95,65 @@ void StatusBarController::onSettingsChanged() {
 
 void StatusBarController::restartTimers() {
     timer_.reset();
-    progressTimer_.reset();
     state_.currentInterval = calculateRefreshInterval();
+    expectNextFetch();
+    timer_ = platform_.runLoop.every(asDuration(state_.currentInterval), [this] { onTimer(); });
+    restartProgress();
+}
+
+void StatusBarController::expectNextFetch() {
     const auto interval = asDuration(state_.currentInterval);
     state_.nextFetchTime = platform_.runLoop.now() + interval;
-    timer_ = platform_.runLoop.every(interval, [this] { onTimer(); });
-    if (surface_.showsProgress()) {
-        progressTimer_ = platform_.runLoop.every(kProgressInterval, [this] { onProgress(); });
-    }
+    nextFetchDue_ = platform_.runLoop.bootNow() + interval;
 }
 
 void StatusBarController::onTimer() {
     fetchAndDisplayPrice(Urgency::Timer, Scope::Everything);
-    state_.nextFetchTime = platform_.runLoop.now() + asDuration(state_.currentInterval);
+    expectNextFetch();
     checkVisibilityAfter(1s);
 }
 
-void StatusBarController::onProgress() {
-    if (currentDisplayMode_ != 0) {
-        return;
+void StatusBarController::restartProgress() {
+    progressTimer_.reset();
+    if (currentDisplayMode_ == DisplayMode::Line && surface_.showsProgress()) {
+        progressTimer_ = platform_.runLoop.after(kProgressInterval, [this] { onProgress(); });
     }
+}
+
+/// A countdown that is seen moves ten times a second at most, and wakes nobody up while it looks the same.
+void StatusBarController::onProgress() {
     const platform::Seconds remaining = state_.nextFetchTime - platform_.runLoop.now();
     const double elapsed = (state_.currentInterval - remaining) / state_.currentInterval;
-    surface_.showProgress(std::clamp(elapsed, 0.0, 1.0), remaining);
+    const auto unchanged = surface_.showProgress(
+        {.elapsed = std::clamp(elapsed, 0.0, 1.0), .remaining = remaining, .interval = state_.currentInterval});
+    const auto wait =
+        std::clamp(asDuration(unchanged), platform::Duration(kProgressInterval), asDuration(state_.currentInterval));
+    progressTimer_ = platform_.runLoop.after(wait, [this] { onProgress(); });
+}
+
+/// The timers stood still while the machine slept, the markets did not.
+void StatusBarController::onResumed() {
+    if (timer_ && platform_.runLoop.bootNow() >= nextFetchDue_) {
+        refreshSoon();
+    }
+    isFetchDoubtful_ = isFetching_;
+}
+
+void StatusBarController::onNetworkBack() {
+    if (timer_ && hasFailed_) {
+        refreshSoon();
+    }
+    isFetchDoubtful_ = isFetching_;
+}
+
+/// A refresh now instead of the next one that was due. Two seconds lie between requests, however often the network
+/// comes and goes.
+void StatusBarController::refreshSoon() {
+    const auto now = platform_.runLoop.now();
+    const auto earliest = lastRequestTime_ ? *lastRequestTime_ + kDebounceWindow : now;
+    restartTimers();
+    pendingRequestWorkItem_ = platform_.runLoop.after(std::max<platform::Duration>(kForcedDelay, earliest - now),
+                                                      [this] { performFetch(Scope::Everything); });
 }
 
 platform::Seconds StatusBarController::calculateRefreshInterval() {
@@ -120,7 +181,7 @@ void StatusBarController::refreshAll(Scope scope) {
     }
     if (cachedMarketData_) {
         const auto coins = config::loadSavedCoins(platform_);
-        if (currentDisplayMode_ == 0) {
+        if (currentDisplayMode_ == DisplayMode::Line) {
             renderStatusItem(coins, *cachedMarketData_, std::nullopt);
         } else {
             updatePanel(coins);

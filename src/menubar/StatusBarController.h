@@ -20,11 +20,16 @@ struct Platform;
 
 namespace glintar::menubar {
 
+enum class DisplayMode;
 class StatusSurface;
+struct Countdown;
 struct RefreshState;
 
 /// Posted after the display settings have been saved.
 inline constexpr std::string_view kDisplaySettingsChanged = "DisplaySettingsChanged";
+
+/// Posted after that when the display mode may be another one.
+inline constexpr std::string_view kDisplayModeChanged = "DisplayModeChanged";
 
 /// The presenter: decides when quotes are fetched, joins them with the network fee, keeps the last good answer and
 /// hands it to the surface. Every 60 seconds, or 30 when the user has an API key for the selected source. At most one
@@ -35,8 +40,7 @@ public:
     enum class Scope { Everything, OnlyGas };
 
     struct Options {
-        /// The display mode, whatever the preferences say; 0 is the line, 1 the panel.
-        std::optional<int> displayMode;
+        std::optional<DisplayMode> displayMode;  ///< whatever the preferences say
     };
 
     StatusBarController(platform::Platform& platform, StatusSurface& surface, Options options);
@@ -44,7 +48,7 @@ public:
     StatusBarController& operator=(const StatusBarController&) = delete;
     ~StatusBarController();
 
-    /// Starts the timers; the first refresh comes a second later.
+    /// Shows the line or the panel and starts the timers; the first refresh comes a second later.
     void start();
 
     /// One refresh now, without timers. Completes at once, with nothing, when there is no coin to ask for.
@@ -58,13 +62,23 @@ public:
     /// Coins, source or API key may have changed.
     void onSettingsChanged();
     void onDisplaySettingsChanged();
+    void onDisplayModeChanged();
+
+    /// Shows what the last good answer brought once more, without an error.
+    void redisplayFromCache();
 
 private:
     struct FetchResult;
 
+    DisplayMode readDisplayMode() const;
     void restartTimers();
     void onTimer();
+    void expectNextFetch();
+    void restartProgress();
     void onProgress();
+    void onResumed();
+    void onNetworkBack();
+    void refreshSoon();
     platform::Seconds calculateRefreshInterval();
     void performFetch(Scope scope);
     void addPhantomCoin(std::vector<config::Coin>& coins);
@@ -73,18 +87,21 @@ private:
     void renderStatusItem(const std::vector<config::Coin>& coins, const market::MarketDataMap& quotes,
                           std::optional<std::string> error);
     void updatePanel(const std::vector<config::Coin>& coins);
-    void redisplayFromCache();
     void checkVisibilityAfter(platform::Duration delay);
 
     platform::Platform& platform_;
     StatusSurface& surface_;
+    const Options options_;
     RefreshState& state_;
 
     bool isApiKeyInvalid_ = false;
     std::optional<market::MarketDataMap> cachedMarketData_;
     std::optional<double> currentGasPrice_;
-    int currentDisplayMode_ = 0;
+    DisplayMode currentDisplayMode_;
     bool isFetching_ = false;
+    bool hasFailed_ = false;        ///< the last fetch
+    bool isFetchDoubtful_ = false;  ///< the machine slept, or the network came back, while it was under way
+    platform::BootInstant nextFetchDue_;
     std::optional<platform::Instant> lastRequestTime_;
     std::int64_t lastGasSource_ = 0;
     bool lastShowGasFee_ = false;

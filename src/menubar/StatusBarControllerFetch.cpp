@@ -43,6 +43,7 @@ void StatusBarController::performFetch(Scope scope) {
         return;
     }
     isFetching_ = true;
+    isFetchDoubtful_ = false;
     lastRequestTime_ = platform_.runLoop.now();
     platform::DispatchGroup group;
     auto& service = market::CryptoService::shared(platform_);
@@ -121,11 +122,14 @@ void StatusBarController::handleFetchCompletion(FetchResult& result) {
         cachedMarketData_ = std::move(result.quotes);
         state_.latestMarketData = *cachedMarketData_;
     }
-    if (currentDisplayMode_ == 0) {
+    hasFailed_ = result.error.has_value();
+    if (hasFailed_ && std::exchange(isFetchDoubtful_, false)) {
+        refreshSoon();
+    }
+    if (currentDisplayMode_ == DisplayMode::Line) {
         renderStatusItem(result.coins, cachedMarketData_.value_or(market::MarketDataMap{}), std::move(result.error));
     } else {
         updatePanel(result.coins);
-        surface_.hideLine();
     }
     checkVisibilityAfter(500ms);
     surface_.refreshCompleted();  // last: it may end the program
@@ -160,11 +164,10 @@ void StatusBarController::redisplayFromCache() {
         return;
     }
     const auto coins = config::loadSavedCoins(platform_);
-    if (currentDisplayMode_ == 0) {
+    if (currentDisplayMode_ == DisplayMode::Line) {
         renderStatusItem(coins, *cachedMarketData_, std::nullopt);
     } else {
         updatePanel(coins);
-        surface_.hideLine();
     }
 }
 

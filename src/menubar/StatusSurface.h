@@ -19,6 +19,16 @@ struct PanelData {
     platform::Instant nextFetchTime;
 };
 
+/// Where prices are shown: in the status bar, or in the panel that follows the pointer.
+enum class DisplayMode { Line, Panel };
+
+/// How far it is to the next refresh.
+struct Countdown {
+    double elapsed = 0;  ///< of the interval, from 0 to 1
+    platform::Seconds remaining{};
+    platform::Seconds interval{};
+};
+
 /// Where the presenter's results go: a row of pills on a screen, or a line of text. Main thread only.
 ///
 /// The questions are asked each time; what nobody can see costs no timer.
@@ -26,22 +36,26 @@ class StatusSurface {
 public:
     virtual ~StatusSurface() = default;
 
-    /// Shows the line. `tooltip` is none when it is to stay as it was.
+    /// Shows the line or the panel and hides the other.
+    virtual void show(DisplayMode mode) = 0;
+
+    /// What the line shows from now on. `tooltip` is none when it is to stay as it was.
     virtual void showLine(const StatusLine& line, std::optional<std::string> tooltip) = 0;
-    virtual void hideLine() = 0;
+    virtual void updatePanel(PanelData data) = 0;
 
     /// A refresh has ended and what it brought has been shown.
     virtual void refreshCompleted() = 0;
 
-    /// Whether a countdown to the next refresh is to be seen, and its picture: `elapsed` from 0 to 1.
+    /// Whether the line has a countdown to the next refresh.
     [[nodiscard]] virtual bool showsProgress() const = 0;
-    virtual void showProgress(double elapsed, platform::Seconds remaining) = 0;
+
+    /// Shows the countdown; returns how long it will look the same.
+    virtual platform::Seconds showProgress(const Countdown& countdown) = 0;
 
     /// Whether other windows can cover the line, and the look whether they do.
     [[nodiscard]] virtual bool canBeCovered() const = 0;
     virtual void checkVisibility() = 0;
 
-    virtual void updatePanel(PanelData data) = 0;
     virtual void updateDashboardItem(std::string_view title, bool enabled) = 0;
 };
 

@@ -1,12 +1,9 @@
 // The refresh cycle as its user lives it, in virtual time.
 
 #include "keystore/KeychainHelper.h"
+#include "menubar/RefreshCycle.h"
 #include "menubar/RefreshState.h"
 #include "menubar/SettingsWatch.h"
-#include "menubar/StatusBarController.h"
-#include "menubar/StatusSurface.h"
-#include "platform/virtual/VirtualPlatform.h"
-#include "support/Market.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -14,90 +11,9 @@
 namespace glintar::menubar {
 namespace {
 
-using namespace std::chrono_literals;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
-
-/// Remembers what the presenter wanted seen.
-class RecordedSurface final : public StatusSurface {
-public:
-    void showLine(const StatusLine& shown, std::optional<std::string> text) override {
-        line = shown;
-        ++linesShown;
-        isHidden = false;
-        if (text) {
-            tooltip = *text;
-        }
-    }
-    void hideLine() override { isHidden = true; }
-    void refreshCompleted() override {
-        ++completed;
-        if (onCompleted) {
-            onCompleted();
-        }
-    }
-    bool showsProgress() const override { return hasProgress; }
-    void showProgress(double elapsed, platform::Seconds) override { progress.push_back(elapsed); }
-    bool canBeCovered() const override { return true; }
-    void checkVisibility() override { ++visibilityChecks; }
-    void updatePanel(PanelData data) override { panels.push_back(std::move(data)); }
-    void updateDashboardItem(std::string_view title, bool enabled) override { dashboard = enabled ? title : ""; }
-
-    StatusLine line;
-    std::string tooltip, dashboard;
-    int linesShown = 0, completed = 0, visibilityChecks = 0;
-    bool isHidden = false, hasProgress = false;
-    std::vector<double> progress;
-    std::vector<PanelData> panels;
-    std::function<void()> onCompleted;
-};
-
-class RefreshCycleTest : public testing::Test {
-protected:
-    RefreshCycleTest() {
-        test::ship(machine);
-        save({test::coin("BTC", "bitcoin")});
-        machine.http.answer("gecko.test", test::geckoAnswer({"bitcoin"}, 64000));
-        machine.http.answer("eth.test", R"({"result":{"average":12}})");
-        machine.http.answer("btc.test", R"({"halfHourFee":7})");
-    }
-
-    void save(const std::vector<config::Coin>& coins) { test::saveCoins(machine.preferences, coins); }
-
-    /// Starts the presenter and lets its first refresh pass.
-    void begin() {
-        make();
-        controller->start();
-        machine.advance(2s);
-    }
-
-    void make() { controller.emplace(machine.platform(), surface, StatusBarController::Options{}); }
-
-    void showGas(int source) {
-        machine.preferences.setBoolean("showGasFee", true);
-        machine.preferences.setInteger("gasSource", source);
-    }
-
-    void displaySettingsSaved() {
-        machine.notifications.post(kDisplaySettingsChanged);
-        machine.advance(1s);
-    }
-
-    int quotesAsked() const { return machine.http.asked("gecko.test"); }
-
-    std::vector<std::string> shownPrices() const {
-        std::vector<std::string> prices;
-        for (const auto& part : surface.line.coins) {
-            prices.push_back(part.price);
-        }
-        return prices;
-    }
-
-    platform::VirtualPlatform machine;
-    RecordedSurface surface;
-    std::optional<StatusBarController> controller;
-};
 
 TEST_F(RefreshCycleTest, PricesComeASecondAfterTheStartAndThenEveryMinute) {
     make();
@@ -344,7 +260,7 @@ TEST_F(RefreshCycleTest, ThePanelGetsTheFirstFiveAndTheLineIsHidden) {
     EXPECT_THAT(surface.panels[0].quotes, SizeIs(1));
     EXPECT_EQ(surface.panels[0].gasPrice, 7);
     EXPECT_EQ(surface.panels[0].nextFetchTime, RefreshState::shared(machine.platform()).nextFetchTime);
-    EXPECT_TRUE(surface.isHidden);
+    EXPECT_EQ(surface.mode, DisplayMode::Panel);
     EXPECT_EQ(surface.linesShown, 0);
     EXPECT_THAT(surface.progress, IsEmpty());
 
@@ -353,6 +269,37 @@ TEST_F(RefreshCycleTest, ThePanelGetsTheFirstFiveAndTheLineIsHidden) {
     EXPECT_EQ(machine.console.count("🚨 [API]"), 0) << "a rejected key shows only in the line";
     displaySettingsSaved();
     EXPECT_THAT(surface.panels, SizeIs(3));
+}
+
+TEST_F(RefreshCycleTest, TheDisplayModeChangesWhileTheProgramRunsWithoutAskingAgain) {
+    surface.hasProgress = true;
+    begin();
+    ASSERT_EQ(surface.mode, DisplayMode::Line);
+    const auto ticks = surface.progress.size();
+    machine.preferences.setInteger("displayMode", 1);
+    machine.notifications.post(kDisplayModeChanged);
+    EXPECT_EQ(surface.mode, DisplayMode::Panel);
+    EXPECT_THAT(surface.panels, SizeIs(1));
+    EXPECT_TRUE(machine.console.printed("🔄 [System] 模式切换 -> 1"));
+    machine.advance(10s);
+    EXPECT_EQ(surface.progress.size(), ticks) << "a countdown that nobody sees";
+
+    const int lines = surface.linesShown;
+    machine.preferences.setInteger("displayMode", 2);
+    machine.notifications.post(kDisplayModeChanged);
+    EXPECT_EQ(surface.mode, DisplayMode::Line) << "only 1 is the panel";
+    EXPECT_EQ(surface.linesShown, lines + 1);
+    machine.advance(1s);
+    EXPECT_GT(surface.progress.size(), ticks);
+    EXPECT_EQ(quotesAsked(), 1);
+}
+
+TEST_F(RefreshCycleTest, AModeChangeBeforeTheFirstQuotesAsksForThem) {
+    make();
+    machine.preferences.setInteger("displayMode", 1);
+    machine.notifications.post(kDisplayModeChanged);
+    machine.advance(100ms);
+    EXPECT_EQ(quotesAsked(), 1);
 }
 
 TEST_F(RefreshCycleTest, TheCountdownRunsWithTheIntervalAndOnlyWhereItIsSeen) {
@@ -368,6 +315,11 @@ TEST_F(RefreshCycleTest, TheCountdownRunsWithTheIntervalAndOnlyWhereItIsSeen) {
     EXPECT_NEAR(surface.progress.back(), 59.0 / 60, 1e-9);
     machine.advance(2s);
     EXPECT_NEAR(surface.progress.back(), 1.0 / 60, 1e-9);
+
+    surface.unchangedFor = platform::Seconds(5);
+    const auto before = surface.progress.size();
+    machine.advance(20s);
+    EXPECT_LE(surface.progress.size() - before, 5U) << "what looks the same is not drawn again";
 }
 
 TEST_F(RefreshCycleTest, TheLineIsLookedForAfterEachRefreshAndTick) {
@@ -412,6 +364,9 @@ TEST_F(RefreshCycleTest, SettingsWrittenByAnotherProcessTakeEffect) {
     machine.preferences.onExternalChange();
     machine.advance(1s);
     EXPECT_EQ(surface.line.gas.value().text, "7 sat");
+    machine.preferences.setInteger("displayMode", 1);
+    machine.preferences.onExternalChange();
+    EXPECT_EQ(surface.mode, DisplayMode::Panel);
 
     keystore::KeychainHelper(machine.platform()).save("CG-123", "apiKey_coingecko");
     machine.secrets.onChange();
