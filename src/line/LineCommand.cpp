@@ -14,15 +14,15 @@ constexpr int kDone = 0;
 constexpr int kNoQuotes = 1;
 constexpr int kFailed = 1;
 
-TextStatusBar::Options barOptions(const Arguments& arguments, const platform::TextOutput& output) {
+TextStatusBar::Options barOptions(const app::Arguments& arguments, const platform::TextOutput& output) {
     return {.format = arguments.format,
-            .isLive = output.isTerminal() && arguments.format == Format::Text && !arguments.once,
+            .isLive = output.isTerminal() && arguments.format == app::Format::Text && !arguments.once,
             .prefix = arguments.demo ? "[simulated] " : ""};
 }
 
 }  // namespace
 
-LineCommand::LineCommand(platform::Platform& platform, platform::TextOutput& output, const Arguments& arguments,
+LineCommand::LineCommand(platform::Platform& platform, platform::TextOutput& output, const app::Arguments& arguments,
                          std::function<void(int status)> finish)
     : platform_(platform),
       once_(arguments.once),

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "line/Arguments.h"
+#include "app/Arguments.h"
 #include "line/TextStatusBar.h"
 #include "menubar/StatusBarController.h"
 
@@ -18,7 +18,7 @@ namespace glintar::line {
 class LineCommand {
 public:
     /// `finish` takes the exit status, once at most; it may come before `start` returns.
-    LineCommand(platform::Platform& platform, platform::TextOutput& output, const Arguments& arguments,
+    LineCommand(platform::Platform& platform, platform::TextOutput& output, const app::Arguments& arguments,
                 std::function<void(int status)> finish);
 
     void start();

@@ -32,14 +32,14 @@ void TextStatusBar::showLine(const menubar::StatusLine& line, std::optional<std:
 
 void TextStatusBar::refreshCompleted() {
     if (!options_.isLive) {
-        output_.printLine(options_.format == Format::Json ? jsonText(line_, text_, tooltip_) : text_);
+        output_.printLine(options_.format == app::Format::Json ? jsonText(line_, text_, tooltip_) : text_);
     }
     if (onRefreshed) {
         onRefreshed(!line_.coins.empty());
     }
 }
 
-platform::Seconds TextStatusBar::showProgress(const menubar::Countdown& countdown) {
+platform::Seconds TextStatusBar::showProgress(const menubar::RefreshProgress& countdown) {
     static constexpr std::array<std::string_view, 4> kPies{"○", "◔", "◑", "◕"};
     const auto quarter = static_cast<std::size_t>(countdown.elapsed * kPies.size());
     const double remaining = std::max(countdown.remaining.count(), 0.0);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "line/Arguments.h"
+#include "app/Arguments.h"
 #include "menubar/StatusSurface.h"
 
 #include <functional>
@@ -18,7 +18,7 @@ namespace glintar::line {
 class TextStatusBar final : public menubar::StatusSurface {
 public:
     struct Options {
-        Format format = Format::Text;
+        app::Format format = app::Format::Text;
         bool isLive = false;  ///< redrawn in place; wants a terminal
         std::string prefix;   ///< before every line of text
     };
@@ -35,7 +35,7 @@ public:
     void show(menubar::DisplayMode) override {}
     void refreshCompleted() override;
     bool showsProgress() const override { return options_.isLive; }
-    platform::Seconds showProgress(const menubar::Countdown& countdown) override;
+    platform::Seconds showProgress(const menubar::RefreshProgress& countdown) override;
     bool canBeCovered() const override { return false; }
     void checkVisibility() override {}
     void updatePanel(menubar::PanelData) override {}

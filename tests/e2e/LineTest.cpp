@@ -2,6 +2,7 @@
 
 #include "demo/DemoSession.h"
 #include "e2e/Program.h"
+#include "e2e/ProgramTest.h"
 #include "json/Json.h"
 #include "platform/secret/PrivateBus.h"
 #include "support/LoopbackServer.h"
@@ -28,45 +29,13 @@ using testing::HasSubstr;
 using testing::Not;
 using testing::StartsWith;
 
-class LineTest : public testing::Test {
+class LineTest : public ProgramTest {
 protected:
-    LineTest() {
-        auto started = demo::DemoSession::start(GLINTAR_MARKET);
-        if (started) {
-            session.emplace(*std::move(started));
-        }
-    }
-    void SetUp() override { ASSERT_TRUE(session) << "the market does not start"; }
-
-    Environment environment() const {
-        return {{"XDG_CONFIG_HOME", session->configHome()}, {"XDG_DATA_HOME", session->dataHome()},
-                {"XDG_CACHE_HOME", session->cacheHome()},   {"XDG_RUNTIME_DIR", session->cacheHome()},
-                {"DBUS_SESSION_BUS_ADDRESS", std::nullopt}, {"DISPLAY", std::nullopt},
-                {"WAYLAND_DISPLAY", std::nullopt},          {"GLINTAR_CONFIG_SERVER", std::nullopt}};
-    }
-
     Program start(const std::vector<std::string>& arguments, Program::Output output = Program::Output::Pipe) const {
         std::vector<std::string> command{GLINTAR_PROGRAM};
         command.insert(command.end(), arguments.begin(), arguments.end());
         return Program(command, environment(), output);
     }
-
-    void preferences(std::string_view lines) const {
-        std::ofstream(session->configHome() / "glintar" / "glintar.conf") << "[General]\n" << lines;
-    }
-
-    void fault(const std::string& kind) const {
-        httplib::Client market(session->address());
-        ASSERT_TRUE(market.Get("/control/fault?kind=" + kind)) << kind;
-    }
-
-    std::string log() const {
-        httplib::Client market(session->address());
-        const auto answer = market.Get("/control/log");
-        return answer ? answer->body : "";
-    }
-
-    std::optional<demo::DemoSession> session;
 };
 
 TEST_F(LineTest, EachShapeOfServiceIsPricedAndAllAgree) {

@@ -89,14 +89,22 @@ Program::~Program() {
     closeIfOpen(errorFd_);
 }
 
-bool Program::waitForOutput(const std::string& text) {
+bool Program::waitFor(const std::string& where, const std::string& text) {
     const auto end = std::chrono::steady_clock::now() + kDeadline;
-    while (!output_.contains(text)) {
+    while (!where.contains(text)) {
         if (std::chrono::steady_clock::now() > end || !readSome(100ms)) {
-            return output_.contains(text);
+            return where.contains(text);
         }
     }
     return true;
+}
+
+bool Program::isRunning() {
+    int status = 0;
+    if (!status_ && ::waitpid(child_, &status, WNOHANG) == child_) {
+        status_ = status;
+    }
+    return !status_;
 }
 
 std::optional<int> Program::wait() {

@@ -28,7 +28,8 @@ public:
     ~Program();  // ends it the hard way when it is still there
 
     /// Reads until the standard output holds the text; false when that takes too long or the program ends before.
-    [[nodiscard]] bool waitForOutput(const std::string& text);
+    [[nodiscard]] bool waitForOutput(const std::string& text) { return waitFor(output_, text); }
+    [[nodiscard]] bool waitForErrors(const std::string& text) { return waitFor(errors_, text); }
 
     /// Waits for the end: the exit status, or none when it was killed by a signal or takes longer than 15 seconds.
     [[nodiscard]] std::optional<int> wait();
@@ -38,11 +39,13 @@ public:
     void stopTerminal() const;                 ///< as Ctrl-S does
     void closeOutput();                        ///< as a reader that goes away
 
+    [[nodiscard]] bool isRunning();
     [[nodiscard]] pid_t id() const { return child_; }
     [[nodiscard]] const std::string& output() const { return output_; }
     [[nodiscard]] const std::string& errors() const { return errors_; }
 
 private:
+    bool waitFor(const std::string& where, const std::string& text);
     bool readSome(std::chrono::milliseconds wait);
 
     pid_t child_ = -1;

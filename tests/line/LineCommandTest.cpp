@@ -35,7 +35,7 @@ protected:
         machine.http.answer("gecko.test", test::geckoAnswer({"bitcoin"}, 64012.55));
     }
 
-    void run(const Arguments& arguments, platform::Duration duration) {
+    void run(const app::Arguments& arguments, platform::Duration duration) {
         command.emplace(machine.platform(), output, arguments, [this](int status) { finished.push_back(status); });
         command->start();
         machine.advance(duration);
@@ -103,14 +103,14 @@ TEST_F(LineCommandTest, OnceWithoutACoinEndsAtOnce) {
     run({.once = true}, 0s);
     EXPECT_THAT(output.lines, ElementsAre("No Price Data"));
     EXPECT_THAT(finished, ElementsAre(1));
-    run({.format = Format::Json, .once = true}, 0s);
+    run({.format = app::Format::Json, .once = true}, 0s);
     EXPECT_THAT(output.lines.at(1), HasSubstr(R"("tooltip":"⚠️ No Price Data @ 03:04:05","text":"No Price Data")"));
     EXPECT_THAT(machine.http.requests, IsEmpty());
 }
 
 TEST_F(LineCommandTest, QuotesOfOtherCoinsAloneMakeAnEmptyLine) {
     machine.http.answer("gecko.test", test::geckoAnswer({"ethereum"}, 1));
-    run({.format = Format::Json, .once = true}, 1s);
+    run({.format = app::Format::Json, .once = true}, 1s);
     EXPECT_THAT(output.lines.at(0), HasSubstr(R"("tooltip":"Waiting for data...","text":"","coins":[])"));
     EXPECT_THAT(finished, ElementsAre(1));
 }
@@ -149,7 +149,7 @@ TEST_F(LineCommandTest, ATerminalShowsTheLineInPlaceWithACountdown) {
 
 TEST_F(LineCommandTest, ATerminalGetsPlainLinesWhereTheyAreDataOrTheLast) {
     output.terminal = true;
-    run({.format = Format::Json}, 2s);
+    run({.format = app::Format::Json}, 2s);
     run({.once = true}, 2s);
     EXPECT_THAT(output.redrawn, IsEmpty());
     EXPECT_THAT(output.lines, SizeIs(2));
@@ -165,7 +165,7 @@ TEST_F(LineCommandTest, JsonHoldsTheWholeAnswer) {
                         R"([{"id":"bitcoin","current_price":0.1,"change":1.25,"high":3,"image":"https://i/\"1.png",)"
                         R"("spark":{"price":[1,0.30000000000000004]}},{"id":"ethereum","current_price":1e21}])");
     machine.http.answer("eth.test", R"({"result":{"average":1.5}})");
-    run({.format = Format::Json, .once = true}, 1s);
+    run({.format = app::Format::Json, .once = true}, 1s);
     ASSERT_THAT(output.lines, SizeIs(1));
     const std::string expected =
         R"j({"time":"03:04:05","source":"coingecko","error":null,"tooltip":"Last Updated: 03:04:05",)j"

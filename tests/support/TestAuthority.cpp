@@ -58,6 +58,12 @@ void writePem(const std::filesystem::path& path, X509& certificate) {
     check(file && PEM_write_bio_X509(file.get(), &certificate) == 1, "writing a certificate");
 }
 
+void writeKey(const std::filesystem::path& path, EVP_PKEY& key) {
+    const std::unique_ptr<BIO, decltype(&BIO_free)> file(BIO_new_file(path.c_str(), "w"), &BIO_free);
+    check(file && PEM_write_bio_PrivateKey(file.get(), &key, nullptr, nullptr, 0, nullptr, nullptr) == 1,
+          "writing a key");
+}
+
 }  // namespace
 
 TestAuthority::TestAuthority() {
@@ -67,16 +73,18 @@ TestAuthority::TestAuthority() {
     std::filesystem::create_directory(directory());
 
     const Key authorityKey(EVP_EC_gen("P-256"), &EVP_PKEY_free);
-    const Key serverKey(EVP_EC_gen("P-256"), &EVP_PKEY_free);
-    check(authorityKey && serverKey, "keys");
+    const Key key(EVP_EC_gen("P-256"), &EVP_PKEY_free);
+    check(authorityKey && key, "keys");
     const Certificate authority = certify("Loopback test authority", *authorityKey, 1, nullptr, *authorityKey);
-    const Certificate server = certify("localhost", *serverKey, 2, authority.get(), *authorityKey);
+    const Certificate server = certify("localhost", *key, 2, authority.get(), *authorityKey);
     writePem(file(), *authority);
+    writePem(serverCertificate(), *server);
+    writeKey(serverKey(), *key);
     writePem(directory() / fmt::format("{:08x}.0", X509_subject_name_hash(authority.get())), *authority);
 
     context_.reset(SSL_CTX_new(TLS_server_method()));
     check(context_ && SSL_CTX_use_certificate(context_.get(), server.get()) == 1 &&
-              SSL_CTX_use_PrivateKey(context_.get(), serverKey.get()) == 1,
+              SSL_CTX_use_PrivateKey(context_.get(), key.get()) == 1,
           "server certificate");
 }
 

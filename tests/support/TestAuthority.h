@@ -22,6 +22,10 @@ public:
     /// A folder that holds the certificate under the hash of its name, as SSL_CERT_DIR takes it.
     [[nodiscard]] std::filesystem::path directory() const { return folder_ / "hashed"; }
 
+    /// The server's certificate and its key (PEM), for servers of another program.
+    [[nodiscard]] std::filesystem::path serverCertificate() const { return folder_ / "server.pem"; }
+    [[nodiscard]] std::filesystem::path serverKey() const { return folder_ / "server.key"; }
+
     [[nodiscard]] SSL_CTX* context() const { return context_.get(); }
 
 private:

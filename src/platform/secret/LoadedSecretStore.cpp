@@ -27,7 +27,7 @@ SecretStatus LoadedSecretStore::remove(std::string_view service, std::string_vie
 }
 
 SecretStore* LoadedSecretStore::store() {
-    if (store_ || hasFailed_ || !sessionBusAddress()) {
+    if (store_ || !isOn_ || !sessionBusAddress()) {
         return store_.get();
     }
     // Never unloaded: GLib's types cannot be.
@@ -35,7 +35,7 @@ SecretStore* LoadedSecretStore::store() {
     void* const module = path ? ::dlopen(path->c_str(), RTLD_NOW | RTLD_LOCAL | RTLD_NODELETE) : nullptr;
     auto* const make = module ? reinterpret_cast<MakeSecretStore*>(::dlsym(module, "glintarMakeSecretStore")) : nullptr;
     if (!make) {
-        hasFailed_ = true;
+        isOn_ = false;
         console_.print(std::string("⚠️ [KeyStore] ") + (path ? ::dlerror() : "glintar-secret.so is not installed"));
         return nullptr;
     }

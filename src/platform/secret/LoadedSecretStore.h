@@ -13,7 +13,9 @@ class RunLoop;
 /// Without one, or without the module, every call ends in `Unavailable`.
 class LoadedSecretStore final : public SecretStore {
 public:
-    LoadedSecretStore(RunLoop& runLoop, Console& console) : runLoop_(runLoop), console_(console) {}
+    /// `isOn` says whether it is asked at all.
+    LoadedSecretStore(RunLoop& runLoop, Console& console, bool isOn = true)
+        : runLoop_(runLoop), console_(console), isOn_(isOn) {}
 
     SecretLookup find(std::string_view service, std::string_view account) override;
     SecretStatus add(std::string_view service, std::string_view account, std::string_view bytes) override;
@@ -24,7 +26,7 @@ private:
 
     RunLoop& runLoop_;
     Console& console_;
-    bool hasFailed_ = false;
+    bool isOn_;  ///< until loading fails
     std::unique_ptr<SecretStore> store_;
 };
 

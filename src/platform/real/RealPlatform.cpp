@@ -1,10 +1,13 @@
-#include "platform/terminal/TerminalPlatform.h"
+#include "platform/real/RealPlatform.h"
+
+#include <QCoreApplication>
 
 namespace glintar::platform {
 
 namespace {
 
-// Joining quotes and waiting for a retry is all the background work there is.
+// One long-lived thread draws pills, reads icons, joins quotes and waits for retries: fonts are cached a thread, and a
+// pill takes microseconds.
 constexpr std::size_t kWorkThreads = 1;
 
 // Without a home directory preferences read as absent; a folder that cannot even be made holds them.
@@ -12,26 +15,31 @@ constexpr const char* kNowhere = "/dev/null";
 
 }  // namespace
 
-TerminalPlatform::TerminalPlatform(int& argc, char** argv, std::string configServer)
-    : application_(argc, argv),
-      termination_([this] {
+RealPlatform::RealPlatform(const Options& options)
+    : termination_([this] {
           if (onTerminate) {
               onTerminate();
           }
       }),
-      bundle_(std::move(configServer)),
+      bundle_(options.configServer),
       preferences_(XdgDirectories::configuration().value_or(kNowhere) / "glintar.conf", console_),
       workQueue_(runLoop_, kWorkThreads),
+      secrets_(runLoop_, console_, options.looksUpSecrets),
       platform_{runLoop_, workQueue_, http_,    preferences_, secrets_,   notifications_, directories_,
                 bundle_,  files_,     console_, entropy_,     localTime_, registry_} {}
 
-TerminalPlatform::~TerminalPlatform() = default;
+RealPlatform::~RealPlatform() = default;
 
-int TerminalPlatform::exec() {
+void RealPlatform::watch() {
+    events_.emplace(runLoop_, notifications_);
+    preferences_.watch();
+}
+
+int RealPlatform::exec() {
     return exitStatus_ ? *exitStatus_ : QCoreApplication::exec();
 }
 
-void TerminalPlatform::exit(int status) {
+void RealPlatform::exit(int status) {
     if (!exitStatus_) {
         exitStatus_ = status;
         termination_.announceEnd();

@@ -9,14 +9,13 @@
 #include "platform/posix/PosixMachine.h"
 #include "platform/posix/ThreadWorkQueue.h"
 #include "platform/posix/XdgDirectories.h"
+#include "platform/qtcore/QtMachineEvents.h"
 #include "platform/qtcore/QtPreferences.h"
 #include "platform/qtcore/QtRunLoop.h"
 #include "platform/qtcore/QtTermination.h"
 #include "platform/secret/LoadedSecretStore.h"
 #include "platform/terminal/TerminalConsole.h"
-#include "platform/terminal/TerminalOutput.h"
-
-#include <QCoreApplication>
+#include "platform/terminal/TerminalScreen.h"
 
 #include <functional>
 #include <optional>
@@ -24,12 +23,19 @@
 
 namespace glintar::platform {
 
-/// The real machine, without a display. One a process. Threads start when they are first needed.
-class TerminalPlatform {
+/// The real machine without its screen. One a process, made after Qt's application object and gone before it. Threads
+/// start when they are first needed.
+class RealPlatform {
 public:
-    /// `argc` and `argv` are main's and must live as long.
-    TerminalPlatform(int& argc, char** argv, std::string configServer);
-    ~TerminalPlatform();
+    struct Options {
+        std::string configServer;    ///< address; empty means none
+        bool looksUpSecrets = true;  ///< otherwise there are none
+    };
+
+    explicit RealPlatform(const Options& options);
+    RealPlatform(const RealPlatform&) = delete;
+    RealPlatform& operator=(const RealPlatform&) = delete;
+    ~RealPlatform();
 
     /// Runs the loop until `exit`, and returns its status; at once when `exit` came first.
     int exec();
@@ -39,17 +45,17 @@ public:
     std::function<void()> onTerminate;
 
     [[nodiscard]] Platform& platform() { return platform_; }
-    [[nodiscard]] TextOutput& output() { return output_; }
-    [[nodiscard]] QtPreferences& preferences() { return preferences_; }
+
+    /// From now on the platform tells of sleep, the network and preferences that others write.
+    void watch();
+    [[nodiscard]] TerminalScreen& screen() { return screen_; }
 
 private:
     // Destroyed from the last to the first: what is shared goes first, then whoever may still call into it.
-    QCoreApplication application_;
     std::optional<int> exitStatus_;
     QtTermination termination_;
     TerminalScreen screen_{termination_.descriptor()};
     TerminalConsole console_{screen_};
-    TerminalOutput output_{screen_};
     QtRunLoop runLoop_;
     PosixFiles files_;
     XdgDirectories directories_;
@@ -59,10 +65,11 @@ private:
     NotificationCenter notifications_;
     QtPreferences preferences_;
     ThreadWorkQueue workQueue_;
-    LoadedSecretStore secrets_{runLoop_, console_};
+    LoadedSecretStore secrets_;
     CurlHttpClient http_;
     Registry registry_;
     Platform platform_;
+    std::optional<QtMachineEvents> events_;
 };
 
 }  // namespace glintar::platform

@@ -1,11 +1,11 @@
 #include "app/Deployment.h"
-#include "line/Arguments.h"
+#include "app/Arguments.h"
 
 #include <gtest/gtest.h>
 
 #include <vector>
 
-namespace glintar::line {
+namespace glintar::app {
 namespace {
 
 struct ArgumentsCase {
@@ -72,4 +72,4 @@ TEST(DeploymentTest, AConfigurationServerIsSecureOrThisMachine) {
 }
 
 }  // namespace
-}  // namespace glintar::line
+}  // namespace glintar::app

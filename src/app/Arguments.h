@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-namespace glintar::line {
+namespace glintar::app {
 
 enum class Format { Text, Json };
 
@@ -23,4 +23,4 @@ struct Arguments {
 
 [[nodiscard]] std::string_view usage();
 
-}  // namespace glintar::line
+}  // namespace glintar::app

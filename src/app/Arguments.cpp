@@ -1,10 +1,10 @@
-#include "line/Arguments.h"
+#include "app/Arguments.h"
 
 #include "text/Unicode.h"
 
 #include <fmt/format.h>
 
-namespace glintar::line {
+namespace glintar::app {
 
 namespace {
 
@@ -80,4 +80,4 @@ std::expected<Arguments, std::string> parseArguments(std::span<const char* const
     return parsed;
 }
 
-}  // namespace glintar::line
+}  // namespace glintar::app

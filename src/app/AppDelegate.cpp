@@ -1,0 +1,46 @@
+#include "app/AppDelegate.h"
+
+#include "config/APIConfigUpdater.h"
+#include "config/CoinListUpdater.h"
+#include "platform/Console.h"
+#include "platform/Platform.h"
+
+#include <utility>
+
+namespace glintar::app {
+
+AppDelegate::AppDelegate(platform::Platform& platform, platform::Desktop& desktop, Options options)
+    : platform_(platform), desktop_(desktop), options_(std::move(options)), settingsWatch_(platform) {
+    if (!options_.checksForDocuments) {
+        config::APIConfigUpdater::shared(platform_).skipCheck();
+        config::CoinListUpdater::shared(platform_).skipCheck();
+    }
+}
+
+void AppDelegate::applicationDidFinishLaunching() {
+    surface_.emplace(platform_, desktop_,
+                     DesktopSurface::Requests{.redisplay = [this] { redisplay(); },
+                                              .quit = [this] { quitApp(); }});
+    statusBarController_.emplace(platform_, *surface_, menubar::StatusBarController::Options{});
+    statusBarController_->start();
+    config::CoinListUpdater::shared(platform_).checkForNewVersion();
+}
+
+void AppDelegate::applicationWasReopened() {
+    if (surface_) {
+        surface_->openMenu();
+    }
+}
+
+void AppDelegate::redisplay() {
+    if (statusBarController_) {
+        statusBarController_->redisplayFromCache();
+    }
+}
+
+void AppDelegate::quitApp() {
+    platform_.console.log({"Quit App clicked"});
+    options_.terminate();
+}
+
+}  // namespace glintar::app

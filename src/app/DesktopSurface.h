@@ -1,0 +1,40 @@
+#pragma once
+
+#include "floating/FloatingPriceController.h"
+#include "menubar/StatusItems.h"
+#include "menubar/StatusSurface.h"
+
+#include <functional>
+
+namespace glintar::app {
+
+/// What the presenter shows on a desktop: the pills in the status bar, or the panel that follows the pointer.
+class DesktopSurface final : public menubar::StatusSurface {
+public:
+    using Requests = menubar::StatusItems::Callbacks;
+
+    DesktopSurface(platform::Platform& platform, platform::Desktop& desktop, Requests requests)
+        : items_(platform, desktop, std::move(requests)), floatingController_(platform, desktop) {}
+
+    void show(menubar::DisplayMode mode) override;
+    void showLine(const menubar::StatusLine& line, std::optional<std::string> tooltip) override {
+        items_.renderStatusItem(line, std::move(tooltip));
+    }
+    void updatePanel(menubar::PanelData data) override;
+    void refreshCompleted() override {}
+    bool showsProgress() const override { return true; }
+    platform::Seconds showProgress(const menubar::RefreshProgress& progress) override {
+        return items_.showProgress(progress.elapsed, progress.interval);
+    }
+    bool canBeCovered() const override { return false; }  // the strip stays above other windows
+    void checkVisibility() override {}
+    void updateDashboardItem(std::string_view, bool) override {}
+
+    void openMenu() { items_.openMenu(); }
+
+private:
+    menubar::StatusItems items_;
+    floating::FloatingPriceController floatingController_;
+};
+
+}  // namespace glintar::app

@@ -1,0 +1,45 @@
+#pragma once
+
+#include "platform/posix/Descriptor.h"
+
+#include <QObject>
+#include <QString>
+#include <QVariantMap>
+
+#include <functional>
+#include <string>
+
+namespace glintar::app {
+
+/// One program a user session. It holds the application's name on the message bus, where there is a bus, and a lock in
+/// the runtime directory where there is none.
+class SingleInstance final : public QObject {
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.Application")
+
+public:
+    explicit SingleInstance(std::string busName);
+    ~SingleInstance() override;
+
+    /// Whether nobody else is there; if somebody is, it has been asked to show itself. Call it once, and take calls of
+    /// others from the event loop then. Blocks for a round trip to the bus.
+    [[nodiscard]] bool claim();
+
+    /// Runs when the program was started a second time.
+    std::function<void()> onSecondStart;
+
+public slots:  // the Application interface of the Desktop Entry standard
+    // NOLINTBEGIN(readability-identifier-naming): names on the bus
+    void Activate(const QVariantMap& platformData);
+    // NOLINTEND(readability-identifier-naming)
+
+private:
+    bool claimBusName();
+    bool claimLock();
+
+    QString busName_;
+    bool hasBusName_ = false;
+    platform::Descriptor lock_;
+};
+
+}  // namespace glintar::app

@@ -1,0 +1,75 @@
+#include "app/Start.h"
+
+#include "app/Deployment.h"
+#include "platform/posix/Descriptor.h"
+#include "platform/posix/InstalledBundle.h"
+
+#include <fmt/format.h>
+#include <malloc.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <span>
+
+namespace glintar::app {
+
+namespace {
+
+/// Writes to standard output; the exit status.
+int say(std::string_view text) {
+    return platform::writeAll(STDOUT_FILENO, text) == 0 ? 0 : kFailed;
+}
+
+}  // namespace
+
+std::optional<std::string_view> environment(const char* name) {
+    const char* value = std::getenv(name);
+    return value && *value ? std::optional<std::string_view>(value) : std::nullopt;
+}
+
+std::expected<Start, int> readStart(int argc, char** argv) {
+    const std::span<const char* const> words(argv, static_cast<std::size_t>(argc));
+    const auto arguments = parseArguments(words.subspan(std::min<std::size_t>(1, words.size())));
+    if (!arguments) {
+        platform::complain(fmt::format("glintar: {}\nTry \"glintar --help\".\n", arguments.error()));
+        return std::unexpected(kWrongUsage);
+    }
+    if (arguments->command == Arguments::Command::Help) {
+        return std::unexpected(say(usage()));
+    }
+    if (arguments->command == Arguments::Command::Version) {
+        return std::unexpected(say(fmt::format("glintar {}\n", platform::InstalledBundle({}).version())));
+    }
+    auto server = configServer(environment("GLINTAR_CONFIG_SERVER"));
+    if (!server) {
+        platform::complain(fmt::format("glintar: {}\n", server.error()));
+        return std::unexpected(kWrongUsage);
+    }
+    return Start{*arguments, *std::move(server)};
+}
+
+std::optional<demo::DemoSession> startDemo() {
+    const auto market = platform::InstalledBundle::program("glintar-demo-market");
+    auto session = market ? demo::DemoSession::start(*market)
+                          : std::unexpected(std::string("glintar-demo-market is not installed"));
+    if (!session) {
+        platform::complain(fmt::format("glintar: {}\n", session.error()));
+        return std::nullopt;
+    }
+    for (const auto& [name, path] :
+         {std::pair{"XDG_CONFIG_HOME", session->configHome()}, std::pair{"XDG_DATA_HOME", session->dataHome()},
+          std::pair{"XDG_CACHE_HOME", session->cacheHome()}}) {
+        ::setenv(name, path.c_str(), 1);
+    }
+    platform::complain(
+        fmt::format("glintar: simulated market on {}; none of these prices is real\n", session->address()));
+    return *std::move(session);
+}
+
+void tuneHeap() {
+    // Answers are parsed on one thread; a heap for each would only hold on to memory.
+    ::mallopt(M_ARENA_MAX, 1);
+}
+
+}  // namespace glintar::app

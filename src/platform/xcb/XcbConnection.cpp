@@ -1,0 +1,60 @@
+#include "platform/xcb/XcbConnection.h"
+
+namespace glintar::platform {
+
+std::unique_ptr<XcbConnection> XcbConnection::open(const std::string& display) {
+    int screenNumber = 0;
+    xcb_connection_t* const connection = xcb_connect(display.empty() ? nullptr : display.c_str(), &screenNumber);
+    std::unique_ptr<XcbConnection> opened(new XcbConnection(connection, screenNumber));
+    return opened->screen_ == nullptr ? nullptr : std::move(opened);
+}
+
+XcbConnection::XcbConnection(xcb_connection_t* connection, int screenNumber)
+    : connection_(connection), screenNumber_(screenNumber) {
+    if (!isAlive()) {
+        return;
+    }
+    auto screens = xcb_setup_roots_iterator(xcb_get_setup(connection_));
+    for (int skipped = 0; screens.rem > 0 && skipped < screenNumber; ++skipped) {
+        xcb_screen_next(&screens);
+    }
+    screen_ = screens.rem > 0 ? screens.data : nullptr;
+}
+
+XcbConnection::~XcbConnection() {
+    xcb_disconnect(connection_);
+}
+
+xcb_atom_t XcbConnection::atom(std::string_view name) {
+    const auto [known, isNew] = atoms_.try_emplace(std::string(name), XCB_ATOM_NONE);
+    if (isNew) {
+        const auto cookie = xcb_intern_atom(connection_, 0, static_cast<std::uint16_t>(name.size()), name.data());
+        const XcbOwned<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(connection_, cookie, nullptr));
+        known->second = reply ? reply->atom : XCB_ATOM_NONE;
+    }
+    return known->second;
+}
+
+void XcbConnection::selectRootEvents(std::uint32_t mask) {
+    if ((rootEvents_ | mask) != rootEvents_) {
+        rootEvents_ |= mask;
+        xcb_change_window_attributes(connection_, root(), XCB_CW_EVENT_MASK, &rootEvents_);
+        flush();
+    }
+}
+
+bool XcbConnection::readEvents() {
+    while (const XcbOwned<xcb_generic_event_t> event{xcb_poll_for_event(connection_)}) {
+        listeners_.call(*event);
+    }
+    flush();
+    return isAlive();
+}
+
+void XcbConnection::handOutQueued() {
+    while (const XcbOwned<xcb_generic_event_t> event{xcb_poll_for_queued_event(connection_)}) {
+        listeners_.call(*event);
+    }
+}
+
+}  // namespace glintar::platform

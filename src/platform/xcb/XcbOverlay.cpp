@@ -1,0 +1,251 @@
+#include "platform/xcb/XcbOverlay.h"
+
+#include "platform/xcb/OverlayPixels.h"
+
+#include <xcb/shape.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <utility>
+
+namespace glintar::platform {
+
+namespace {
+
+/// Two windows that both want to be on top must not keep the machine busy.
+constexpr auto kBetweenRaises = std::chrono::milliseconds(100);
+
+/// As far as the X server counts.
+std::int32_t coordinate(int value) {
+    return std::clamp(value, -32768, 32767);
+}
+
+/// Whether a window that is made or put somewhere hides the whole screen from everybody, as lock screens do.
+bool isLock(const auto& window, const xcb_screen_t& screen) {
+    return window.override_redirect != 0 && window.x <= 0 && window.y <= 0 &&
+           window.x + window.width >= screen.width_in_pixels && window.y + window.height >= screen.height_in_pixels;
+}
+
+}  // namespace
+
+XcbOverlay::XcbOverlay(XcbConnection& connection, RunLoop& loop, std::string_view title)
+    : connection_(connection), loop_(loop) {
+    chooseVisual();
+    makeWindow(title);
+    events_ = connection.onEvent([this](const xcb_generic_event_t& event) { see(event); });
+    connection.selectRootEvents(XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY);
+}
+
+XcbOverlay::~XcbOverlay() {
+    xcb_free_gc(connection_.get(), context_);
+    xcb_destroy_window(connection_.get(), window_);
+    if (colormap_ != XCB_NONE) {
+        xcb_free_colormap(connection_.get(), colormap_);
+    }
+    connection_.flush();
+}
+
+void XcbOverlay::chooseVisual() {
+    depth_ = connection_.screen().root_depth;
+    visual_ = connection_.screen().root_visual;
+    auto depths = xcb_screen_allowed_depths_iterator(&connection_.screen());
+    for (; depths.rem > 0; xcb_depth_next(&depths)) {
+        auto visuals = xcb_depth_visuals_iterator(depths.data);
+        for (; depths.data->depth == 32 && visuals.rem > 0; xcb_visualtype_next(&visuals)) {
+            if (visuals.data->_class == XCB_VISUAL_CLASS_TRUE_COLOR && visuals.data->red_mask == 0xff0000) {
+                depth_ = 32;
+                visual_ = visuals.data->visual_id;
+                return;
+            }
+        }
+    }
+}
+
+void XcbOverlay::makeWindow(std::string_view title) {
+    xcb_connection_t* const xcb = connection_.get();
+    window_ = xcb_generate_id(xcb);
+    xcb_create_window_value_list_t values{};
+    values.border_pixel = 0;
+    values.override_redirect = 1;
+    std::uint32_t mask = XCB_CW_BORDER_PIXEL | XCB_CW_OVERRIDE_REDIRECT;
+    if (depth_ != connection_.screen().root_depth) {
+        colormap_ = xcb_generate_id(xcb);
+        xcb_create_colormap(xcb, XCB_COLORMAP_ALLOC_NONE, colormap_, connection_.root(), visual_);
+        values.colormap = colormap_;
+        mask |= XCB_CW_COLORMAP;
+    }
+    xcb_create_window_aux(xcb, depth_, window_, connection_.root(), 0, 0, 1, 1, 0, XCB_WINDOW_CLASS_INPUT_OUTPUT, visual_,
+                          mask, &values);
+    context_ = xcb_generate_id(xcb);
+    xcb_create_gc(xcb, context_, window_, 0, nullptr);
+    xcb_shape_rectangles(xcb, XCB_SHAPE_SO_SET, XCB_SHAPE_SK_INPUT, XCB_CLIP_ORDERING_UNSORTED, window_, 0, 0, 0, nullptr);
+    xcb_get_maximum_request_length(xcb);  // asks for it the first time only
+    describe(title);
+}
+
+/// For window rules and for compositors; a window manager does not look at such a window.
+void XcbOverlay::describe(std::string_view title) {
+    xcb_connection_t* const xcb = connection_.get();
+    const auto setText = [&](xcb_atom_t property, xcb_atom_t type, std::string_view text) {
+        xcb_change_property(xcb, XCB_PROP_MODE_REPLACE, window_, property, type, 8, static_cast<std::uint32_t>(text.size()),
+                            text.data());
+    };
+    setText(XCB_ATOM_WM_NAME, XCB_ATOM_STRING, title);
+    setText(connection_.atom("_NET_WM_NAME"), connection_.atom("UTF8_STRING"), title);
+    setText(XCB_ATOM_WM_CLASS, XCB_ATOM_STRING, std::string_view("glintar\0glintar\0", 16));
+    const xcb_atom_t type = connection_.atom("_NET_WM_WINDOW_TYPE_NOTIFICATION");
+    xcb_change_property(xcb, XCB_PROP_MODE_REPLACE, window_, connection_.atom("_NET_WM_WINDOW_TYPE"), XCB_ATOM_ATOM, 32, 1,
+                        &type);
+    // The picture has a shadow of its own; by this name compositors know that they shall add none.
+    const std::uint32_t none = 0;
+    xcb_change_property(xcb, XCB_PROP_MODE_REPLACE, window_, connection_.atom("_COMPTON_SHADOW"), XCB_ATOM_CARDINAL, 32, 1,
+                        &none);
+    connection_.handOutQueued();
+}
+
+void XcbOverlay::setPicture(const Pixels& pixels, Edges edges, PixelPoint topLeft) {
+    if (pixels.width <= 0 || pixels.height <= 0) {
+        return;
+    }
+    shape(pixels, edges);
+    if (edges == Edges::Shaped) {
+        const auto opaque = madeOpaque(pixels.argb);
+        put({opaque, pixels.width, pixels.height}, topLeft);
+    } else {
+        put(pixels, topLeft);
+    }
+    connection_.flush();
+}
+
+void XcbOverlay::shape(const Pixels& pixels, Edges edges) {
+    if (edges == Edges::Translucent) {
+        if (std::exchange(isShaped_, false)) {
+            xcb_shape_mask(connection_.get(), XCB_SHAPE_SO_SET, XCB_SHAPE_SK_BOUNDING, window_, 0, 0, XCB_NONE);
+        }
+        return;
+    }
+    auto parts = opaqueParts(pixels);
+    const auto isSame = [](const auto& one, const auto& other) {
+        return one.x == other.x && one.y == other.y && one.width == other.width && one.height == other.height;
+    };
+    if (!std::exchange(isShaped_, true) || !std::ranges::equal(parts, shape_, isSame)) {
+        xcb_shape_rectangles(connection_.get(), XCB_SHAPE_SO_SET, XCB_SHAPE_SK_BOUNDING, XCB_CLIP_ORDERING_YX_SORTED,
+                             window_, 0, 0, static_cast<std::uint32_t>(parts.size()), parts.data());
+        shape_ = std::move(parts);
+    }
+}
+
+/// As the window's background, which the X server paints wherever the window comes to light.
+void XcbOverlay::put(const Pixels& pixels, PixelPoint topLeft) {
+    xcb_connection_t* const xcb = connection_.get();
+    const auto width = static_cast<std::uint16_t>(pixels.width);
+    const auto height = static_cast<std::uint16_t>(pixels.height);
+    const xcb_pixmap_t pixmap = xcb_generate_id(xcb);
+    xcb_create_pixmap(xcb, depth_, pixmap, window_, width, height);
+    const std::size_t room = xcb_get_maximum_request_length(xcb) * std::size_t{4} - 64;
+    const int rowsAtOnce = std::max(1, static_cast<int>(room / (std::size_t{4} * width)));
+    for (int y = 0; y < pixels.height; y += rowsAtOnce) {
+        const int rows = std::min(rowsAtOnce, pixels.height - y);
+        const auto part = pixels.argb.subspan(std::size_t{width} * y, std::size_t{width} * rows);
+        xcb_put_image(xcb, XCB_IMAGE_FORMAT_Z_PIXMAP, pixmap, context_, width, static_cast<std::uint16_t>(rows), 0,
+                      static_cast<std::int16_t>(y), 0, depth_, static_cast<std::uint32_t>(part.size_bytes()),
+                      reinterpret_cast<const std::uint8_t*>(part.data()));
+    }
+    xcb_change_window_attributes(xcb, window_, XCB_CW_BACK_PIXMAP, &pixmap);
+    const std::array values{static_cast<std::uint32_t>(coordinate(topLeft.x)),
+                            static_cast<std::uint32_t>(coordinate(topLeft.y)), std::uint32_t{width},
+                            std::uint32_t{height}};
+    xcb_configure_window(xcb, window_,
+                         XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y | XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT,
+                         values.data());
+    xcb_clear_area(xcb, 0, window_, 0, 0, 0, 0);
+    xcb_free_pixmap(xcb, pixmap);
+}
+
+void XcbOverlay::move(PixelPoint topLeft) {
+    const std::array values{static_cast<std::uint32_t>(coordinate(topLeft.x)),
+                            static_cast<std::uint32_t>(coordinate(topLeft.y))};
+    xcb_configure_window(connection_.get(), window_, XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y, values.data());
+    connection_.flush();
+}
+
+void XcbOverlay::setOpacity(double opacity) {
+    const auto value = static_cast<std::uint32_t>(std::llround(std::clamp(opacity, 0.0, 1.0) * 0xffffffffU));
+    xcb_change_property(connection_.get(), XCB_PROP_MODE_REPLACE, window_, connection_.atom("_NET_WM_WINDOW_OPACITY"),
+                        XCB_ATOM_CARDINAL, 32, 1, &value);
+    connection_.flush();
+}
+
+void XcbOverlay::show() {
+    raise();
+    xcb_map_window(connection_.get(), window_);
+    connection_.flush();
+    isShown_ = true;
+}
+
+void XcbOverlay::hide() {
+    raiseLater_.reset();
+    xcb_unmap_window(connection_.get(), window_);
+    connection_.flush();
+    isShown_ = false;
+}
+
+/// A window comes to lie above others when it is made, when it is put there and when it leaves its parent. Lock screens
+/// may lie above this one.
+void XcbOverlay::see(const xcb_generic_event_t& event) {
+    switch (event.response_type) {
+        case XCB_CREATE_NOTIFY: {
+            const auto& created = reinterpret_cast<const xcb_create_notify_event_t&>(event);
+            if (!isLock(created, connection_.screen())) {
+                stayAbove(created.window);
+            }
+            break;
+        }
+        case XCB_CONFIGURE_NOTIFY: {
+            const auto& configured = reinterpret_cast<const xcb_configure_notify_event_t&>(event);
+            if (configured.above_sibling == window_ && !isLock(configured, connection_.screen())) {
+                stayAbove(configured.window);
+            }
+            break;
+        }
+        case XCB_REPARENT_NOTIFY: {
+            const auto& reparented = reinterpret_cast<const xcb_reparent_notify_event_t&>(event);
+            if (reparented.parent == connection_.root()) {
+                stayAbove(reparented.window);
+            }
+            break;
+        }
+        case XCB_CIRCULATE_NOTIFY: {
+            stayAbove(reinterpret_cast<const xcb_circulate_notify_event_t&>(event).window);
+            break;
+        }
+        default:
+            break;
+    }
+}
+
+void XcbOverlay::stayAbove(xcb_window_t other) {
+    if (!isShown_ || other == window_ || raiseLater_) {
+        return;
+    }
+    const auto wait = raised_ ? *raised_ + kBetweenRaises - loop_.now() : Duration::zero();
+    if (wait <= Duration::zero()) {
+        raise();
+        connection_.flush();
+    } else {
+        raiseLater_ = loop_.after(wait, [this] {
+            raiseLater_.reset();
+            raise();
+            connection_.flush();
+        });
+    }
+}
+
+void XcbOverlay::raise() {
+    const std::uint32_t above = XCB_STACK_MODE_ABOVE;
+    xcb_configure_window(connection_.get(), window_, XCB_CONFIG_WINDOW_STACK_MODE, &above);
+    raised_ = loop_.now();
+}
+
+}  // namespace glintar::platform

@@ -1,0 +1,81 @@
+#pragma once
+
+#include "platform/RunLoop.h"
+#include "platform/xcb/PixelPoint.h"
+#include "platform/xcb/XcbConnection.h"
+
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string_view>
+#include <vector>
+
+namespace glintar::platform {
+
+/// A window above all others that shows a picture, is never given the focus and lets the mouse through. The window
+/// manager has no part in it, so it stands wherever it is put, beyond the edges of the screen too.
+///
+/// The X server keeps the picture and repaints it by itself. Nothing here waits for an answer, but for the atoms of the
+/// first window.
+class XcbOverlay {
+public:
+    /// Premultiplied ARGB from the top left, row by row without gaps.
+    struct Pixels {
+        std::span<const std::uint32_t> argb;
+        int width = 0;
+        int height = 0;
+    };
+
+    enum class Edges {
+        Translucent,  ///< for a compositor to blend
+        Shaped,       ///< what is less than half opaque is not part of the window, the rest is opaque
+    };
+
+    /// `loop` is where it waits before it raises itself again.
+    XcbOverlay(XcbConnection& connection, RunLoop& loop, std::string_view title);
+    XcbOverlay(const XcbOverlay&) = delete;
+    XcbOverlay& operator=(const XcbOverlay&) = delete;
+    ~XcbOverlay();
+
+    /// False when the X server has no colours with an alpha channel.
+    [[nodiscard]] bool canBeTranslucent() const { return depth_ == 32; }
+
+    /// Makes the window as large as the picture, in the same step as it moves. Nothing is done for no pixels.
+    void setPicture(const Pixels& pixels, Edges edges, PixelPoint topLeft);
+
+    void move(PixelPoint topLeft);
+
+    /// From 0 to 1; for a compositor to heed.
+    void setOpacity(double opacity);
+
+    /// Shown on top of all others, and again if it was shown already.
+    void show();
+    void hide();
+    [[nodiscard]] bool isShown() const { return isShown_; }
+
+private:
+    void chooseVisual();
+    void makeWindow(std::string_view title);
+    void describe(std::string_view title);
+    void shape(const Pixels& pixels, Edges edges);
+    void put(const Pixels& pixels, PixelPoint topLeft);
+    void see(const xcb_generic_event_t& event);
+    void stayAbove(xcb_window_t other);
+    void raise();
+
+    XcbConnection& connection_;
+    RunLoop& loop_;
+    std::uint8_t depth_ = 0;
+    xcb_visualid_t visual_ = 0;
+    xcb_colormap_t colormap_ = XCB_NONE;
+    xcb_window_t window_ = XCB_NONE;
+    xcb_gcontext_t context_ = XCB_NONE;
+    bool isShown_ = false;
+    bool isShaped_ = false;
+    std::vector<xcb_rectangle_t> shape_;
+    std::optional<Instant> raised_;
+    TimerHandle raiseLater_;
+    Listening events_;
+};
+
+}  // namespace glintar::platform

@@ -1,0 +1,30 @@
+#include "platform/xcb/XcbPointer.h"
+
+namespace glintar::platform {
+
+namespace {
+
+/// Newer guests of Wayland's say what they are.
+bool hasWaylandExtension(const XcbConnection& connection) {
+    constexpr std::string_view kName = "XWAYLAND";
+    const auto cookie = xcb_query_extension(connection.get(), kName.size(), kName.data());
+    const XcbOwned<xcb_query_extension_reply_t> reply(xcb_query_extension_reply(connection.get(), cookie, nullptr));
+    return reply && reply->present != 0;
+}
+
+}  // namespace
+
+XcbPointer::XcbPointer(XcbConnection& connection)
+    : connection_(connection), isSeenEverywhere_(!hasWaylandExtension(connection)) {}
+
+std::optional<PixelPoint> XcbPointer::position() {
+    const auto cookie = xcb_query_pointer_unchecked(connection_.get(), connection_.root());
+    const XcbOwned<xcb_query_pointer_reply_t> reply(xcb_query_pointer_reply(connection_.get(), cookie, nullptr));
+    connection_.handOutQueued();
+    if (!reply || reply->same_screen == 0) {
+        return std::nullopt;
+    }
+    return PixelPoint{reply->root_x, reply->root_y};
+}
+
+}  // namespace glintar::platform

@@ -1,0 +1,56 @@
+#pragma once
+
+#include "demo/DemoSession.h"
+#include "e2e/Program.h"
+
+#include <gtest/gtest.h>
+#include <httplib.h>
+
+#include <filesystem>
+#include <fstream>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace glintar::test {
+
+/// A simulated market and a profile that asks it, for the real program.
+class ProgramTest : public testing::Test {
+protected:
+    ProgramTest() {
+        auto started = demo::DemoSession::start(GLINTAR_MARKET);
+        if (started) {
+            session.emplace(*std::move(started));
+        }
+    }
+    void SetUp() override { ASSERT_TRUE(session) << "the market does not start"; }
+
+    /// The profile's; without a display, a bus or a configuration server.
+    Environment environment() const {
+        return {{"XDG_CONFIG_HOME", session->configHome()}, {"XDG_DATA_HOME", session->dataHome()},
+                {"XDG_CACHE_HOME", session->cacheHome()},   {"XDG_RUNTIME_DIR", session->cacheHome()},
+                {"DBUS_SESSION_BUS_ADDRESS", std::nullopt}, {"DISPLAY", std::nullopt},
+                {"WAYLAND_DISPLAY", std::nullopt},          {"GLINTAR_CONFIG_SERVER", std::nullopt}};
+    }
+
+    /// The folder of its documents and preferences.
+    std::filesystem::path dataFolder() const { return session->dataHome() / "glintar"; }
+    std::filesystem::path preferencesFile() const { return session->configHome() / "glintar" / "glintar.conf"; }
+
+    void preferences(std::string_view lines) const { std::ofstream(preferencesFile()) << "[General]\n" << lines; }
+
+    void fault(const std::string& kind) const {
+        httplib::Client market(session->address());
+        ASSERT_TRUE(market.Get("/control/fault?kind=" + kind)) << kind;
+    }
+
+    std::string log() const {
+        httplib::Client market(session->address());
+        const auto answer = market.Get("/control/log");
+        return answer ? answer->body : "";
+    }
+
+    std::optional<demo::DemoSession> session;
+};
+
+}  // namespace glintar::test

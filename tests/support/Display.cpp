@@ -1,0 +1,302 @@
+#include "support/Display.h"
+
+#include "platform/xcb/SelectionWatch.h"
+
+#include <fcntl.h>
+#include <fmt/format.h>
+#include <signal.h>
+#include <sys/prctl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <charconv>
+#include <chrono>
+#include <cstdlib>
+#include <stdexcept>
+#include <thread>
+
+namespace glintar::test {
+
+namespace {
+
+using namespace std::chrono_literals;
+using platform::XcbConnection;
+using platform::XcbOwned;
+
+constexpr auto kPatience = 15s;
+
+/// `pipe` is what the program finds as descriptor 3, `output` as its standard output; -1 is neither.
+pid_t spawn(const std::vector<std::string>& command, int output, int pipe) {
+    std::vector<char*> words;
+    for (const auto& word : command) {
+        words.push_back(const_cast<char*>(word.c_str()));
+    }
+    words.push_back(nullptr);
+    const pid_t parent = ::getpid();
+    const pid_t child = ::fork();
+    if (child == 0) {
+        ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+        if (::getppid() != parent) {
+            ::_exit(127);
+        }
+        const int nowhere = ::open("/dev/null", O_RDWR);
+        ::dup2(nowhere, STDIN_FILENO);
+        ::dup2(output >= 0 ? output : nowhere, STDOUT_FILENO);
+        ::dup2(nowhere, STDERR_FILENO);
+        if (pipe >= 0 && ::dup2(pipe, 3) == pipe) {
+            ::fcntl(pipe, F_SETFD, 0);
+        }
+        ::execvp(words[0], words.data());
+        ::_exit(127);
+    }
+    return child;
+}
+
+struct Pipe {
+    Pipe() {
+        if (::pipe2(ends.data(), O_CLOEXEC) != 0) {
+            throw std::runtime_error("no pipe");
+        }
+    }
+    ~Pipe() {
+        closeWriting();
+        ::close(ends[0]);
+    }
+    void closeWriting() {
+        if (ends[1] >= 0) {
+            ::close(std::exchange(ends[1], -1));
+        }
+    }
+    /// To the end, or to the end of the line.
+    std::string read(bool isOneLine) {
+        closeWriting();
+        std::string text;
+        char byte = 0;
+        while (::read(ends[0], &byte, 1) == 1 && !(isOneLine && byte == '\n')) {
+            text += byte;
+        }
+        return text;
+    }
+    std::array<int, 2> ends{-1, -1};
+};
+
+/// Starts a program that tells a word of its own through descriptor 3 once it is up.
+std::pair<Child, std::string> startTelling(const std::vector<std::string>& command, const std::string& what) {
+    Pipe pipe;
+    Child child(command, pipe.ends[1]);
+    auto word = pipe.read(true);
+    if (word.empty()) {
+        throw std::runtime_error(what + " does not start");
+    }
+    return {std::move(child), std::move(word)};
+}
+
+void await(const std::function<bool()>& condition, const std::string& what) {
+    if (!eventually(condition)) {
+        throw std::runtime_error(what);
+    }
+}
+
+std::unique_ptr<XcbConnection> connect() {
+    auto connection = XcbConnection::open();
+    if (!connection) {
+        throw std::runtime_error("the screen cannot be reached");
+    }
+    return connection;
+}
+
+bool isOwned(XcbConnection& connection, const char* selection) {
+    return platform::SelectionWatch(connection, selection).isOwned();
+}
+
+bool hasManager(XcbConnection& connection) {
+    const auto asked = xcb_get_property(connection.get(), 0, connection.screen().root,
+                                        connection.atom("_NET_SUPPORTING_WM_CHECK"), XCB_ATOM_WINDOW, 0, 1);
+    const XcbOwned<xcb_get_property_reply_t> check(xcb_get_property_reply(connection.get(), asked, nullptr));
+    if (!check || xcb_get_property_value_length(check.get()) != 4) {
+        return false;
+    }
+    // A manager that was killed leaves the property behind, but not the window.
+    const auto window = *static_cast<const xcb_window_t*>(xcb_get_property_value(check.get()));
+    const auto seen = xcb_get_window_attributes(connection.get(), window);
+    return XcbOwned<xcb_get_window_attributes_reply_t>(
+               xcb_get_window_attributes_reply(connection.get(), seen, nullptr)) != nullptr;
+}
+
+int number(std::string_view text) {
+    int value = 0;
+    std::from_chars(text.data(), text.data() + text.size(), value);
+    return value;
+}
+
+}  // namespace
+
+bool eventually(const std::function<bool()>& condition, const std::function<void()>& meanwhile) {
+    const auto end = std::chrono::steady_clock::now() + kPatience;
+    while (!condition()) {
+        if (std::chrono::steady_clock::now() > end) {
+            return false;
+        }
+        if (meanwhile) {
+            meanwhile();
+        } else {
+            std::this_thread::sleep_for(10ms);
+        }
+    }
+    return true;
+}
+
+std::string outputOf(const std::vector<std::string>& command) {
+    Pipe pipe;
+    const pid_t child = spawn(command, pipe.ends[1], -1);
+    auto text = pipe.read(false);
+    ::waitpid(child, nullptr, 0);
+    return text;
+}
+
+Child::Child(const std::vector<std::string>& command, int pipe) : id_(spawn(command, -1, pipe)) {}
+
+void Child::stop() {
+    if (id_ > 0) {
+        ::kill(id_, SIGKILL);
+        ::waitpid(std::exchange(id_, -1), nullptr, 0);
+    }
+}
+
+Display::Display(const std::string& screen, Bus bus) {
+    const auto runtime = home_.path() / "run";
+    std::filesystem::create_directory(runtime);
+    std::filesystem::permissions(runtime, std::filesystem::perms::owner_all);
+    set("HOME", home_.path().string());
+    set("XDG_RUNTIME_DIR", runtime.string());
+    set("QT_QPA_PLATFORM", "xcb");
+    for (const char* const variable :
+         {"XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME", "XDG_STATE_HOME", "XDG_CURRENT_DESKTOP", "XDG_SESSION_TYPE",
+          "DESKTOP_SESSION", "WAYLAND_DISPLAY", "XAUTHORITY", "AT_SPI_BUS_ADDRESS", "DBUS_SESSION_BUS_ADDRESS"}) {
+        set(variable, std::nullopt);
+    }
+    startServer(screen);
+    if (bus == Bus::Private) {
+        startBus();
+    }
+}
+
+Display::~Display() {
+    for (Child* const child : {&panel_, &tray_, &compositor_, &manager_, &server_, &bus_}) {
+        child->stop();
+    }
+    for (const auto& [variable, value] : before_) {
+        value ? ::setenv(variable.c_str(), value->c_str(), 1) : ::unsetenv(variable.c_str());
+    }
+}
+
+void Display::set(const char* variable, const std::optional<std::string>& value) {
+    const char* const before = std::getenv(variable);
+    before_.emplace_back(variable, before == nullptr ? std::nullopt : std::optional<std::string>(before));
+    value ? ::setenv(variable, value->c_str(), 1) : ::unsetenv(variable);
+}
+
+void Display::startServer(const std::string& screen) {
+    width_ = number(screen);
+    height_ = number(std::string_view(screen).substr(screen.find('x') + 1));
+    auto [server, told] = startTelling(
+        {"Xvfb", "-displayfd", "3", "-screen", "0", screen, "-nolisten", "tcp", "-noreset"}, "Xvfb");
+    server_ = std::move(server);
+    name_ = ":" + told;
+    set("DISPLAY", name_);
+}
+
+void Display::startBus() {
+    auto [bus, told] = startTelling({"dbus-daemon", "--session", "--nofork", "--print-address=3"}, "dbus-daemon");
+    bus_ = std::move(bus);
+    busAddress_ = told;
+    set("DBUS_SESSION_BUS_ADDRESS", busAddress_);
+}
+
+void Display::startManager(Manager manager) {
+    stopManager();
+    manager_ = manager == Manager::Openbox ? Child({"openbox", "--sm-disable"})
+                                           : Child({"xfwm4", "--compositor=off", "--replace"});
+    const auto connection = connect();
+    await([&] { return hasManager(*connection); }, "the window manager does not start");
+}
+
+void Display::stopManager() {
+    manager_.stop();
+    const auto connection = connect();
+    await([&] { return !hasManager(*connection); }, "the window manager does not end");
+}
+
+void Display::startCompositor() {
+    compositor_ = Child({"picom", "--config", "/dev/null", "--backend", "xrender"});
+    const auto connection = connect();
+    await([&] { return isOwned(*connection, "_NET_WM_CM_S0"); }, "the compositor does not start");
+}
+
+void Display::stopCompositor() {
+    compositor_.stop();
+}
+
+void Display::startTray() {
+    tray_ = Child({"trayer", "--edge", "bottom", "--align", "left", "--widthtype", "pixel", "--width", "100"});
+    const auto connection = connect();
+    await([&] { return isOwned(*connection, "_NET_SYSTEM_TRAY_S0"); }, "the tray does not start");
+}
+
+void Display::stopTray() {
+    tray_.stop();
+}
+
+void Display::startPanel() {
+    panel_ = Child({"xfce4-panel", "--disable-wm-check"});
+    await(
+        [] {
+            return outputOf({"dbus-send", "--session", "--print-reply", "--dest=org.freedesktop.DBus", "/",
+                             "org.freedesktop.DBus.NameHasOwner", "string:org.kde.StatusNotifierWatcher"})
+                .contains("true");
+        },
+        "the panel does not start");
+}
+
+void Display::stopPanel() {
+    panel_.stop();
+}
+
+void Display::stop() {
+    server_.stop();
+}
+
+void Display::split(int leftWidth) {
+    outputOf({"xrandr", "--setmonitor", "*LEFT", fmt::format("{0}/{0}x{1}/{1}+0+0", leftWidth, height_), "screen"});
+    outputOf({"xrandr", "--setmonitor", "RIGHT",
+              fmt::format("{0}/{0}x{1}/{1}+{2}+0", width_ - leftWidth, height_, leftWidth), "none"});
+}
+
+void Display::unsplit() {
+    outputOf({"xrandr", "--delmonitor", "RIGHT"});
+    outputOf({"xrandr", "--delmonitor", "LEFT"});
+}
+
+void Display::paintBackground(const std::string& color) {
+    outputOf({"xsetroot", "-solid", color});
+}
+
+std::array<std::uint8_t, 3> Display::pixel(int x, int y) const {
+    const auto connection = connect();
+    const auto asked = xcb_get_image(connection->get(), XCB_IMAGE_FORMAT_Z_PIXMAP, connection->screen().root,
+                                     static_cast<std::int16_t>(x), static_cast<std::int16_t>(y), 1, 1, ~0U);
+    const XcbOwned<xcb_get_image_reply_t> image(xcb_get_image_reply(connection->get(), asked, nullptr));
+    if (!image) {
+        throw std::runtime_error("no such pixel");
+    }
+    const auto* const bytes = xcb_get_image_data(image.get());
+    return {bytes[2], bytes[1], bytes[0]};
+}
+
+void Display::input(const std::vector<std::string>& words) const {
+    std::vector<std::string> command{"xdotool"};
+    command.insert(command.end(), words.begin(), words.end());
+    outputOf(command);
+}
+
+}  // namespace glintar::test
