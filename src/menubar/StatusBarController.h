@@ -22,7 +22,7 @@ namespace glintar::menubar {
 
 enum class DisplayMode;
 class StatusSurface;
-struct Countdown;
+struct RefreshProgress;
 struct RefreshState;
 
 /// Posted after the display settings have been saved.

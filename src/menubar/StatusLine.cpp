@@ -7,17 +7,16 @@ namespace glintar::menubar {
 
 namespace {
 
-CoinPart composeCoin(const platform::Preferences& preferences, const config::Coin& coin,
-                     const market::UnifiedMarketData& quote) {
+CoinPart composeCoin(const ShownParts& parts, const config::Coin& coin, const market::UnifiedMarketData& quote) {
     CoinPart part{.coin = coin, .quote = quote, .price = priceText(quote.price)};
     part.reference = referenceText(coin.referencePrice);
-    if (quote.change24h && preferences.boolean(config::kShowChange)) {
+    if (quote.change24h && parts.change24h) {
         part.change = changeText(*quote.change24h);
     }
-    if (quote.high24h && quote.low24h && preferences.boolean(config::kShowHighLow)) {
+    if (quote.high24h && quote.low24h && parts.highLow24h) {
         part.highLow = highLowText(*quote.high24h, *quote.low24h);
     }
-    part.showsSparkline = quote.sparkline && !quote.sparkline->empty() && preferences.boolean(config::kShowSparkline);
+    part.showsSparkline = quote.sparkline && !quote.sparkline->empty() && parts.sparkline;
     return part;
 }
 
@@ -37,10 +36,13 @@ GasPart composeGas(const platform::Preferences& preferences, double fee, const m
 StatusLine composeStatusLine(const platform::Preferences& preferences, const std::vector<config::Coin>& coins,
                              const market::MarketDataMap& quotes, std::optional<double> gasPrice,
                              std::optional<std::string> error) {
-    StatusLine line{.sourceId = config::selectedSourceID(preferences)};
+    StatusLine line{.sourceId = config::selectedSourceID(preferences),
+                    .parts = {.change24h = preferences.boolean(config::kShowChange),
+                              .highLow24h = preferences.boolean(config::kShowHighLow),
+                              .sparkline = preferences.boolean(config::kShowSparkline)}};
     for (std::size_t i = 0; i < std::min(coins.size(), kShownCoins); ++i) {
         if (const auto quote = quotes.find(coins[i].apiId); quote != quotes.end()) {
-            line.coins.push_back(composeCoin(preferences, coins[i], quote->second));
+            line.coins.push_back(composeCoin(line.parts, coins[i], quote->second));
         }
     }
     if (quotes.empty()) {

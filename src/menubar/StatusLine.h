@@ -37,9 +37,17 @@ struct GasPart {
     std::string text;
 };
 
+/// What the preferences ask to be shown of every coin that has it.
+struct ShownParts {
+    bool change24h = false;
+    bool highLow24h = false;
+    bool sparkline = false;
+};
+
 /// What the price line shows, before anybody draws or writes it.
 struct StatusLine {
     std::string sourceId;
+    ShownParts parts;
     std::vector<CoinPart> coins;
     std::optional<std::string> emptyText;  ///< in place of coins when there is no quote at all
     std::optional<GasPart> gas;

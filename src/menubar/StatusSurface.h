@@ -23,7 +23,7 @@ struct PanelData {
 enum class DisplayMode { Line, Panel };
 
 /// How far it is to the next refresh.
-struct Countdown {
+struct RefreshProgress {
     double elapsed = 0;  ///< of the interval, from 0 to 1
     platform::Seconds remaining{};
     platform::Seconds interval{};
@@ -50,7 +50,7 @@ public:
     [[nodiscard]] virtual bool showsProgress() const = 0;
 
     /// Shows the countdown; returns how long it will look the same.
-    virtual platform::Seconds showProgress(const Countdown& countdown) = 0;
+    virtual platform::Seconds showProgress(const RefreshProgress& progress) = 0;
 
     /// Whether other windows can cover the line, and the look whether they do.
     [[nodiscard]] virtual bool canBeCovered() const = 0;

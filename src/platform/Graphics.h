@@ -76,7 +76,7 @@ public:
     virtual void strokeArc(const Arc& arc, const Color& color, double width, Caps caps) = 0;
 };
 
-/// A blurred shadow of what has been drawn, in points.
+/// A blurred shadow of what has been drawn, in points. It has faded out at twice its radius.
 struct Shadow {
     Color color;
     double radius = 0;

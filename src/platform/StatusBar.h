@@ -71,6 +71,9 @@ public:
     /// The first item stands at the right end, each next one to the left of it.
     [[nodiscard]] virtual std::unique_ptr<StatusItem> addItem(StatusItem::Length length) = 0;
 
+    /// On screen, with all its items; empty while it is not shown.
+    [[nodiscard]] virtual Rect frame() const = 0;
+
     /// Pixels to a point where the bar is.
     [[nodiscard]] virtual double scale() const = 0;
 

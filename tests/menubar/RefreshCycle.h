@@ -35,7 +35,7 @@ public:
         }
     }
     bool showsProgress() const override { return hasProgress; }
-    platform::Seconds showProgress(const Countdown& countdown) override {
+    platform::Seconds showProgress(const RefreshProgress& countdown) override {
         progress.push_back(countdown.elapsed);
         return unchangedFor;
     }

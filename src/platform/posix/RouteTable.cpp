@@ -63,13 +63,20 @@ RouteTable::Outcome RouteTable::read(Bytes datagram) {
         // What is told of a change bears the number of whoever asked for the change.
         const bool isListed = before_ && header.nlmsg_seq == listed_ && (header.nlmsg_flags & NLM_F_MULTI) != 0;
         switch (header.nlmsg_type) {
-        case RTM_NEWROUTE:
-        case RTM_DELROUTE: isNews |= readRoute(header, body, isListed); break;
-        case RTM_NEWLINK:
-        case RTM_DELLINK: isNews |= readLink(header, body); break;
-        case NLMSG_DONE:
-        case NLMSG_ERROR: isNews |= before_ && header.nlmsg_seq == listed_ && finishList(); break;
-        case NLMSG_OVERRUN: return Outcome::Overrun;
+            case RTM_NEWROUTE:
+            case RTM_DELROUTE:
+                isNews |= readRoute(header, body, isListed);
+                break;
+            case RTM_NEWLINK:
+            case RTM_DELLINK:
+                isNews |= readLink(header, body);
+                break;
+            case NLMSG_DONE:
+            case NLMSG_ERROR:
+                isNews |= before_ && header.nlmsg_seq == listed_ && finishList();
+                break;
+            case NLMSG_OVERRUN:
+                return Outcome::Overrun;
         }
         datagram = datagram.subspan(std::min<std::size_t>(NLMSG_ALIGN(header.nlmsg_len), datagram.size()));
     }
@@ -96,13 +103,23 @@ bool RouteTable::readRoute(const nlmsghdr& header, Bytes body, bool isListed) {
     std::uint32_t table = route->rtm_table;
     forEachAttribute(body, [&](int type, Bytes value) {
         switch (type) {
-        case RTA_TABLE: table = numberIn(value); break;
-        case RTA_DST: place.destination = textIn(value); break;
-        case RTA_PRIORITY: place.metric = numberIn(value); break;
-        case RTA_OIF: way.link = numberIn(value); break;
-        case RTA_GATEWAY:
-        case RTA_VIA:
-        case RTA_MULTIPATH: way.gateway = textIn(value); break;
+            case RTA_TABLE:
+                table = numberIn(value);
+                break;
+            case RTA_DST:
+                place.destination = textIn(value);
+                break;
+            case RTA_PRIORITY:
+                place.metric = numberIn(value);
+                break;
+            case RTA_OIF:
+                way.link = numberIn(value);
+                break;
+            case RTA_GATEWAY:
+            case RTA_VIA:
+            case RTA_MULTIPATH:
+                way.gateway = textIn(value);
+                break;
         }
     });
     if (table != RT_TABLE_MAIN || (route->rtm_dst_len != 0 && way.gateway.empty())) {
@@ -118,8 +135,9 @@ bool RouteTable::readRoute(const nlmsghdr& header, Bytes body, bool isListed) {
     }
     const bool hasCarrier = (route->rtm_flags & (RTNH_F_LINKDOWN | RTNH_F_DEAD)) == 0;
     ways_.insert_or_assign({std::move(place), std::move(way)}, hasCarrier);
-    // A route that the kernel tells of is not always new: those of IPv6 are told of again each time a router makes itself
-    // known. Those of IPv4 are, though they may be known here, since the kernel drops them in silence when their address goes.
+    // A route that the kernel tells of is not always new: those of IPv6 are told of again each time a router makes
+    // itself known. Those of IPv4 are, though they may be known here, since the kernel drops them in silence when their
+    // address goes.
     return !isListed && hasCarrier && (route->rtm_family == AF_INET || !wasKnown);
 }
 

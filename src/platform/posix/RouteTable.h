@@ -11,8 +11,8 @@ struct nlmsghdr;
 
 namespace glintar::platform {
 
-/// The ways that lead beyond the networks this machine stands in itself, kept up to date by what the kernel tells of its
-/// routes and links (rtnetlink(7)): default routes and those through a gateway, of the main table.
+/// The ways that lead beyond the networks this machine stands in itself, kept up to date by what the kernel tells of
+/// its routes and links (rtnetlink(7)): default routes and those through a gateway, of the main table.
 class RouteTable {
 public:
     enum class Outcome {
@@ -24,8 +24,8 @@ public:
     /// One datagram from the kernel. Nothing in it is relied on but its length.
     Outcome read(std::span<const std::byte> datagram);
 
-    /// The whole table follows, from the request of this sequence number on. Its first reading is never news; of a later one
-    /// that is which was not known before. Only when no other is being read.
+    /// The whole table follows, from the request of this sequence number on. Its first reading is never news; of a
+    /// later one that is which was not known before. Only when no other is being read.
     void expectAll(std::uint32_t sequence);
     [[nodiscard]] bool isReadingAll() const { return before_.has_value(); }
 

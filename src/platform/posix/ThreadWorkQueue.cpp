@@ -4,13 +4,17 @@
 
 namespace glintar::platform {
 
-ThreadWorkQueue::~ThreadWorkQueue() {
+void ThreadWorkQueue::end() {
+    std::deque<Task> dropped;
+    std::vector<std::thread> threads;
     {
         const std::lock_guard lock(mutex_);
         isEnding_ = true;
+        dropped.swap(waiting_);
+        threads.swap(threads_);
     }
     wake_.notify_all();
-    for (auto& thread : threads_) {
+    for (auto& thread : threads) {
         thread.join();
     }
 }

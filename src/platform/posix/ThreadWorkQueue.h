@@ -15,7 +15,10 @@ class ThreadWorkQueue final : public WorkQueue {
 public:
     /// `runLoop` tells when delayed work is due.
     ThreadWorkQueue(RunLoop& runLoop, std::size_t maxThreads) : runLoop_(runLoop), maxThreads_(maxThreads) {}
-    ~ThreadWorkQueue() override;
+    ~ThreadWorkQueue() override { end(); }
+
+    /// Lets what is under way finish, and drops the rest and all that still comes.
+    void end();
 
     void async(Task task) override;
     void asyncAfter(Duration delay, Task task) override;

@@ -9,8 +9,8 @@ class NotificationCenter;
 
 /// Posts `kMachineResumed` when the machine has woken from sleep. Main thread only.
 ///
-/// Nothing is polled: the kernel makes a descriptor readable whenever the calendar clock jumps, which it does at the end
-/// of each sleep, and also when somebody sets it. Which of the two it was, the run loop's clocks tell.
+/// Nothing is polled: the kernel makes a descriptor readable whenever the calendar clock jumps, which it does at the
+/// end of each sleep, and also when somebody sets it. Which of the two it was, the run loop's clocks tell.
 class WakeWatch {
 public:
     WakeWatch(const RunLoop& loop, NotificationCenter& notifications, Descriptor clockChanges = watchClockChanges());

@@ -34,10 +34,12 @@ struct ItemState {
 class VirtualStatusBar final : public StatusBar {
 public:
     std::unique_ptr<StatusItem> addItem(StatusItem::Length length) override;
+    Rect frame() const override { return onScreen; }
     double scale() const override { return pixelsPerPoint; }
     void setScale(double scale);
 
     double pixelsPerPoint = 1;
+    Rect onScreen{900, 776, 380, 24};
     std::vector<std::shared_ptr<ItemState>> items;  ///< in the order in which they were added
 };
 

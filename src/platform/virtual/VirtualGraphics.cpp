@@ -16,6 +16,10 @@ const std::string& nameOf(const Image& image) {
     return dynamic_cast<const VirtualImage&>(image).name;
 }
 
+std::shared_ptr<const VirtualImage> copyOf(const Image& image) {
+    return std::make_shared<VirtualImage>(dynamic_cast<const VirtualImage&>(image));
+}
+
 class RecordingCanvas final : public Canvas {
 public:
     RecordingCanvas(const Graphics& graphics, std::vector<Drawn>& operations)
@@ -37,7 +41,11 @@ public:
                                .color = color});
     }
     void drawImage(const Image& image, const Rect& rect, double opacity) override {
-        operations_.push_back({.kind = Drawn::Kind::Image, .frame = rect, .text = nameOf(image), .opacity = opacity});
+        operations_.push_back({.kind = Drawn::Kind::Image,
+                               .frame = rect,
+                               .text = nameOf(image),
+                               .opacity = opacity,
+                               .image = copyOf(image)});
     }
     void drawImageInPie(const Image& image, const Rect& rect, const Arc& pie) override {
         operations_.push_back({.kind = Drawn::Kind::Pie, .frame = rect, .text = nameOf(image), .arc = pie});

@@ -2,6 +2,7 @@
 
 #include "platform/Graphics.h"
 
+#include <atomic>
 #include <map>
 #include <mutex>
 #include <set>
@@ -9,6 +10,8 @@
 #include <vector>
 
 namespace glintar::platform {
+
+class VirtualImage;
 
 /// One operation on a canvas; what does not belong to its kind is left as it is by default.
 struct Drawn {
@@ -23,6 +26,7 @@ struct Drawn {
     double opacity = 1;
     std::vector<Point> points;
     Canvas::Arc arc;
+    std::shared_ptr<const VirtualImage> image;  ///< a copy of it
 };
 
 /// Remembers what was drawn instead of drawing it.
@@ -61,7 +65,7 @@ public:
 
     std::set<std::string, std::less<>> images{"AppIcon", "coingecko"};  ///< the shipped ones
     std::set<std::string, std::less<>> missingSymbols;
-    mutable int drawings = 0;  ///< calls of `draw`
+    mutable std::atomic<int> drawings = 0;  ///< calls of `draw`
 };
 
 /// What was drawn as a `VirtualImage`.

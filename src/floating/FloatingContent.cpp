@@ -1,0 +1,211 @@
+#include "floating/FloatingContent.h"
+
+#include "config/Settings.h"
+#include "market/GasNetwork.h"
+#include "menubar/PillColors.h"
+#include "platform/Preferences.h"
+#include "text/Number.h"
+#include "text/Unicode.h"
+
+#include <fmt/format.h>
+
+#include <cmath>
+#include <cstdint>
+
+namespace glintar::floating {
+
+namespace {
+
+using platform::Appearance;
+using platform::Color;
+using platform::Font;
+using Weight = Font::Weight;
+
+constexpr Color rgb(unsigned value) {
+    constexpr auto component = [](unsigned byte) { return static_cast<double>(byte & 0xffU) / 255; };
+    return {component(value >> 16U), component(value >> 8U), component(value)};
+}
+
+Font plain(double size, Weight weight = Weight::Regular) {
+    return {.size = size, .weight = weight};
+}
+
+Font monospaced(double size, Weight weight = Weight::Regular) {
+    return {.size = size, .weight = weight, .digits = Font::Digits::Monospaced};
+}
+
+std::string priceText(double price) {
+    return text::fixed(price, price >= 1 ? 2 : 4);
+}
+
+/// "coingecko" becomes "Coingecko", each word by itself. Short enough for a panel, whatever it is.
+std::string capitalized(std::string_view id) {
+    constexpr std::size_t kLongest = 60;
+    const std::string fitting = text::fitColumns(text::oneLine(id), kLongest);
+    std::string result;
+    std::string_view rest = fitting;
+    while (!rest.empty()) {
+        const auto word = rest.substr(0, rest.find(' '));
+        const auto initial = text::firstCharacters(word, 1);
+        result += text::upper(initial) + text::lower(word.substr(initial.size()));
+        rest.remove_prefix(word.size());
+        if (!rest.empty()) {
+            result += ' ';
+            rest.remove_prefix(1);
+        }
+    }
+    return result;
+}
+
+/// Whether the fee fits a whole number of 64 bits; what does not is nobody's fee.
+bool isCountable(double fee) {
+    constexpr double kLimit = 0x1p63;
+    return fee >= -kLimit && fee < kLimit;  // false for what is no number
+}
+
+std::string wholeText(double fee) {
+    return isCountable(fee) ? fmt::format("{}", static_cast<std::int64_t>(fee)) : "—";
+}
+
+std::optional<std::string> transferCostText(double fee, const market::MarketDataMap& quotes) {
+    auto quote = quotes.find("ethereum");
+    if (quote == quotes.end()) {
+        quote = quotes.find("ETH");
+    }
+    if (quote == quotes.end() || !isCountable(fee)) {
+        return std::nullopt;
+    }
+    const double cost = fee * 21'000 * quote->second.price / 1'000'000'000;
+    return std::isfinite(cost) ? std::optional(fmt::format("(${})", text::fixed(cost, 3))) : std::nullopt;
+}
+
+std::vector<HeaderItem> feeItems(double fee, market::GasNetwork network, const market::MarketDataMap& quotes,
+                                 const Palette& palette) {
+    const Color level = fee < 20 ? palette.green : fee < 50 ? palette.orange : palette.red;
+    const auto single = [](std::string words, const Font& font, const Color& color) {
+        return std::vector{StyledText{std::move(words), font, color}};
+    };
+    std::vector<HeaderItem> items;
+    if (network == market::GasNetwork::Bitcoin) {
+        items.emplace_back(single("BTC", plain(10, Weight::Bold), level));
+        items.emplace_back(StyledSymbol{"fuelpump.fill", 11, level});
+        items.emplace_back(std::vector{StyledText{fmt::format(" {}", wholeText(fee)), plain(12, Weight::Bold), level},
+                                       StyledText{" sat/vB", plain(11, Weight::Bold), palette.primary}});
+        return items;
+    }
+    items.emplace_back(single("ETH", plain(11, Weight::Bold), level));
+    items.emplace_back(StyledSymbol{"fuelpump.fill", 12, level});
+    items.emplace_back(
+        single(fee < 10 && isCountable(fee) ? text::fixed(fee, 2) : wholeText(fee), plain(11, Weight::Bold), level));
+    items.emplace_back(single("Gwei", plain(10), palette.primary));
+    if (auto cost = transferCostText(fee, quotes)) {
+        items.emplace_back(single(std::move(*cost), plain(10), level));
+    }
+    return items;
+}
+
+/// Which optional parts the user wants to see.
+struct Shown {
+    bool change;
+    bool highLow;
+    bool sparkline;
+};
+
+Cell priceCell(const config::Coin& coin, double price, const Palette& palette) {
+    Cell cell{.lines = {{priceText(price), monospaced(12, Weight::Bold), palette.primary}}};
+    if (coin.referencePrice && *coin.referencePrice > 0) {
+        cell.lines.push_back({"Ref: " + priceText(*coin.referencePrice), monospaced(9), palette.dimmed});
+    }
+    return cell;
+}
+
+Cell changeCell(const market::UnifiedMarketData& quote, const Shown& shown, const Palette& palette) {
+    Cell cell;
+    if (shown.change && quote.change24h) {
+        const double change = *quote.change24h + 0.0;  // makes the negative zero a plain one
+        cell.lines.push_back({fmt::format("{}{}%", change >= 0 ? "+" : "", text::fixed(change, 1)),
+                              monospaced(10, Weight::Semibold), change >= 0 ? palette.green : palette.red});
+    }
+    if (shown.highLow && quote.high24h && quote.low24h) {
+        cell.lines.push_back(
+            {priceText(*quote.high24h) + "/" + priceText(*quote.low24h), monospaced(8), palette.dimmed});
+    }
+    return cell;
+}
+
+std::vector<Cell> rowOf(const config::Coin& coin, const market::UnifiedMarketData& quote, const Shown& shown,
+                        const Palette& palette) {
+    std::vector<Cell> cells;
+    cells.push_back({.alignment = Cell::Alignment::Center,
+                     .lines = {{text::upper(text::firstCharacters(coin.displayName, 4)), monospaced(12, Weight::Black),
+                                palette.coinName}}});
+    cells.push_back(priceCell(coin, quote.price, palette));
+    if (shown.change || shown.highLow) {
+        cells.push_back(changeCell(quote, shown, palette));
+    }
+    if (shown.sparkline && quote.sparkline) {
+        const bool isDown = quote.change24h && *quote.change24h < 0;
+        cells.push_back({.alignment = Cell::Alignment::Center,
+                         .sparkline = SparklineView{*quote.sparkline, isDown ? palette.red : palette.green}});
+    }
+    return cells;
+}
+
+}  // namespace
+
+Palette paletteOf(Appearance appearance) {
+    using menubar::SystemColor;
+    using menubar::systemColor;
+    if (appearance == Appearance::Dark) {
+        return {.primary = Color::white(1),
+                .dimmed = Color::white(1, 0.6),
+                .plate = Color::white(0, 0.85),
+                .divider = Color::white(1, 0.2),
+                .ringTrack = Color::white(1, 0.3),
+                .shadow = Color::white(0, 0.6),
+                .coinName = rgb(0xffd60a),
+                .green = systemColor(SystemColor::Green, appearance),
+                .orange = systemColor(SystemColor::Orange, appearance),
+                .red = systemColor(SystemColor::Red, appearance)};
+    }
+    // The system's own are too bright for small text on a white plate.
+    return {.primary = Color::white(0),
+            .dimmed = Color::white(0, 0.6),
+            .plate = Color::white(1),
+            .divider = Color::white(0, 0.1),
+            .ringTrack = Color::white(0, 0.3),
+            .shadow = Color::white(0, 0.2),
+            .coinName = rgb(0x0a60d8),
+            .green = rgb(0x1f8a3d),
+            .orange = rgb(0xc25a00),
+            .red = rgb(0xd0252b)};
+}
+
+FloatingContent composeContent(const FloatingState& state, const platform::Preferences& preferences,
+                               Appearance appearance) {
+    const Palette palette = paletteOf(appearance);
+    FloatingContent content{
+        .palette = palette,
+        .isTransparent = state.isTransparent,
+        .sourceID = state.sourceID,
+        .sourceName = {capitalized(state.sourceID), plain(11, Weight::Bold), palette.green},
+    };
+    if (state.currentGasPrice && preferences.boolean(config::kShowGasFee)) {
+        const auto network = market::gasNetworkOf(preferences.integer(config::kGasSource));
+        content.fee = feeItems(*state.currentGasPrice, network, state.marketData, palette);
+    }
+    if (state.currentCoins.empty()) {
+        content.loading = {"Loading...", plain(10), palette.primary};
+    }
+    const Shown shown{.change = preferences.boolean(config::kShowChange),
+                      .highLow = preferences.boolean(config::kShowHighLow),
+                      .sparkline = preferences.boolean(config::kShowSparkline)};
+    for (const auto& coin : state.currentCoins) {
+        if (const auto quote = state.marketData.find(coin.apiId); quote != state.marketData.end()) {
+            content.rows.push_back(rowOf(coin, quote->second, shown, palette));
+        }
+    }
+    return content;
+}
+
+}  // namespace glintar::floating

@@ -1,0 +1,71 @@
+#include "menubar/LineText.h"
+
+#include "text/Unicode.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+namespace glintar::menubar {
+
+std::string sparklineText(std::span<const double> values) {
+    static constexpr std::array<std::string_view, 8> kBlocks{"▁", "▂", "▃", "▄", "▅", "▆", "▇", "█"};
+    if (values.size() < 2) {
+        return {};
+    }
+    const auto [low, high] = std::ranges::minmax(values);
+    // Halves, or the range of two huge values of opposite sign would be infinite.
+    const double range = high / 2 - low / 2;
+    std::string text;
+    for (const double value : values) {
+        const double height = range > 0 ? (value / 2 - low / 2) / range : 0;
+        const auto block = std::lround(height * (kBlocks.size() - 1));
+        text += kBlocks[static_cast<std::size_t>(std::clamp(block, 0L, 7L))];
+    }
+    return text;
+}
+
+std::string plainText(const CoinPart& part) {
+    std::string text = text::oneLine(text::upper(text::trimmed(part.coin.displayName)));
+    text += ' ' + part.price;
+    if (part.reference) {
+        text += " (" + *part.reference + ")";
+    }
+    if (part.change) {
+        text += ' ' + *part.change;
+    }
+    if (part.highLow) {
+        text += ' ' + part.highLow->high + '/' + part.highLow->low;
+    }
+    if (const auto sparkline = part.showsSparkline ? sparklineText(*part.quote.sparkline) : ""; !sparkline.empty()) {
+        text += ' ' + sparkline;
+    }
+    return text;
+}
+
+std::string plainText(const GasPart& gas) {
+    return (gas.network == market::GasNetwork::Bitcoin ? "₿ " : "⛽ ") + gas.text;
+}
+
+std::string plainText(const StatusLine& line) {
+    std::vector<std::string> parts;
+    if (line.emptyText) {
+        parts.push_back(*line.emptyText);
+    }
+    for (const auto& coin : line.coins) {
+        parts.push_back(plainText(coin));
+    }
+    if (line.gas) {
+        parts.push_back(plainText(*line.gas));
+    }
+    if (line.error && !line.emptyText) {
+        parts.push_back(errorText(*line.error));
+    }
+    std::string text;
+    for (const auto& part : parts) {
+        text += (text.empty() ? "" : " | ") + part;
+    }
+    return text;
+}
+
+}  // namespace glintar::menubar

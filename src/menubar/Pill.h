@@ -1,0 +1,29 @@
+#pragma once
+
+#include "platform/Graphics.h"
+
+#include <functional>
+
+namespace glintar::menubar {
+
+/// What a picture is drawn for.
+struct Look {
+    platform::Appearance appearance = platform::Appearance::Light;
+    double scale = 1;  ///< pixels to a point
+    bool operator==(const Look&) const = default;
+};
+
+inline constexpr double kPillHeight = 24;
+inline constexpr double kPillPadding = 6;  ///< at either end
+
+/// A rounded plate and what is painted on it. What lies beyond 4096 points of width is cut off: a price of three
+/// hundred digits must not take the machine's memory.
+[[nodiscard]] platform::ImagePtr drawPill(const platform::Graphics& graphics, const Look& look, double width,
+                                          const std::function<void(platform::Canvas&)>& paint);
+
+/// Where the bottom of something of that height is, when it stands in the middle.
+[[nodiscard]] constexpr double centered(double height) {
+    return (kPillHeight - height) / 2;
+}
+
+}  // namespace glintar::menubar

@@ -1,0 +1,57 @@
+#include "menubar/PillColors.h"
+
+namespace glintar::menubar {
+
+using platform::Appearance;
+using platform::Color;
+
+namespace {
+
+constexpr Color bytes(int red, int green, int blue) {
+    return {red / 255.0, green / 255.0, blue / 255.0};
+}
+
+}  // namespace
+
+Color systemColor(SystemColor color, Appearance appearance) {
+    const bool isDark = appearance == Appearance::Dark;
+    switch (color) {
+        case SystemColor::Blue:
+            return isDark ? bytes(10, 132, 255) : bytes(0, 122, 255);
+        case SystemColor::Green:
+            return isDark ? bytes(50, 215, 75) : bytes(40, 205, 65);
+        case SystemColor::Orange:
+            return isDark ? bytes(255, 159, 10) : bytes(255, 149, 0);
+        case SystemColor::Red:
+            return isDark ? bytes(255, 69, 58) : bytes(255, 59, 48);
+        case SystemColor::Grey:
+            return isDark ? bytes(152, 152, 157) : bytes(142, 142, 147);
+        case SystemColor::SecondaryLabel:
+            return isDark ? Color::white(1, 0.55) : Color::white(0, 0.5);
+        case SystemColor::TertiaryLabel:
+            return isDark ? Color::white(1, 0.25) : Color::white(0, 0.26);
+    }
+    return {};
+}
+
+Color colorNamed(std::string_view name, Appearance appearance) {
+    const bool isDark = appearance == Appearance::Dark;
+    if (name == "green") {
+        return isDark ? Color{0.2, 0.85, 0.3} : Color{0, 0.6, 0};
+    }
+    if (name == "red") {
+        return isDark ? Color{1.0, 0.3, 0.3} : Color{0.85, 0, 0};
+    }
+    if (name == "ref") {
+        return isDark ? Color{1.0, 0.7, 0.2} : systemColor(SystemColor::Grey, appearance);
+    }
+    if (name == "text") {
+        return isDark ? Color::white(1) : Color::white(0.1);
+    }
+    if (name == "subtext") {
+        return isDark ? Color::white(2.0 / 3) : Color::white(0.5);
+    }
+    return isDark ? Color::white(1) : Color::white(0);
+}
+
+}  // namespace glintar::menubar

@@ -1,0 +1,70 @@
+#include "menubar/PillPainter.h"
+
+#include "menubar/CoinIcons.h"
+#include "menubar/CoinPill.h"
+#include "menubar/GasPill.h"
+
+#include <fmt/format.h>
+
+#include <utility>
+
+namespace glintar::menubar {
+
+namespace {
+
+constexpr std::size_t kCacheBytes = std::size_t{4} << 20;
+
+char letterOf(platform::Appearance appearance) {
+    return appearance == platform::Appearance::Dark ? 'D' : 'L';
+}
+
+}  // namespace
+
+PillPainter::PillPainter(const platform::Graphics& graphics, std::shared_ptr<CoinIcons> icons, const Look& look,
+                         std::function<void()> onIconArrived)
+    : graphics_(graphics),
+      icons_(std::move(icons)),
+      look_(look),
+      onIconArrived_(std::move(onIconArrived)),
+      renderedItemCache_(kCacheBytes) {}
+
+std::string PillPainter::renderKey(const StatusLine& line, const CoinPart& coin) const {
+    return fmt::format("{}_{}_{}_{}_{}_{}_{}_{}", letterOf(look_.appearance), line.sourceId, coin.coin.apiId,
+                       coin.price, coin.reference.value_or("n"), line.parts.change24h, line.parts.highLow24h,
+                       line.parts.sparkline);
+}
+
+std::string PillPainter::renderKey(const GasPart& gas) const {
+    return fmt::format("gas_{}_{}_{}_{}", letterOf(look_.appearance), std::to_underlying(gas.network),
+                       std::to_underlying(gasLevel(gas.fee)), gas.text);
+}
+
+platform::ImagePtr PillPainter::drawPill(const std::string& key, const CoinPart& coin) {
+    const auto icon = icons_->icon(coin.coin.apiId);
+    if (!icon && coin.quote.imageUrl) {
+        download(key, coin.coin.apiId, *coin.quote.imageUrl);
+    }
+    auto pill = renderCoinPill(graphics_, coin, icon, look_);
+    if (icon) {
+        renderedItemCache_.insert(key, pill);
+    }
+    return pill;
+}
+
+platform::ImagePtr PillPainter::drawPill(const std::string& key, const GasPart& gas) {
+    auto pill = renderGasPill(graphics_, gas, look_);
+    renderedItemCache_.insert(key, pill);
+    return pill;
+}
+
+void PillPainter::download(const std::string& key, const std::string& apiId, const std::string& imageUrl) {
+    icons_->download(imageUrl, {.apiId = apiId, .asker = this, .onArrived = [weak = weak_from_this(), key] {
+                                    // A painter for another look has asked for itself.
+                                    if (const auto self = weak.lock()) {
+                                        self->renderedItemCache_.remove(key);
+                                        self->onIconArrived_();
+                                    }
+                                }});
+}
+
+}  // namespace glintar::menubar

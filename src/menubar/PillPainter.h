@@ -1,0 +1,45 @@
+#pragma once
+
+#include "menubar/ImageCache.h"
+#include "menubar/Pill.h"
+#include "menubar/StatusLine.h"
+
+#include <functional>
+#include <memory>
+#include <string>
+
+namespace glintar::menubar {
+
+class CoinIcons;
+
+/// Draws the pills of the price line for one look, and keeps those that are finished: they are used again as long as
+/// their render key stays the same. Any thread.
+class PillPainter : public std::enable_shared_from_this<PillPainter> {
+public:
+    /// `onIconArrived` runs on the main thread when a pill that was drawn without its icon can be drawn with it.
+    PillPainter(const platform::Graphics& graphics, std::shared_ptr<CoinIcons> icons, const Look& look,
+                std::function<void()> onIconArrived);
+
+    /// What a coin's pill is known by. The change, range and sparkline do not count: they move along with the price.
+    [[nodiscard]] std::string renderKey(const StatusLine& line, const CoinPart& coin) const;
+    [[nodiscard]] std::string renderKey(const GasPart& gas) const;
+
+    /// Null when there is none.
+    [[nodiscard]] platform::ImagePtr finishedPill(const std::string& key) { return renderedItemCache_.find(key); }
+
+    /// Reads icons from the disk, so not on the main thread. A coin without an icon has one downloaded and is drawn
+    /// with a badge, which is not kept.
+    [[nodiscard]] platform::ImagePtr drawPill(const std::string& key, const CoinPart& coin);
+    [[nodiscard]] platform::ImagePtr drawPill(const std::string& key, const GasPart& gas);
+
+private:
+    void download(const std::string& key, const std::string& apiId, const std::string& imageUrl);
+
+    const platform::Graphics& graphics_;
+    std::shared_ptr<CoinIcons> icons_;
+    Look look_;
+    std::function<void()> onIconArrived_;
+    ImageCache renderedItemCache_;
+};
+
+}  // namespace glintar::menubar

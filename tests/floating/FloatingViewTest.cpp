@@ -1,0 +1,192 @@
+#include "config/Settings.h"
+#include "floating/CountdownRing.h"
+#include "floating/FloatingView.h"
+#include "floating/PanelLayout.h"
+#include "platform/virtual/VirtualGraphics.h"
+#include "platform/virtual/VirtualStores.h"
+#include "support/Market.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <limits>
+
+namespace glintar::floating {
+namespace {
+
+using platform::Drawn;
+using platform::Point;
+using platform::Rect;
+using platform::Seconds;
+using platform::Size;
+using Kind = Drawn::Kind;
+
+class FloatingViewTest : public testing::Test {
+protected:
+    PanelLayout layOut() const {
+        return layOutPanel(composeContent(state, preferences, platform::Appearance::Dark), graphics, 1, 0);
+    }
+    /// All of the picture but the green of its ring.
+    const platform::VirtualImage& update(FloatingView::Surroundings surroundings) {
+        view.update(state, surroundings, 1);
+        return *platform::drawn(view.picture()).operations.at(0).image;
+    }
+    void showTwoCoins() {
+        for (const auto key : {config::kShowChange, config::kShowHighLow, config::kShowSparkline}) {
+            preferences.setBoolean(key, true);
+        }
+        state.currentCoins = {test::coin("Bitcoin", "bitcoin", 60000), test::coin("ETH", "ethereum")};
+        state.marketData["bitcoin"] = {.price = 64250.5,
+                                       .change24h = 2.5,
+                                       .high24h = 71234.5,
+                                       .low24h = 69000,
+                                       .sparkline = std::vector{1.0, 3.0, 2.0}};
+        state.marketData["ethereum"] = {.price = 0.5, .change24h = -0.3};
+    }
+    static Point at(const PanelLayout& layout, std::string_view words) {
+        const auto text = std::ranges::find(layout.texts, words, [](const auto& placed) { return placed.text.text; });
+        return text == layout.texts.end() ? Point{-1, -1} : text->frame.origin();
+    }
+
+    platform::VirtualGraphics graphics;
+    platform::VirtualPreferences preferences;
+    FloatingState state;
+    FloatingView view{preferences, graphics};
+};
+
+// The numbers below are worked out by hand: a character is 0.6 of its font's size wide, a line 1.2 of it high.
+
+TEST_F(FloatingViewTest, AnEmptyPanelIsItsHeaderAboveOneLine) {
+    const auto layout = layOut();
+    EXPECT_EQ(layout.plate, (Rect{0, 0, 114, 66}));  // 105.4 x 30 over 76 x 28, and 4 around them
+    EXPECT_EQ(layout.ring, (Rect{14, 38, 18, 18}));
+    EXPECT_EQ(layout.sourceImageFrame, (Rect{18, 42, 10, 10}));
+    EXPECT_EQ(at(layout, "Coingecko"), (Point{40, 40}));
+    EXPECT_EQ(at(layout, "Loading..."), (Point{27, 12}));
+}
+
+TEST_F(FloatingViewTest, AFeeStandsBesideTheName) {
+    preferences.setBoolean(config::kShowGasFee, true);
+    preferences.setInteger(config::kGasSource, 1);
+    state.currentGasPrice = 12.7;
+    auto layout = layOut();
+    EXPECT_EQ(layout.plate.size(), (Size{227, 66}));
+    EXPECT_EQ(at(layout, "BTC"), (Point{108, 41}));
+    EXPECT_EQ(layout.symbols.at(0).frame, (Rect{130, 42, 11, 11}));
+    EXPECT_EQ(at(layout, " 12"), (Point{145, 40}));
+    EXPECT_EQ(at(layout, " sat/vB"), (Point{166, 40}));
+
+    graphics.missingSymbols = {"fuelpump.fill"};
+    layout = layOut();
+    EXPECT_EQ(layout.plate.width, 212) << "what is missing leaves no gap";
+}
+
+TEST_F(FloatingViewTest, CoinsStandInAGridWithAlignedColumns) {
+    showTwoCoins();
+    const auto layout = layOut();
+    EXPECT_EQ(layout.plate.size(), (Size{289, 128}));  // 288.6 x 127.6 in whole pixels
+    EXPECT_THAT(layout.dividers, testing::ElementsAre(testing::Field(&Rect::y, 89), testing::Field(&Rect::y, 39)));
+    EXPECT_EQ(layout.dividers[0].x, 4);
+    EXPECT_NEAR(layout.dividers[0].width, 280.6, 1e-9);
+    EXPECT_EQ(at(layout, "BITC"), (Point{10, 57}));
+    EXPECT_EQ(at(layout, "64250.50"), (Point{68, 63}));
+    EXPECT_EQ(at(layout, "Ref: 60000.00"), (Point{55, 52}));
+    EXPECT_EQ(at(layout, "+2.5%"), (Point{193, 63}));
+    EXPECT_EQ(at(layout, "71234.50/69000.00"), (Point{141, 54}));
+    EXPECT_EQ(layout.sparklines.at(0).frame, (Rect{239, 54, 40, 20}));
+    EXPECT_EQ(at(layout, "ETH"), (Point{14, 12}));
+    EXPECT_EQ(at(layout, "0.5000"), (Point{82, 12}));
+}
+
+TEST_F(FloatingViewTest, ASourceWithoutAnImageHasTheNetworkSymbolInItsRing) {
+    graphics.images.clear();
+    EXPECT_EQ(layOut().symbols.at(0).symbol.name, "network");
+    EXPECT_EQ(layOut().symbols.at(0).frame, (Rect{19, 43, 8, 8}));
+}
+
+TEST_F(FloatingViewTest, AbsurdPricesDoNotAskForAnAbsurdPicture) {
+    showTwoCoins();
+    auto& quote = state.marketData["bitcoin"];
+    quote.price = quote.high24h.emplace(-1e308);
+    quote.low24h = -1e308;
+    EXPECT_LE(layOut().plate.width, 4096);
+}
+
+TEST_F(FloatingViewTest, OverWhatShowsThroughThePlateHasAShadow) {
+    showTwoCoins();
+    const auto& picture = update({.appearance = platform::Appearance::Dark, .scale = 1});
+    EXPECT_EQ(picture.size(), (Size{309, 148}));
+    EXPECT_EQ(picture.operations.at(0).frame, (Rect{10, 10, 289, 128}));
+    EXPECT_EQ(picture.operations.at(0).color, platform::Color::white(0, 0.85));
+    EXPECT_EQ(picture.operations.at(0).radius, 8);
+    EXPECT_EQ(picture.shadow.radius, 4);
+    EXPECT_EQ(picture.shadow.offset, (Point{0, -2}));
+    EXPECT_EQ(picture.shadow.color, platform::Color::white(0, 0.6));
+    EXPECT_EQ(picture.text("64250.50").frame.origin(), (Point{78, 73}));
+
+    state.isTransparent = true;
+    const auto& bare = update({.appearance = platform::Appearance::Dark, .scale = 1});
+    EXPECT_EQ(bare.all(Kind::Fill).size(), 2U) << "the dividers";
+    EXPECT_EQ(bare.shadow.radius, 4);
+}
+
+TEST_F(FloatingViewTest, WithoutACompositorThePlateIsOpaqueAndBareContentIsOutlined) {
+    const FloatingView::Surroundings opaque{.appearance = platform::Appearance::Dark, .isTranslucent = false};
+    const auto& picture = update(opaque);
+    EXPECT_EQ(picture.size(), (Size{114, 66}));
+    EXPECT_EQ(picture.operations.at(0).color, platform::Color::white(0, 1));
+    EXPECT_EQ(picture.shadow.radius, 0);
+
+    state.isTransparent = true;
+    const auto images = update(opaque).all(Kind::Image);
+    ASSERT_EQ(images.size(), 10U) << "nine times the outline, and the source's image";
+    EXPECT_EQ(images[0].frame, (Rect{-1, -1, 114, 66}));
+    EXPECT_EQ(images[8].frame, (Rect{1, 1, 114, 66}));
+    EXPECT_EQ(images[0].image->text("Coingecko").color, platform::Color::white(0, 1));
+}
+
+TEST_F(FloatingViewTest, TheRingEmptiesClockwiseByPixels) {
+    const auto arcs = [this](double progress) {
+        view.update(state, {}, progress);
+        return platform::drawn(view.picture()).all(Kind::Arc);
+    };
+    EXPECT_EQ(arcs(0.5).at(0).arc,
+              (platform::Canvas::Arc{.center = {33, 57}, .radius = 8, .start = 90, .sweep = -180}));
+    const int drawings = graphics.drawings;
+    EXPECT_TRUE(arcs(0).empty()) << "nothing is left of a refresh that is due";
+    EXPECT_EQ(graphics.drawings, drawings + 1) << "the rest, with its shadow, is not drawn anew";
+
+    // 50 pixels around: a step of 1.2 s in a minute. At twice the pixels there are 101.
+    EXPECT_EQ(ring::shownProgress(0.001, 1), 0.02);
+    EXPECT_EQ(ring::shownProgress(0.001, 2), 1 / 101.0);
+    EXPECT_NEAR(ring::unchangedFor(Seconds(60), Seconds(60), 1).count(), 1.2, 1e-9);
+    EXPECT_NEAR(ring::unchangedFor(Seconds(59), Seconds(60), 1).count(), 0.2, 1e-9);
+    EXPECT_NEAR(ring::unchangedFor(Seconds(70), Seconds(60), 1).count(), 11.2, 1e-9);
+    EXPECT_EQ(ring::timeProgress(Seconds(-1), Seconds(60)), 0);
+    EXPECT_EQ(ring::timeProgress(Seconds(70), Seconds(60)), 1);
+}
+
+TEST_F(FloatingViewTest, SparklinesSpanTheirFrame) {
+    constexpr double kHuge = std::numeric_limits<double>::max();
+    const std::pair<std::vector<double>, std::vector<Point>> cases[] = {
+        {{1, 3, 2}, {{5, 7}, {25, 27}, {45, 17}}},
+        {{4, 4}, {{5, 7}, {45, 7}}},        // flat: along the bottom
+        {{1, 1.00001}, {{5, 7}, {45, 9}}},  // hardly any range is no mountain
+        {{-kHuge, kHuge}, {{5, 7}, {45, 27}}},
+        {{4}, {}},
+        {{}, {}},
+    };
+    for (const auto& [prices, points] : cases) {
+        const auto picture = graphics.draw(
+            {50, 30}, 1, [&](platform::Canvas& canvas) { SparklineView{prices, {}}.draw(canvas, {5, 7, 40, 20}); });
+        const auto lines = platform::drawn(picture).all(Kind::Line);
+        ASSERT_EQ(lines.size(), points.empty() ? 0U : 1U);
+        for (std::size_t i = 0; i < points.size(); ++i) {
+            EXPECT_NEAR(lines[0].points.at(i).x, points[i].x, 1e-6);
+            EXPECT_NEAR(lines[0].points.at(i).y, points[i].y, 1e-6);
+        }
+    }
+}
+
+}  // namespace
+}  // namespace glintar::floating
