@@ -19,8 +19,7 @@ AppDelegate::AppDelegate(platform::Platform& platform, platform::Desktop& deskto
 
 void AppDelegate::applicationDidFinishLaunching() {
     surface_.emplace(platform_, desktop_,
-                     DesktopSurface::Requests{.redisplay = [this] { redisplay(); },
-                                              .quit = [this] { quitApp(); }});
+                     DesktopSurface::Requests{.redisplay = [this] { redisplay(); }, .quit = [this] { quitApp(); }});
     statusBarController_.emplace(platform_, *surface_, menubar::StatusBarController::Options{});
     statusBarController_->start();
     config::CoinListUpdater::shared(platform_).checkForNewVersion();

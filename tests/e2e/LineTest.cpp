@@ -295,11 +295,16 @@ TEST_F(LineTest, WordsItDoesNotKnowAreRefusedAndItsOwnExplained) {
 }
 
 TEST_F(LineTest, WithoutADisplayOrItsDesktopHalfItSaysSoAndShowsTheLine) {
+    // Alone in a folder, with what it cannot do without.
+    const TemporaryFolder alone;
+    std::filesystem::copy_file(GLINTAR_PROGRAM, alone.path() / "glintar");
+    std::filesystem::create_directory_symlink(std::filesystem::path(GLINTAR_BUILD) / "resources",
+                                              alone.path() / "resources");
     for (const auto& [variable, reason] :
          {std::pair{"XDG_SESSION_ID", "no display"}, std::pair{"DISPLAY", "glintar-desktop is not installed"}}) {
         auto where = environment();
         where[variable] = ":77";
-        Program program({GLINTAR_PROGRAM}, where);
+        Program program({alone.path() / "glintar"}, where);
         ASSERT_TRUE(program.waitForOutput("BTC ")) << program.errors();
         program.signal(SIGTERM);
         EXPECT_EQ(program.wait(), 0);

@@ -5,7 +5,7 @@
 #include <fcntl.h>
 #include <fmt/format.h>
 #include <signal.h>
-#include <sys/prctl.h>
+#include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -25,31 +25,41 @@ using platform::XcbOwned;
 
 constexpr auto kPatience = 15s;
 
-/// `pipe` is what the program finds as descriptor 3, `output` as its standard output; -1 is neither.
+/// `pipe` is what the program finds as descriptor 3, `output` as its standard output; -1 is neither. No fork: a copy of
+/// a program with sanitizers takes tens of milliseconds.
 pid_t spawn(const std::vector<std::string>& command, int output, int pipe) {
     std::vector<char*> words;
+    words.reserve(command.size() + 1);
     for (const auto& word : command) {
         words.push_back(const_cast<char*>(word.c_str()));
     }
     words.push_back(nullptr);
-    const pid_t parent = ::getpid();
-    const pid_t child = ::fork();
-    if (child == 0) {
-        ::prctl(PR_SET_PDEATHSIG, SIGKILL);
-        if (::getppid() != parent) {
-            ::_exit(127);
-        }
-        const int nowhere = ::open("/dev/null", O_RDWR);
-        ::dup2(nowhere, STDIN_FILENO);
-        ::dup2(output >= 0 ? output : nowhere, STDOUT_FILENO);
-        ::dup2(nowhere, STDERR_FILENO);
-        if (pipe >= 0 && ::dup2(pipe, 3) == pipe) {
-            ::fcntl(pipe, F_SETFD, 0);
-        }
-        ::execvp(words[0], words.data());
-        ::_exit(127);
+    posix_spawn_file_actions_t files;
+    ::posix_spawn_file_actions_init(&files);
+    ::posix_spawn_file_actions_addopen(&files, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
+    ::posix_spawn_file_actions_addopen(&files, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
+    if (output >= 0) {
+        ::posix_spawn_file_actions_adddup2(&files, output, STDOUT_FILENO);
+    } else {
+        ::posix_spawn_file_actions_addopen(&files, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
+    }
+    if (pipe >= 0) {
+        ::posix_spawn_file_actions_adddup2(&files, pipe, 3);
+    }
+    pid_t child = -1;
+    const int error = ::posix_spawnp(&child, words[0], &files, nullptr, words.data(), environ);
+    ::posix_spawn_file_actions_destroy(&files);
+    if (error != 0) {
+        throw std::runtime_error(command.front() + " cannot be run");
     }
     return child;
+}
+
+/// It must not outlive a test that crashes.
+std::vector<std::string> dyingWithTheTest(std::vector<std::string> command) {
+    static const std::array<std::string, 4> first{"setpriv", "--pdeathsig", "KILL", "--"};
+    command.insert(command.begin(), first.begin(), first.end());
+    return command;
 }
 
 struct Pipe {
@@ -123,6 +133,17 @@ bool hasManager(XcbConnection& connection) {
                xcb_get_window_attributes_reply(connection.get(), seen, nullptr)) != nullptr;
 }
 
+/// Whether it takes care of windows by now. Openbox, for one, says earlier that it is there, and what it is sent while
+/// it starts can lie until it is sent something else.
+bool doesManage(XcbConnection& connection, xcb_window_t probe) {
+    xcb_connection_t* const xcb = connection.get();
+    xcb_change_property(xcb, XCB_PROP_MODE_REPLACE, connection.screen().root, connection.atom("_GLINTAR_TEST"),
+                        XCB_ATOM_CARDINAL, 32, 0, nullptr);
+    const auto asked = xcb_get_property(xcb, 0, probe, connection.atom("WM_STATE"), XCB_ATOM_ANY, 0, 1);
+    const XcbOwned<xcb_get_property_reply_t> state(xcb_get_property_reply(xcb, asked, nullptr));
+    return state && state->type != XCB_ATOM_NONE;
+}
+
 int number(std::string_view text) {
     int value = 0;
     std::from_chars(text.data(), text.data() + text.size(), value);
@@ -154,7 +175,7 @@ std::string outputOf(const std::vector<std::string>& command) {
     return text;
 }
 
-Child::Child(const std::vector<std::string>& command, int pipe) : id_(spawn(command, -1, pipe)) {}
+Child::Child(const std::vector<std::string>& command, int pipe) : id_(spawn(dyingWithTheTest(command), -1, pipe)) {}
 
 void Child::stop() {
     if (id_ > 0) {
@@ -170,9 +191,9 @@ Display::Display(const std::string& screen, Bus bus) {
     set("HOME", home_.path().string());
     set("XDG_RUNTIME_DIR", runtime.string());
     set("QT_QPA_PLATFORM", "xcb");
-    for (const char* const variable :
-         {"XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME", "XDG_STATE_HOME", "XDG_CURRENT_DESKTOP", "XDG_SESSION_TYPE",
-          "DESKTOP_SESSION", "WAYLAND_DISPLAY", "XAUTHORITY", "AT_SPI_BUS_ADDRESS", "DBUS_SESSION_BUS_ADDRESS"}) {
+    for (const char* const variable : {"XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME", "XDG_STATE_HOME",
+                                       "XDG_CURRENT_DESKTOP", "XDG_SESSION_TYPE", "DESKTOP_SESSION", "WAYLAND_DISPLAY",
+                                       "XAUTHORITY", "AT_SPI_BUS_ADDRESS", "DBUS_SESSION_BUS_ADDRESS"}) {
         set(variable, std::nullopt);
     }
     startServer(screen);
@@ -182,6 +203,7 @@ Display::Display(const std::string& screen, Bus bus) {
 }
 
 Display::~Display() {
+    background_.reset();
     for (Child* const child : {&panel_, &tray_, &compositor_, &manager_, &server_, &bus_}) {
         child->stop();
     }
@@ -199,8 +221,8 @@ void Display::set(const char* variable, const std::optional<std::string>& value)
 void Display::startServer(const std::string& screen) {
     width_ = number(screen);
     height_ = number(std::string_view(screen).substr(screen.find('x') + 1));
-    auto [server, told] = startTelling(
-        {"Xvfb", "-displayfd", "3", "-screen", "0", screen, "-nolisten", "tcp", "-noreset"}, "Xvfb");
+    auto [server, told] =
+        startTelling({"Xvfb", "-displayfd", "3", "-screen", "0", screen, "-nolisten", "tcp", "-noreset"}, "Xvfb");
     server_ = std::move(server);
     name_ = ":" + told;
     set("DISPLAY", name_);
@@ -219,6 +241,12 @@ void Display::startManager(Manager manager) {
                                            : Child({"xfwm4", "--compositor=off", "--replace"});
     const auto connection = connect();
     await([&] { return hasManager(*connection); }, "the window manager does not start");
+    // Goes with the connection.
+    const auto probe = xcb_generate_id(connection->get());
+    xcb_create_window(connection->get(), XCB_COPY_FROM_PARENT, probe, connection->screen().root, 0, 0, 1, 1, 0,
+                      XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, 0, nullptr);
+    xcb_map_window(connection->get(), probe);
+    await([&] { return doesManage(*connection, probe); }, "the window manager manages nothing");
 }
 
 void Display::stopManager() {
@@ -277,20 +305,40 @@ void Display::unsplit() {
     outputOf({"xrandr", "--delmonitor", "LEFT"});
 }
 
-void Display::paintBackground(const std::string& color) {
-    outputOf({"xsetroot", "-solid", color});
+void Display::paintBackground(Pixel color) {
+    background_ = connect();
+    xcb_connection_t* const xcb = background_->get();
+    const auto window = xcb_generate_id(xcb);
+    const std::array<std::uint32_t, 2> values{static_cast<std::uint32_t>(color[0] << 16 | color[1] << 8 | color[2]), 1};
+    xcb_create_window(xcb, XCB_COPY_FROM_PARENT, window, background_->screen().root, 0, 0,
+                      static_cast<std::uint16_t>(width_), static_cast<std::uint16_t>(height_), 0,
+                      XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, XCB_CW_BACK_PIXEL | XCB_CW_OVERRIDE_REDIRECT,
+                      values.data());
+    constexpr std::uint32_t kBelow = XCB_STACK_MODE_BELOW;
+    xcb_configure_window(xcb, window, XCB_CONFIG_WINDOW_STACK_MODE, &kBelow);
+    xcb_map_window(xcb, window);
+    background_->flush();
 }
 
-std::array<std::uint8_t, 3> Display::pixel(int x, int y) const {
+void Display::clearBackground() {
+    background_.reset();
+}
+
+std::vector<Pixel> Display::pixels(int x, int y, int width, int height) const {
     const auto connection = connect();
     const auto asked = xcb_get_image(connection->get(), XCB_IMAGE_FORMAT_Z_PIXMAP, connection->screen().root,
-                                     static_cast<std::int16_t>(x), static_cast<std::int16_t>(y), 1, 1, ~0U);
+                                     static_cast<std::int16_t>(x), static_cast<std::int16_t>(y),
+                                     static_cast<std::uint16_t>(width), static_cast<std::uint16_t>(height), ~0U);
     const XcbOwned<xcb_get_image_reply_t> image(xcb_get_image_reply(connection->get(), asked, nullptr));
     if (!image) {
-        throw std::runtime_error("no such pixel");
+        throw std::runtime_error("not on the screen");
     }
-    const auto* const bytes = xcb_get_image_data(image.get());
-    return {bytes[2], bytes[1], bytes[0]};
+    std::vector<Pixel> seen;
+    const auto* bytes = xcb_get_image_data(image.get());
+    for (int count = width * height; count > 0; --count, bytes += 4) {
+        seen.push_back({bytes[2], bytes[1], bytes[0]});
+    }
+    return seen;
 }
 
 void Display::input(const std::vector<std::string>& words) const {

@@ -7,10 +7,15 @@
 #include <array>
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <utility>
 #include <vector>
+
+namespace glintar::platform {
+class XcbConnection;
+}
 
 namespace glintar::test {
 
@@ -35,10 +40,12 @@ private:
     pid_t id_ = -1;
 };
 
+using Pixel = std::array<std::uint8_t, 3>;  ///< red, green and blue
+
 /// A screen without a monitor, on which a test puts what desktops have. While it lives, $DISPLAY and
-/// $DBUS_SESSION_BUS_ADDRESS name it and a message bus of its own, the home and XDG folders are a temporary one, and nothing
-/// else of the user's desktop is known. Programs that are started find all that in their environment. One at a time, or
-/// one inside the life of another.
+/// $DBUS_SESSION_BUS_ADDRESS name it and a message bus of its own, the home and XDG folders are a temporary one, and
+/// nothing else of the user's desktop is known. Programs that are started find all that in their environment. One at a
+/// time, or one inside the life of another.
 ///
 /// The starting functions come back once the program does its work. They throw `std::runtime_error` where it does not:
 /// a test without its desktop has no result.
@@ -65,11 +72,14 @@ public:
     void split(int leftWidth);
     void unsplit();
 
-    /// Paints the screen behind all windows.
-    void paintBackground(const std::string& color);
+    /// Puts a window of that colour behind all others. (Of what is painted on the root window compositors know
+    /// nothing.)
+    void paintBackground(Pixel color);
+    void clearBackground();
 
-    /// Red, green and blue of one pixel, as somebody in front of the screen sees it.
-    [[nodiscard]] std::array<std::uint8_t, 3> pixel(int x, int y) const;
+    /// What somebody in front of the screen sees, row by row.
+    [[nodiscard]] std::vector<Pixel> pixels(int x, int y, int width, int height) const;
+    [[nodiscard]] Pixel pixel(int x, int y) const { return pixels(x, y, 1, 1).front(); }
 
     /// Pointer and keys, by xdotool: `input({"mousemove", "10", "20", "click", "1"})`.
     void input(const std::vector<std::string>& words) const;
@@ -89,6 +99,7 @@ private:
     std::string busAddress_;
     int width_ = 0;
     int height_ = 0;
+    std::unique_ptr<platform::XcbConnection> background_;
     Child bus_, server_, manager_, compositor_, tray_, panel_;
 };
 

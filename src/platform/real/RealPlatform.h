@@ -41,6 +41,9 @@ public:
     int exec();
     void exit(int status);
 
+    /// Ends the background work, which uses what the caller is about to destroy.
+    void endWork() { workQueue_.end(); }
+
     /// Runs on the main thread at an interrupt or terminate signal.
     std::function<void()> onTerminate;
 

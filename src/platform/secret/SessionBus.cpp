@@ -33,7 +33,7 @@ std::optional<std::string> sessionBusAddress() {
         while (!rest.empty()) {
             const auto entry = rest.substr(0, rest.find(';'));
             rest.remove_prefix(std::min(entry.size() + 1, rest.size()));
-            if (!entry.empty() && !entry.starts_with("autolaunch:")) {
+            if (!entry.empty() && !entry.starts_with("autolaunch:") && !entry.starts_with("disabled:")) {
                 addresses.append(addresses.empty() ? "" : ";").append(entry);
             }
         }

@@ -30,7 +30,7 @@ xcb_atom_t XcbConnection::atom(std::string_view name) {
     if (isNew) {
         const auto cookie = xcb_intern_atom(connection_, 0, static_cast<std::uint16_t>(name.size()), name.data());
         const XcbOwned<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(connection_, cookie, nullptr));
-        known->second = reply ? reply->atom : XCB_ATOM_NONE;
+        known->second = reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
     }
     return known->second;
 }

@@ -83,8 +83,8 @@ public:
     /// Hands out what the server has sent; to be called when there is something to read. False once it has gone.
     bool readEvents();
 
-    /// Hands out the events that came along with an answer, which will not make the descriptor readable any more. Whoever
-    /// asks the server anything calls it afterwards. No system call.
+    /// Hands out the events that came along with an answer, which will not make the descriptor readable any more.
+    /// Whoever asks the server anything calls it afterwards. No system call.
     void handOutQueued();
 
 private:

@@ -75,11 +75,12 @@ void XcbOverlay::makeWindow(std::string_view title) {
         values.colormap = colormap_;
         mask |= XCB_CW_COLORMAP;
     }
-    xcb_create_window_aux(xcb, depth_, window_, connection_.root(), 0, 0, 1, 1, 0, XCB_WINDOW_CLASS_INPUT_OUTPUT, visual_,
-                          mask, &values);
+    xcb_create_window_aux(xcb, depth_, window_, connection_.root(), 0, 0, 1, 1, 0, XCB_WINDOW_CLASS_INPUT_OUTPUT,
+                          visual_, mask, &values);
     context_ = xcb_generate_id(xcb);
     xcb_create_gc(xcb, context_, window_, 0, nullptr);
-    xcb_shape_rectangles(xcb, XCB_SHAPE_SO_SET, XCB_SHAPE_SK_INPUT, XCB_CLIP_ORDERING_UNSORTED, window_, 0, 0, 0, nullptr);
+    xcb_shape_rectangles(xcb, XCB_SHAPE_SO_SET, XCB_SHAPE_SK_INPUT, XCB_CLIP_ORDERING_UNSORTED, window_, 0, 0, 0,
+                         nullptr);
     xcb_get_maximum_request_length(xcb);  // asks for it the first time only
     describe(title);
 }
@@ -88,19 +89,19 @@ void XcbOverlay::makeWindow(std::string_view title) {
 void XcbOverlay::describe(std::string_view title) {
     xcb_connection_t* const xcb = connection_.get();
     const auto setText = [&](xcb_atom_t property, xcb_atom_t type, std::string_view text) {
-        xcb_change_property(xcb, XCB_PROP_MODE_REPLACE, window_, property, type, 8, static_cast<std::uint32_t>(text.size()),
-                            text.data());
+        xcb_change_property(xcb, XCB_PROP_MODE_REPLACE, window_, property, type, 8,
+                            static_cast<std::uint32_t>(text.size()), text.data());
     };
     setText(XCB_ATOM_WM_NAME, XCB_ATOM_STRING, title);
     setText(connection_.atom("_NET_WM_NAME"), connection_.atom("UTF8_STRING"), title);
     setText(XCB_ATOM_WM_CLASS, XCB_ATOM_STRING, std::string_view("glintar\0glintar\0", 16));
     const xcb_atom_t type = connection_.atom("_NET_WM_WINDOW_TYPE_NOTIFICATION");
-    xcb_change_property(xcb, XCB_PROP_MODE_REPLACE, window_, connection_.atom("_NET_WM_WINDOW_TYPE"), XCB_ATOM_ATOM, 32, 1,
-                        &type);
+    xcb_change_property(xcb, XCB_PROP_MODE_REPLACE, window_, connection_.atom("_NET_WM_WINDOW_TYPE"), XCB_ATOM_ATOM, 32,
+                        1, &type);
     // The picture has a shadow of its own; by this name compositors know that they shall add none.
     const std::uint32_t none = 0;
-    xcb_change_property(xcb, XCB_PROP_MODE_REPLACE, window_, connection_.atom("_COMPTON_SHADOW"), XCB_ATOM_CARDINAL, 32, 1,
-                        &none);
+    xcb_change_property(xcb, XCB_PROP_MODE_REPLACE, window_, connection_.atom("_COMPTON_SHADOW"), XCB_ATOM_CARDINAL, 32,
+                        1, &none);
     connection_.handOutQueued();
 }
 

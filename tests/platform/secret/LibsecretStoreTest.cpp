@@ -342,7 +342,7 @@ TEST_F(LibsecretStoreWithoutBusTest, NeverStartsABus) {
     const std::string path = std::getenv("PATH");
     setenv("PATH", (folder.path.native() + ":" + path).c_str(), 1);
     setenv("DISPLAY", ":99", 1);
-    for (const char* const address : {"", "autolaunch:", static_cast<const char*>(nullptr)}) {
+    for (const char* const address : {"", "autolaunch:", "disabled:", static_cast<const char*>(nullptr)}) {
         if (address == nullptr) {
             unsetenv("DBUS_SESSION_BUS_ADDRESS");
         } else {

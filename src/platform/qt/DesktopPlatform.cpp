@@ -1,0 +1,91 @@
+#include "platform/qt/DesktopPlatform.h"
+
+#include "platform/DesktopEvents.h"
+#include "platform/Directories.h"
+#include "platform/secret/SessionBus.h"
+
+#include <QThreadPool>
+
+#include <clocale>
+#include <cstdlib>
+#include <string_view>
+
+namespace glintar::platform {
+
+namespace {
+
+std::string_view variable(const char* name) {
+    const char* value = std::getenv(name);
+    return value ? value : "";
+}
+
+/// What must be said before there is an application.
+DesktopSettingsPolicy prepareApplication() {
+    // Wayland gives no program a place on the screen; through XWayland it has one.
+    ::setenv("QT_QPA_PLATFORM", "xcb", 0);
+    if (!sessionBusAddress()) {
+        // Qt would have libdbus start a bus, which outlives us.
+        ::setenv("DBUS_SESSION_BUS_ADDRESS", "disabled:", 1);
+    }
+    const auto policy = desktopSettingsPolicy(variable("XDG_CURRENT_DESKTOP"), variable("QT_QPA_PLATFORMTHEME"));
+    QApplication::setDesktopSettingsAware(policy.isSettingsAware);
+    QApplication::setHighDpiScaleFactorRoundingPolicy(Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
+    QCoreApplication::setApplicationName("glintar");  // the class of every window
+    QGuiApplication::setQuitOnLastWindowClosed(false);
+    return policy;
+}
+
+std::optional<QDBusConnection> sessionBus() {
+    if (!sessionBusAddress()) {
+        return std::nullopt;
+    }
+    auto bus = QDBusConnection::sessionBus();
+    return bus.isConnected() ? std::optional(bus) : std::nullopt;
+}
+
+}  // namespace
+
+DesktopPlatform::DesktopPlatform(int& argc, char** argv, const RealPlatform::Options& options)
+    : guard_("glintar", [] {}),  // every change has been saved when it was made
+      policy_(prepareApplication()),
+      application_(argc, argv),
+      machine_(options),
+      connection_(XcbConnection::open()),
+      reader_(*connection_),
+      session_(sessionBus()),
+      graphics_(platform().bundle),
+      fontChanges_(platform().notifications.observe(
+          kAppearanceChanged, [this] { graphics_.setFontFamily(QApplication::font().family().toStdString()); })),
+      events_(platform().runLoop, platform().notifications,
+              {.display = connection_.get(), .session = session_, .policy = policy_}),
+      statusBar_({.connection = *connection_,
+                  .session = session_,
+                  .graphics = graphics_,
+                  .events = events_,
+                  .notifications = platform().notifications,
+                  .preferences = platform().preferences}),
+      compositor_(*connection_),
+      pointer_(*connection_, screens_),
+      windows_({.loop = platform().runLoop, .connection = *connection_, .compositor = compositor_, .screens = screens_},
+               platform().console, session_),
+      desktop_{graphics_, events_, statusBar_, pointer_, windows_} {
+    // Qt has taken the user's locale; numbers are read and written without one.
+    std::setlocale(LC_NUMERIC, "C");
+    // Qt's painter hands pieces of a picture to a pool of threads. Ours are too small for more than one of them.
+    QThreadPool::globalInstance()->setMaxThreadCount(1);
+    events_.finishFirstLook();
+}
+
+DesktopPlatform::~DesktopPlatform() {
+    guard_.release();
+    machine_.endWork();  // it draws
+}
+
+void DesktopPlatform::watch() {
+    machine_.watch();
+    if (const auto bus = systemBusAddress()) {
+        loginManager_.emplace(platform().runLoop, platform().notifications, *bus);
+    }
+}
+
+}  // namespace glintar::platform

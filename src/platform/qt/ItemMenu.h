@@ -1,0 +1,38 @@
+#pragma once
+
+#include "platform/StatusBar.h"
+
+#include <QAction>
+#include <QMenu>
+#include <QObject>
+
+#include <vector>
+
+namespace glintar::platform {
+
+/// The menu of an item, as many times as it is shown: in the strip and in the tray.
+class ItemMenu final : public QObject {
+public:
+    /// The entries that are there already only change their texts where the new menu is built like the old one, so that
+    /// a menu that is open stays so.
+    void setMenu(Menu menu);
+    [[nodiscard]] bool isEmpty() const { return actions_.empty(); }
+
+    /// Fills another menu and keeps it filled as long as there are both.
+    void fill(QMenu& menu);
+
+    /// Shows the menu with its top left corner at the point, or ending at the height `above` where it has no room
+    /// below.
+    void popUp(const QPoint& topLeft, int above);
+
+private:
+    [[nodiscard]] bool isBuiltLike(const Menu& menu) const;
+    void rebuild(std::size_t size);
+
+    QMenu menu_;
+    std::vector<QAction*> actions_;
+    std::vector<std::function<void()>> work_;
+    std::vector<QMenu*> menus_{&menu_};
+};
+
+}  // namespace glintar::platform

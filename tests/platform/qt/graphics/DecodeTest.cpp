@@ -1,0 +1,169 @@
+#include "platform/qt/IconDecoder.h"
+
+#include <QBuffer>
+#include <QByteArray>
+#include <QColor>
+#include <QImage>
+#include <gmock/gmock.h>
+
+#include <ostream>
+
+namespace glintar::platform {
+namespace {
+
+using std::string_literals::operator""s;
+using testing::HasSubstr;
+
+/// Red on its left half, blue on its right one.
+QImage flag(int width, int height) {
+    QImage image(width, height, QImage::Format_ARGB32);
+    for (int x = 0; x < width; ++x) {
+        for (int y = 0; y < height; ++y) {
+            image.setPixelColor(x, y, x < width / 2 ? Qt::red : Qt::blue);
+        }
+    }
+    return image;
+}
+
+std::string file(const QImage& image, const char* format) {
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::WriteOnly);
+    EXPECT_TRUE(image.save(&buffer, format, 90)) << format;
+    return bytes.toStdString();
+}
+
+std::string half(const std::string& bytes) {
+    return bytes.substr(0, bytes.size() / 2);
+}
+
+std::string patched(std::string bytes, std::size_t at, const std::string& with) {
+    return bytes.replace(at, with.size(), with);
+}
+
+/// A PNG whose header claims 20,000 x 20,000 pixels, with the checksum that belongs to it.
+std::string boastfulPng() {
+    std::string bytes = patched(file(flag(2, 2), "png"), 16, "\0\0\x4e\x20\0\0\x4e\x20"s);
+    std::uint32_t sum = 0xffffffff;
+    for (std::size_t at = 12; at < 29; ++at) {
+        sum ^= static_cast<unsigned char>(bytes[at]);
+        for (int bit = 0; bit < 8; ++bit) {
+            sum = (sum >> 1) ^ ((sum & 1) != 0 ? 0xedb88320 : 0);
+        }
+    }
+    for (std::size_t index = 0; index < 4; ++index) {
+        bytes[29 + index] = static_cast<char>(~sum >> (24 - 8 * index));
+    }
+    return bytes;
+}
+
+/// Two pictures of one pixel, red and blue, on a screen of that size.
+std::string gif(const std::string& screen = "\1\0\1\0"s) {
+    const std::string picture = ",\0\0\0\0\1\0\1\0\0\2\2"s;
+    return "GIF89a" + screen + "\x80\0\0\xff\0\0\0\0\xff"s + picture + "\x44\1\0"s + picture + "\x4c\1\0;"s;
+}
+
+/// An icon file of PNG pictures, each said to be so wide and high.
+std::string ico(const std::vector<std::pair<int, std::string>>& pictures) {
+    const auto little = [](std::size_t value) {
+        return std::string{static_cast<char>(value), static_cast<char>(value >> 8), static_cast<char>(value >> 16), 0};
+    };
+    std::string directory = "\0\0\1\0"s + static_cast<char>(pictures.size()) + '\0';
+    std::string data;
+    for (const auto& [side, png] : pictures) {
+        directory += std::string(2, static_cast<char>(side)) + "\0\0\1\0\x20\0"s + little(png.size()) +
+                     little(6 + 16 * pictures.size() + data.size());
+        data += png;
+    }
+    return directory + data;
+}
+
+class DecodeFormatTest : public testing::TestWithParam<const char*> {};
+
+TEST_P(DecodeFormatTest, LargePicturesBecomeSmallOnesOfTheSameShape) {
+    const auto icon = decodeIcon(file(flag(200, 100), GetParam()));
+    ASSERT_TRUE(icon) << icon.error();
+    EXPECT_EQ(icon->size(), QSize(128, 64));
+    EXPECT_EQ(icon->format(), QImage::Format_ARGB32_Premultiplied);
+    const QColor left = icon->pixelColor(10, 32);
+    const QColor right = icon->pixelColor(120, 32);
+    EXPECT_TRUE(left.red() > 240 && left.blue() < 20) << left.name().toStdString();
+    EXPECT_TRUE(right.blue() > 240 && right.red() < 20) << right.name().toStdString();
+}
+
+INSTANTIATE_TEST_SUITE_P(Formats, DecodeFormatTest, testing::Values("png", "jpeg", "bmp", "ico", "webp"),
+                         [](const auto& row) { return std::string(row.param); });
+
+TEST(DecodeTest, TakesTheFirstPictureOfAnAnimationAndTheLargestOfAnIconFile) {
+    const auto first = decodeIcon(gif());
+    ASSERT_TRUE(first) << first.error();
+    EXPECT_EQ(first->pixelColor(0, 0), QColor(Qt::red));
+
+    const auto largest = decodeIcon(
+        ico({{16, file(flag(16, 16), "png")}, {48, file(flag(48, 48), "png")}, {32, file(flag(32, 32), "png")}}));
+    ASSERT_TRUE(largest) << largest.error();
+    EXPECT_EQ(largest->size(), QSize(48, 48)) << "and small pictures stay as they are";
+}
+
+TEST(DecodeTest, TransparentPixelsDoNotDarkenTheirNeighboursWhenMadeSmaller) {
+    QImage stripes(256, 256, QImage::Format_ARGB32);
+    for (int x = 0; x < 256; ++x) {
+        for (int y = 0; y < 256; ++y) {
+            stripes.setPixel(x, y, x % 2 == 0 ? qRgba(255, 255, 255, 255) : qRgba(0, 0, 0, 0));
+        }
+    }
+    const auto icon = decodeIcon(file(stripes, "png"));
+    ASSERT_TRUE(icon) << icon.error();
+    const QColor mixed = icon->pixelColor(64, 64);
+    EXPECT_NEAR(mixed.alpha(), 128, 4);
+    EXPECT_GT(mixed.red(), 250);
+}
+
+struct Refused {
+    std::string name;
+    std::function<std::string()> bytes;
+    std::string reason;
+    friend void PrintTo(const Refused& row, std::ostream* out) { *out << row.name; }
+};
+
+class DecodeRefusalTest : public testing::TestWithParam<Refused> {};
+
+TEST_P(DecodeRefusalTest, IsAnError) {
+    const auto icon = decodeIcon(GetParam().bytes());
+    ASSERT_FALSE(icon) << icon->width() << " x " << icon->height();
+    EXPECT_THAT(icon.error(), HasSubstr(GetParam().reason));
+}
+
+const auto kSvg = [] {
+    return R"(<svg xmlns="http://www.w3.org/2000/svg" width="8" height="8"><rect width="8" height="8"/></svg>)"s;
+};
+const auto kXpm = [] { return "/* XPM */\nstatic char *a[] = {\"1 1 1 1\", \"a c #ff0000\", \"a\"};"s; };
+
+INSTANTIATE_TEST_SUITE_P(
+    Refusals, DecodeRefusalTest,
+    testing::Values(Refused{"Empty", [] { return ""s; }, "known format"},
+                    Refused{"OneByte", [] { return "\x89"s; }, "known format"},
+                    Refused{"Html", [] { return "<html><body>404</body></html>"s; }, "known format"},
+                    Refused{"Svg", kSvg, "known format"}, Refused{"Xpm", kXpm, "known format"},
+                    Refused{"SvgSaidToBePng", [] { return "\x89PNG\r\n\x1a\n" + kSvg(); }, "unreadable png"},
+                    Refused{"PngCutOff", [] { return half(file(flag(90, 90), "png")); }, "unreadable png"},
+                    Refused{"JpegCutOff", [] { return half(file(flag(90, 90), "jpeg")); }, "too early"},
+                    Refused{"BmpCutOff", [] { return half(file(flag(90, 90), "bmp")); }, "too early"},
+                    Refused{"WebPCutOff", [] { return half(file(flag(90, 90), "webp")); }, "unreadable webp"},
+                    Refused{"GifCutOff", [] { return gif().substr(0, 32); }, "too early"},
+                    Refused{"BoastfulPng", boastfulPng, "20000 x 20000 pixels are too many"},
+                    Refused{"BoastfulBmp",
+                            [] { return patched(file(flag(2, 2), "bmp"), 18, "\x88\x13\0\0\x88\x13\0\0"s); },
+                            "5000 x 5000 pixels are too many"},
+                    Refused{"BoastfulJpeg",
+                            [] {
+                                const std::string bytes = file(flag(8, 8), "jpeg");
+                                return patched(bytes, bytes.find("\xff\xc0") + 5, "\x4e\x20\x4e\x20");
+                            },
+                            "20000 x 20000 pixels are too many"},
+                    Refused{"BoastfulGif", [] { return gif("\x88\x13\x88\x13"); }, "5000 x 5000"},
+                    Refused{"BoastfulPngInsideIco", [] { return ico({{16, boastfulPng()}}); }, "unreadable ico"}),
+    [](const auto& row) { return row.param.name; });
+
+}  // namespace
+}  // namespace glintar::platform

@@ -1,0 +1,106 @@
+#include "platform/qt/strip/StripFixture.h"
+
+#include <fmt/format.h>
+
+#include <charconv>
+
+namespace glintar::test {
+
+using platform::Canvas;
+using platform::Color;
+using platform::Rect;
+using platform::StatusItem;
+
+std::optional<std::filesystem::path> SourceBundle::resource(std::string_view name, std::string_view extension) const {
+    const std::filesystem::path file = fmt::format("{}/{}.{}", GLINTAR_RESOURCES, name, extension);
+    return std::filesystem::exists(file) ? std::optional(file) : std::nullopt;
+}
+
+bool soon(const std::function<bool()>& condition) {
+    return eventually(condition, [] {
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+        settle();
+    });
+}
+
+void settle() {
+    for (int round = 0; round < 3; ++round) {
+        QCoreApplication::processEvents();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        outputOf({"xprop", "-root", "_NET_SUPPORTED"});  // what it is answered comes after what was asked before
+    }
+}
+
+StripFixture::StripFixture() = default;
+
+void StripFixture::start() {
+    stop();
+    bar = std::make_unique<platform::QtStatusBar>(platform::QtStatusBar::Surroundings{
+        .connection = *connection,
+        .session = session,
+        .graphics = graphics,
+        .events = events,
+        .notifications = notifications,
+        .preferences = preferences,
+    });
+    icon = bar->addItem(StatusItem::Length::Square);
+    icon->setImage(graphics.draw({28, 24}, bar->scale(), [&](Canvas& canvas) {
+        canvas.fillRounded({4, 0, 20, 24}, 0, {.red = 1, .green = 0.5, .blue = 0});
+    }));
+    line = bar->addItem(StatusItem::Length::Variable);
+}
+
+void StripFixture::stop() {
+    line.reset();
+    icon.reset();
+    bar.reset();
+    settle();
+}
+
+platform::ImagePtr StripFixture::pill(double width, const Color& fill) const {
+    const double scale = bar->scale();
+    return graphics.draw({width, 24}, scale, [&](Canvas& canvas) {
+        canvas.fillRounded({0, 0, width, 24}, 0, Color::white(0));
+        canvas.fillRounded({1 / scale, 1 / scale, width - 2 / scale, 24 - 2 / scale}, 0, fill);
+    });
+}
+
+void StripFixture::showPills() {
+    const platform::TextRun gap{.text = "   ", .font = {.size = 11}, .color = {}};
+    line->setTitle({platform::PictureRun{pill(100, {.red = 1}), {0, -7.5}, "Bitcoin"}, gap,
+                    platform::PictureRun{pill(80, {.red = 0, .green = 0, .blue = 1}), {0, -7.5}, "Ether"}},
+                   "Bitcoin, Ether");
+}
+
+void StripFixture::showText(const std::string& text) {
+    line->setTitle({platform::TextRun{.text = text, .font = {.size = 12}, .color = Color::white(0.4)}}, text);
+}
+
+std::optional<SeenWindow> StripFixture::seen() const {
+    const auto text = outputOf({"xwininfo", "-name", "Glintar prices", "-int"});
+    const auto number = [&](std::string_view name) {
+        int value = 0;
+        if (const auto at = text.find(name); at != std::string::npos) {
+            const auto from = text.find_first_not_of(' ', at + name.size());
+            std::from_chars(text.data() + from, text.data() + text.size(), value);
+        }
+        return value;
+    };
+    if (!text.contains("IsViewable")) {
+        return {};
+    }
+    return SeenWindow{.id = static_cast<xcb_window_t>(number("Window id:")),
+                      .frame = {double(number("Absolute upper-left X:")), double(number("Absolute upper-left Y:")),
+                                double(number("Width:")), double(number("Height:"))}};
+}
+
+bool StripFixture::standsAt(const Rect& pixels) const {
+    const auto window = seen();
+    return window && window->frame == pixels;
+}
+
+std::string StripFixture::property(const std::string& name) const {
+    return outputOf({"xprop", "-name", "Glintar prices", name});
+}
+
+}  // namespace glintar::test

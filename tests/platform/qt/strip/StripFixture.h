@@ -1,0 +1,74 @@
+#pragma once
+
+#include "platform/Directories.h"
+#include "platform/qt/QtGraphics.h"
+#include "platform/qt/QtStatusBar.h"
+#include "platform/qt/XcbReader.h"
+#include "platform/virtual/VirtualDesktop.h"
+#include "platform/virtual/VirtualStores.h"
+#include "support/Display.h"
+
+#include <QCoreApplication>
+#include <QEventLoop>
+#include <gtest/gtest.h>
+
+namespace glintar::test {
+
+/// The resources as they lie in the source tree.
+class SourceBundle final : public platform::Bundle {
+public:
+    std::optional<std::filesystem::path> resource(std::string_view name, std::string_view extension) const override;
+    std::string version() const override { return "1"; }
+    std::string configServer() const override { return {}; }
+};
+
+/// The one screen of the test program, on which main made the QApplication.
+Display& display();
+
+/// Runs Qt's loop until the condition holds; false when it does not within some seconds.
+[[nodiscard]] bool soon(const std::function<bool()>& condition);
+
+/// Lets Qt and the X server finish what has been asked of them.
+void settle();
+
+/// What a window is, as other programs see it.
+struct SeenWindow {
+    xcb_window_t id = XCB_NONE;
+    platform::Rect frame;  ///< pixels from the top left
+};
+
+/// A status bar as the program has it, with a price line of two pills and an icon.
+class StripFixture : public testing::Test {
+protected:
+    StripFixture();
+
+    /// Makes the bar and its two items; what was there before goes.
+    void start();
+    void stop();
+
+    /// A pill of one colour with a black frame of a pixel.
+    platform::ImagePtr pill(double width, const platform::Color& fill) const;
+    void showPills();
+    void showText(const std::string& text);
+
+    /// The strip's window, found by its title on the screen; none while it is not shown.
+    std::optional<SeenWindow> seen() const;
+    bool standsAt(const platform::Rect& pixels) const;
+
+    /// Of the strip's window, as xprop prints it.
+    std::string property(const std::string& name) const;
+
+    platform::VirtualPreferences preferences;
+    platform::NotificationCenter notifications;
+    platform::VirtualEvents events{notifications};
+    SourceBundle bundle;
+    platform::QtGraphics graphics{bundle};
+    std::unique_ptr<platform::XcbConnection> connection = platform::XcbConnection::open();
+    platform::XcbReader reader{*connection};
+    std::optional<QDBusConnection> session;
+    std::unique_ptr<platform::QtStatusBar> bar;
+    std::unique_ptr<platform::StatusItem> icon;
+    std::unique_ptr<platform::StatusItem> line;
+};
+
+}  // namespace glintar::test

@@ -1,0 +1,103 @@
+#include "platform/qt/StripPlacement.h"
+#include "platform/virtual/VirtualStores.h"
+
+#include <gtest/gtest.h>
+
+namespace glintar::platform {
+
+namespace {
+
+using Edge = StripPlace::Edge;
+using Corner = StripPlace::Corner;
+
+// A screen to the right of another, with a panel of 30 points at its top.
+constexpr Rect kArea{1000, 0, 1000, 570};
+
+struct Hanging {
+    const char* name;
+    StripPlace place;
+    Size strip;
+    Rect frame;
+};
+
+class StripFrame : public testing::TestWithParam<Hanging> {};
+
+TEST_P(StripFrame, IsInTheFreePartOfTheScreen) {
+    EXPECT_EQ(stripFrame(GetParam().place, GetParam().strip, kArea), GetParam().frame);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Placement, StripFrame,
+    testing::Values(
+        Hanging{"TopRightCorner", {}, {300, 28}, {1700, 542, 300, 28}},
+        Hanging{"KeepsItsRightEndWhenLonger", {Edge::Top, Corner::End, 50}, {400, 28}, {1550, 542, 400, 28}},
+        Hanging{"KeepsItsLeftEndWhenLonger", {Edge::Top, Corner::Start, 50}, {400, 28}, {1050, 542, 400, 28}},
+        Hanging{"BottomEdge", {Edge::Bottom, Corner::End, 50}, {300, 28}, {1650, 0, 300, 28}},
+        Hanging{"LeftSideFromAbove", {Edge::Left, Corner::Start, 100}, {300, 28}, {1000, 442, 300, 28}},
+        Hanging{"RightSideFromBelow", {Edge::Right, Corner::End, 100}, {300, 28}, {1700, 100, 300, 28}},
+        Hanging{"TooFarLeftOnASmallerScreen", {Edge::Top, Corner::End, 900}, {300, 28}, {1000, 542, 300, 28}},
+        Hanging{"TooFarRightOnASmallerScreen", {Edge::Top, Corner::Start, 900}, {300, 28}, {1700, 542, 300, 28}},
+        Hanging{"TooFarDownOnASmallerScreen", {Edge::Left, Corner::Start, 900}, {300, 28}, {1000, 0, 300, 28}},
+        Hanging{"WiderThanTheScreen", {Edge::Top, Corner::End, 50}, {1200, 28}, {800, 542, 1200, 28}},
+        Hanging{"WiderThanTheScreenFromTheLeft", {Edge::Left, Corner::End, 0}, {1200, 28}, {800, 0, 1200, 28}}),
+    [](const auto& row) { return row.param.name; });
+
+struct Held {
+    const char* name;
+    Rect held;
+    StripPlace place;
+};
+
+class NearestPlace : public testing::TestWithParam<Held> {};
+
+TEST_P(NearestPlace, IsAtTheNearestEdge) {
+    EXPECT_EQ(nearestPlace(GetParam().held, kArea), GetParam().place);
+}
+
+INSTANTIATE_TEST_SUITE_P(Placement, NearestPlace,
+                         testing::Values(Held{"Top", {1500, 500, 300, 28}, {Edge::Top, Corner::End, 200}},
+                                         Held{"TopFromTheLeft", {1100, 500, 300, 28}, {Edge::Top, Corner::Start, 100}},
+                                         Held{"Bottom", {1500, 40, 300, 28}, {Edge::Bottom, Corner::End, 200}},
+                                         Held{"LeftSide", {1020, 400, 300, 28}, {Edge::Left, Corner::Start, 142}},
+                                         Held{"RightSide", {1690, 100, 300, 28}, {Edge::Right, Corner::End, 100}},
+                                         Held{"NearlyInTheCorner", {1693, 538, 300, 28}, {Edge::Top, Corner::End, 0}},
+                                         // Nearer to the side, but it lies along the top.
+                                         Held{"LongLineNearTheTop", {1010, 520, 980, 28}, {Edge::Top, Corner::End, 10}},
+                                         Held{"BeyondTheScreen", {1900, 700, 300, 28}, {Edge::Top, Corner::End, 0}}),
+                         [](const auto& row) { return row.param.name; });
+
+TEST(FreeArea, IsWhatPanelsLeaveOfTheScreen) {
+    const Rect left{0, 0, 1000, 600};
+    const Rect right{1000, 0, 1000, 600};
+    const Rect belowPanel{0, 0, 2000, 570};
+    EXPECT_EQ(freeArea(left, belowPanel), (Rect{0, 0, 1000, 570}));
+    EXPECT_EQ(freeArea(right, belowPanel), kArea);
+    const Rect ofTheLowerScreenOnly{0, 0, 2000, 400};
+    EXPECT_EQ(freeArea(left, ofTheLowerScreenOnly), left);
+    const Rect elsewhere{3000, 0, 100, 100};
+    EXPECT_EQ(freeArea(left, elsewhere), left);
+}
+
+TEST(StripPlace, IsRememberedAndNonsenseIsNot) {
+    VirtualPreferences preferences;
+    EXPECT_EQ(loadPlace(preferences), std::nullopt);
+
+    const StripPlace onSecondScreen{Edge::Bottom, Corner::Start, 120, "HDMI-1"};
+    savePlace(preferences, onSecondScreen);
+    EXPECT_EQ(loadPlace(preferences), onSecondScreen);
+    const StripPlace onPrimaryScreen{Edge::Right, Corner::End, 7};
+    savePlace(preferences, onPrimaryScreen);
+    EXPECT_EQ(loadPlace(preferences), onPrimaryScreen);
+
+    preferences.setReal("stripOffset", -50);
+    EXPECT_EQ(loadPlace(preferences).value().offset, 0);
+    preferences.setReal("stripOffset", std::numeric_limits<double>::quiet_NaN());
+    EXPECT_EQ(loadPlace(preferences), std::nullopt);
+    preferences.setReal("stripOffset", 0);
+    preferences.setString("stripEdge", "middle");
+    EXPECT_EQ(loadPlace(preferences), std::nullopt);
+}
+
+}  // namespace
+
+}  // namespace glintar::platform

@@ -1,0 +1,285 @@
+#include "platform/qt/strip/StripFixture.h"
+
+#include <QAccessible>
+#include <QApplication>
+#include <QEvent>
+#include <QToolTip>
+#include <QWidget>
+#include <gmock/gmock.h>
+
+#include <set>
+
+namespace glintar::test {
+
+namespace {
+
+using platform::Appearance;
+using platform::Color;
+using platform::MouseButton;
+using platform::Rect;
+using platform::StatusItem;
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+constexpr Pixel kRed{255, 0, 0}, kBlue{0, 0, 255}, kBlack{0, 0, 0}, kOrange{255, 128, 0};
+
+/// Whether the strip is on screen with its top right corner there, in pixels.
+testing::AssertionResult endsAt(const std::optional<SeenWindow>& window, double right, double top) {
+    if (window && window->frame.right() == right && window->frame.y == top) {
+        return testing::AssertionSuccess();
+    }
+    return testing::AssertionFailure() << (window ? testing::PrintToString(window->frame.right()) : "not shown") << ", "
+                                       << (window ? testing::PrintToString(window->frame.y) : "");
+}
+
+class StripWindow : public StripFixture {
+protected:
+    ~StripWindow() override {
+        stop();
+        display().clearBackground();
+        display().stopCompositor();
+        display().stopManager();
+        display().unsplit();
+        settle();
+    }
+    bool isSeenAt(double right, double top) {
+        return soon([&] { return bool(endsAt(seen(), right, top)); });
+    }
+    std::vector<Pixel> row() const {
+        const Rect frame = seen().value().frame;
+        return display().pixels(int(frame.x), int(frame.y + frame.height / 2), int(frame.width), 1);
+    }
+};
+
+class StripUnderManager : public StripWindow, public testing::WithParamInterface<Display::Manager> {};
+
+TEST_P(StripUnderManager, KeepsOutOfTheWayOfOtherWindows) {
+    display().startManager(GetParam());
+    const Child other({"xev", "-name", "other", "-geometry", "300x200+100+300"});
+    ASSERT_TRUE(soon([] { return outputOf({"xdotool", "getwindowfocus", "getwindowname"}) == "other\n"; }));
+
+    start();
+    showPills();
+    ASSERT_TRUE(isSeenAt(1280, 0)) << endsAt(seen(), 1280, 0).message();
+    EXPECT_EQ(outputOf({"xdotool", "getwindowfocus", "getwindowname"}), "other\n");
+
+    std::vector<MouseButton> clicks;
+    line->onMouseUp = [&](MouseButton button) { clicks.push_back(button); };
+    const Rect frame = seen().value().frame;
+    display().input({"mousemove", std::to_string(int(frame.x + 30)), "10", "click", "1", "click", "3"});
+    EXPECT_TRUE(soon([&] { return clicks.size() == 2; }));
+    EXPECT_THAT(clicks, ElementsAre(MouseButton::Left, MouseButton::Right));
+    EXPECT_EQ(outputOf({"xdotool", "getwindowfocus", "getwindowname"}), "other\n");
+
+    // The second time it is told anew: window managers take the properties away from hidden windows.
+    for (int time = 0; time < 2; ++time) {
+        for (const char* const state : {"ABOVE", "SKIP_TASKBAR", "SKIP_PAGER"}) {
+            EXPECT_THAT(property("_NET_WM_STATE"), HasSubstr(state));
+        }
+        EXPECT_THAT(property("_NET_WM_DESKTOP"), HasSubstr("4294967295"));
+        EXPECT_THAT(property("_NET_WM_WINDOW_TYPE"), HasSubstr("TYPE_DOCK"));
+        EXPECT_THAT(property("WM_CLASS"), HasSubstr(R"("glintar", "glintar")"));
+        line->setVisible(false);
+        icon->setVisible(false);
+        ASSERT_TRUE(soon([&] { return !seen(); }));
+        line->setVisible(true);
+        icon->setVisible(true);
+        ASSERT_TRUE(isSeenAt(1280, 0)) << endsAt(seen(), 1280, 0).message();
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Managers, StripUnderManager,
+                         testing::Values(Display::Manager::Openbox, Display::Manager::Xfwm4),
+                         [](const auto& row) { return row.param == Display::Manager::Openbox ? "Openbox" : "Xfwm4"; });
+
+TEST_F(StripWindow, FollowsThePrimaryScreen) {
+    start();
+    showPills();
+    ASSERT_TRUE(isSeenAt(1280, 0)) << endsAt(seen(), 1280, 0).message();
+    display().split(640);
+    EXPECT_TRUE(isSeenAt(640, 0)) << endsAt(seen(), 640, 0).message();
+    const Rect frame = line->frame();
+    EXPECT_EQ(frame.right(), 640 - 28) << "the line ends where the icon begins";
+    EXPECT_EQ(frame.top(), 800) << "counted from the lower end of the screen";
+    display().unsplit();
+    EXPECT_TRUE(isSeenAt(1280, 0)) << endsAt(seen(), 1280, 0).message();
+}
+
+TEST_F(StripWindow, StaysWhereTheUserDragsIt) {
+    display().startManager(Display::Manager::Openbox);
+    start();
+    showPills();
+    ASSERT_TRUE(isSeenAt(1280, 0)) << endsAt(seen(), 1280, 0).message();
+    int clicks = 0;
+    icon->onMouseUp = [&](MouseButton) { ++clicks; };
+
+    // By the icon, from the top right corner down to the bottom edge.
+    display().input(
+        {"mousemove", "1266", "14", "mousedown", "1", "mousemove", "1200", "300", "mousemove", "1066", "790"});
+    EXPECT_TRUE(isSeenAt(1080, 772)) << endsAt(seen(), 1080, 772).message();
+    display().input({"mouseup", "1"});
+    settle();
+    EXPECT_EQ(clicks, 0) << "a drag is no click";
+    EXPECT_TRUE(bar->isDraggedAway());
+
+    showText("Loading...");
+    EXPECT_TRUE(isSeenAt(1080, 772)) << "the end near the corner stays: " << endsAt(seen(), 1080, 772).message();
+    start();
+    showPills();
+    EXPECT_TRUE(isSeenAt(1080, 772)) << "after a restart: " << endsAt(seen(), 1080, 772).message();
+
+    display().input({"mousemove", "1066", "790", "click", "1"});
+    icon->onMouseUp = [&](MouseButton) { ++clicks; };
+    display().input({"mousemove", "1066", "790", "click", "1"});
+    EXPECT_TRUE(soon([&] { return clicks > 0; })) << "a click is no drag";
+}
+
+TEST_F(StripWindow, IsTranslucentWhereThereIsACompositorAndOpaqueElsewhere) {
+    display().paintBackground({0, 0xc0, 0});
+    start();
+    showPills();
+    ASSERT_TRUE(isSeenAt(1280, 0)) << endsAt(seen(), 1280, 0).message();
+    const auto behind = [] { return display().pixel(1253, 2); };
+    EXPECT_TRUE(soon([&] { return behind() == Pixel{0xf2, 0xf2, 0xf2}; }));
+    events.setAppearance(Appearance::Dark);
+    EXPECT_TRUE(soon([&] { return behind() == Pixel{0x20, 0x20, 0x20}; }));
+    display().startCompositor();
+    EXPECT_TRUE(soon([&] { return behind() == Pixel{0, 0xc0, 0}; }));
+    display().stopCompositor();
+    EXPECT_TRUE(soon([&] { return behind() == Pixel{0x20, 0x20, 0x20}; }));
+}
+
+/// Run at other scales too (CMakeLists.txt).
+TEST_F(StripWindow, ShowsPicturesPixelByPixel) {
+    start();
+    showPills();
+    // Qt's screen has a whole number of points.
+    const double end = 1280 - bar->scale();
+    ASSERT_TRUE(soon([&] { return seen() && seen()->frame.right() >= end; })) << endsAt(seen(), 1280, 0).message();
+    const Rect frame = seen().value().frame;
+    const auto shown = [&] {
+        const int width = std::min(int(frame.width), 1280 - int(frame.x));
+        return display().pixels(int(frame.x), int(frame.y), width, int(frame.height));
+    };
+    const Pixel ground{0xf2, 0xf2, 0xf2};
+    ASSERT_TRUE(soon([&] { return std::ranges::count(shown(), kBlue) > 0; }));
+    showPills();  // once more: each is painted by itself now
+    settle();
+    const auto pixels = shown();
+    const std::set<Pixel> colors(pixels.begin(), pixels.end());
+    EXPECT_EQ(colors, (std::set<Pixel>{ground, kRed, kBlue, kBlack, kOrange})) << "a mixture is a blurred edge";
+    // The frames of two pills, one pixel wide all around.
+    const double scale = bar->scale();
+    EXPECT_EQ(std::ranges::count(pixels, kBlack), 2 * int((100 + 24) * scale - 2) + 2 * int((80 + 24) * scale - 2));
+}
+
+TEST_F(StripWindow, PaintsOnlyWhatHasChanged) {
+    start();
+    line->setImage(pill(28, Color::white(0.5)));
+    showPills();
+    ASSERT_TRUE(soon([&] { return seen().has_value(); }));
+    settle();
+
+    struct Paints final : QObject {
+        bool eventFilter(QObject* watched, QEvent* event) override {
+            if (event->type() == QEvent::Paint && watched->isWidgetType()) {
+                ++count;
+            }
+            return false;
+        }
+        int count = 0;
+    } paints;
+    qApp->installEventFilter(&paints);
+    line->setImage(pill(28, Color::white(0.6)));
+    settle();
+    EXPECT_EQ(paints.count, 1) << "the countdown's own";
+    showText("Net Error");
+    settle();
+    paints.count = 0;
+    showPills();
+    settle();
+    EXPECT_GT(paints.count, 1);
+}
+
+TEST_F(StripWindow, ShowsTheIconAloneWhenThereIsNoLine) {
+    start();
+    showPills();
+    ASSERT_TRUE(soon([&] { return seen() && seen()->frame.width > 200; }));
+    line->setLength(StatusItem::Length::Collapsed);
+    EXPECT_TRUE(soon([&] { return standsAt({1280 - 28, 0, 28, 28}); }));
+    EXPECT_EQ(line->frame(), Rect{});
+    line->setLength(StatusItem::Length::Variable);
+    EXPECT_TRUE(soon([&] { return seen()->frame.width > 200; }));
+    line.reset();
+    EXPECT_TRUE(soon([&] { return standsAt({1280 - 28, 0, 28, 28}); }));
+}
+
+TEST_F(StripWindow, OpensAMenuThatWorksByMouse) {
+    display().startManager(Display::Manager::Openbox);
+    start();
+    showPills();
+    int quits = 0;
+    icon->setMenu({{.title = "Status: Normal", .isEnabled = false},
+                   {.isSeparator = true},
+                   {.title = "Quit", .action = [&] { ++quits; }}});
+    icon->onMouseUp = [&](MouseButton) { icon->popUpMenu({-10, -16}); };
+    ASSERT_TRUE(isSeenAt(1280, 0)) << endsAt(seen(), 1280, 0).message();
+
+    display().input({"mousemove", "1266", "14", "click", "1"});
+    ASSERT_TRUE(soon([] { return QApplication::activePopupWidget() != nullptr; }));
+    QWidget* const menu = QApplication::activePopupWidget();
+    ASSERT_TRUE(soon([&] { return menu->isVisible(); }));
+    EXPECT_EQ(menu->geometry().top(), 28 + 16);
+    const QAction* const quit = menu->actions().last();
+    EXPECT_EQ(quit->text(), "Quit");
+    icon->setMenu({{.title = "Display: Active", .isEnabled = false},
+                   {.isSeparator = true},
+                   {.title = "Quit", .action = [&] { ++quits; }}});
+    EXPECT_EQ(menu->actions().first()->text(), "Display: Active") << "while it is open";
+    EXPECT_EQ(menu->actions().last(), quit) << "the entry under the pointer stays the same";
+    display().input({"mousemove", std::to_string(menu->geometry().center().x()),
+                     std::to_string(menu->geometry().bottom() - 12), "click", "1"});
+    EXPECT_TRUE(soon([&] { return quits == 1; }));
+    EXPECT_TRUE(soon([] { return QApplication::activePopupWidget() == nullptr; }));
+}
+
+TEST_F(StripWindow, ShowsTheToolTipOfTheItemUnderThePointer) {
+    start();
+    showPills();
+    line->setToolTip("Last Updated: <12:00:00>");
+    icon->setToolTip("Glintar");
+    ASSERT_TRUE(isSeenAt(1280, 0)) << endsAt(seen(), 1280, 0).message();
+    display().input({"mousemove", "1266", "14", "sleep", "0.1", "mousemove", "1267", "15"});
+    EXPECT_TRUE(soon([] { return QToolTip::text() == "Glintar"; }));
+    display().input({"mousemove", "1230", "14", "sleep", "0.1", "mousemove", "1229", "15"});
+    EXPECT_TRUE(soon([] { return QToolTip::isVisible() && QToolTip::text().contains("12:00:00"); }));
+    display().input({"mousemove", "600", "600"});
+}
+
+TEST_F(StripWindow, NamesItsPartsForThoseWhoCannotSeeThem) {
+    start();
+    showPills();
+    int presses = 0;
+    line->onMouseUp = [&](MouseButton) { ++presses; };
+    const auto widgets = QApplication::topLevelWidgets();
+    const auto strip = std::ranges::find(widgets, QString("Glintar prices"), &QWidget::windowTitle);
+    ASSERT_NE(strip, widgets.end());
+    auto* const window = QAccessible::queryAccessibleInterface(*strip);
+    ASSERT_EQ(window->childCount(), 2);
+    auto* const seenLine = window->child(1);
+    EXPECT_EQ(seenLine->text(QAccessible::Name), "Bitcoin, Ether");
+    EXPECT_EQ(seenLine->role(), QAccessible::Button);
+    std::vector<QString> pills;
+    for (int index = 0; index < seenLine->childCount(); ++index) {
+        if (!seenLine->child(index)->state().invisible) {
+            pills.push_back(seenLine->child(index)->text(QAccessible::Name));
+        }
+    }
+    EXPECT_THAT(pills, ElementsAre("Bitcoin", "Ether"));
+    seenLine->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+    EXPECT_EQ(presses, 1);
+}
+
+}  // namespace
+
+}  // namespace glintar::test

@@ -1,0 +1,168 @@
+#include "WindowsDesktop.h"
+
+#include <QAbstractEventDispatcher>
+
+namespace glintar::platform {
+
+namespace {
+
+using test::Display;
+
+struct Case {
+    std::string name;
+    Display::Manager manager;
+    bool hasCompositor;
+};
+
+class Overlay : public WindowsDesktop, public testing::WithParamInterface<Case> {};
+
+TEST_P(Overlay, LiesAboveEverythingAndIsInNobodysWay) {
+    const Case& desktop = GetParam();
+    display.startManager(desktop.manager);
+    if (desktop.hasCompositor) {
+        display.startCompositor();
+        ASSERT_TRUE(test::eventually([&] { return compositor.isRunning(); }, [] { runLoop(); }));
+    }
+    OtherWindow beneath(OtherWindow::Kind::Managed, kYellow, {100, 100, 600, 400});
+    const auto focused = focus();
+    const auto programs = listedPrograms(*connection);
+
+    const auto panel = showPanel(300, 200);
+    EXPECT_TRUE(comesToShow(302, 202, kRed));
+    EXPECT_TRUE(comesToShow(338, 218, desktop.hasCompositor ? Pixel{102, 102, 153} : Pixel{0, 0, 255}));
+    EXPECT_TRUE(comesToShow(298, 198, desktop.hasCompositor ? Pixel{204, 204, 0} : kYellow)) << "the shadow";
+    EXPECT_EQ(panel->isTranslucent(), desktop.hasCompositor);
+
+    const auto click = [&] { display.input({"mousemove", "320", "205", "click", "1"}); };
+    EXPECT_TRUE(test::eventually([&] { return beneath.wasPressed(); }, click)) << "clicks must reach what lies beneath";
+    EXPECT_EQ(focus(), focused);
+    EXPECT_EQ(listedPrograms(*connection), programs) << "task bars must not know of the panel";
+
+    const OtherWindow later(OtherWindow::Kind::Managed, kBlack, {150, 120, 400, 300});
+    EXPECT_TRUE(comesToShow(302, 202, kRed)) << "a window that is opened later must not cover the panel";
+    const OtherWindow menu(OtherWindow::Kind::Unmanaged, {0, 255, 0}, {250, 190, 100, 100});
+    EXPECT_TRUE(comesToShow(302, 202, kRed)) << "nor must a menu";
+
+    panel->setFrameOrigin({-20, 785});
+    EXPECT_TRUE(comesToShow(2, 2, kRed));
+    EXPECT_EQ(panelPlace().x, -24);
+    EXPECT_EQ(panelPlace().y, -9);
+    panel->orderOut();
+    EXPECT_TRUE(comesToShow(2, 2, kWhite));
+}
+
+INSTANTIATE_TEST_SUITE_P(Desktops, Overlay,
+                         testing::Values(Case{"Openbox", Display::Manager::Openbox, false},
+                                         Case{"OpenboxWithCompositor", Display::Manager::Openbox, true},
+                                         Case{"Xfwm4", Display::Manager::Xfwm4, false},
+                                         Case{"Xfwm4WithCompositor", Display::Manager::Xfwm4, true}),
+                         [](const auto& desktop) { return desktop.param.name; });
+
+TEST_F(WindowsDesktop, ThePanelFollowsACompositorThatComesAndGoes) {
+    const auto panel = showPanel(300, 200);
+    int told = 0;
+    panel->onSurroundingsChanged = [&] { ++told; };
+    EXPECT_TRUE(comesToShow(338, 218, {0, 0, 255}));
+    panel->setAlpha(0);
+    EXPECT_TRUE(comesToShow(302, 202, kWhite)) << "without a compositor, no opacity means hidden";
+
+    display.startCompositor();
+    ASSERT_TRUE(test::eventually([&] { return told == 1; }, [] { runLoop(); }));
+    EXPECT_TRUE(panel->isTranslucent());
+    panel->setAlpha(0.6);
+    EXPECT_TRUE(comesToShow(302, 202, {255, 102, 102}));
+    panel->setAlpha(1);
+    EXPECT_TRUE(comesToShow(298, 198, {204, 204, 204}));
+
+    display.stopCompositor();
+    ASSERT_TRUE(test::eventually([&] { return told == 2; }, [] { runLoop(); }));
+    EXPECT_FALSE(panel->isTranslucent());
+    EXPECT_TRUE(comesToShow(298, 198, kWhite));
+    EXPECT_TRUE(comesToShow(338, 218, {0, 0, 255}));
+}
+
+TEST_F(WindowsDesktop, ThePanelTakesTheScaleOfTheScreenItIsOn) {
+    display.split(640);
+    ASSERT_TRUE(test::eventually([&] { return screens.map().scaleAt({700, 700}) == 2; }, [] { runLoop(); }));
+    auto panel = showPanel(600, 100);
+    int told = 0;
+    panel->onSurroundingsChanged = [&] { ++told; };
+    EXPECT_TRUE(comesToShow(602, 102, kRed));
+    EXPECT_EQ(panel->scale(), 1);
+
+    // 50 points to the right of the second screen's edge and 30 below its top are 100 and 60 pixels.
+    panel->setFrameOrigin({690, 750});
+    EXPECT_EQ(panel->scale(), 2);
+    EXPECT_TRUE(comesToShow(818, 62, kRed));
+    EXPECT_EQ(panelPlace().x, 740 - 8);
+    EXPECT_EQ(panelPlace().width, 96);
+    EXPECT_EQ(told, 1);
+
+    display.input({"mousemove", "740", "100"});
+    QtPointer pointer(*connection, screens);
+    EXPECT_EQ(pointer.position(), (Point{690, 750}));
+
+    display.unsplit();
+    EXPECT_TRUE(test::eventually([&] { return panel->scale() == 1 && told == 2; }, [] { runLoop(); }));
+    EXPECT_EQ(panelPlace().width, 48);
+    EXPECT_EQ(pointer.position(), (Point{740, 700}));
+}
+
+TEST_F(WindowsDesktop, ThePanelLeavesALockedScreenLockedAndQuarrelsWithNobody) {
+    const auto panel = showPanel(300, 200);
+    EXPECT_TRUE(comesToShow(302, 202, kRed));
+    {
+        const OtherWindow lock(OtherWindow::Kind::Unmanaged, kBlack, {0, 0, 1280, 800});
+        runLoop(300);
+        EXPECT_EQ(display.pixel(302, 202), kBlack);
+    }
+    int raised = 0;
+    const auto rival = XcbConnection::open();
+    const auto window = panelWindow();
+    rival->selectRootEvents(XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY);
+    const xcb_window_t other = xcb_generate_id(rival->get());
+    xcb_create_window(rival->get(), XCB_COPY_FROM_PARENT, other, rival->root(), 0, 0, 10, 10, 0,
+                      XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, 0, nullptr);
+    const auto quarrel = rival->onEvent([&](const xcb_generic_event_t& event) {
+        if (event.response_type == XCB_CONFIGURE_NOTIFY &&
+            reinterpret_cast<const xcb_configure_notify_event_t&>(event).window == window) {
+            ++raised;
+            const std::uint32_t above = XCB_STACK_MODE_ABOVE;
+            xcb_configure_window(rival->get(), other, XCB_CONFIG_WINDOW_STACK_MODE, &above);
+            rival->flush();
+        }
+    });
+    const XcbReader reading(*rival);
+    rival->flush();
+    runLoop(1000);
+    EXPECT_GE(raised, 5);
+    EXPECT_LE(raised, 11) << "at most ten times a second";
+}
+
+TEST_F(WindowsDesktop, TheEndOfTheXServerIsQuiet) {
+    Display other("640x480x24", Display::Bus::None);
+    const auto lost = XcbConnection::open(other.name());
+    const XcbReader reading(*lost);
+    CompositorWatch watch(*lost);
+    QtOverlay panel({loop, *lost, watch, screens}, "Panel");
+    panel.setPicture(picture(), kMargin);
+    panel.setFrame({0, 0, 40, 20});
+    panel.orderFront();
+    QtPointer pointer(*lost, screens);
+    ASSERT_TRUE(pointer.position());
+    other.stop();
+    ASSERT_TRUE(test::eventually([&] { return !lost->isAlive(); }, [] { runLoop(); }));
+
+    EXPECT_EQ(pointer.position(), std::nullopt);
+    panel.setFrameOrigin({10, 10});
+    int wakes = 0;
+    const auto waking =
+        QObject::connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::awake, [&] { ++wakes; });
+    runLoop(200);
+    QObject::disconnect(waking);
+    EXPECT_LT(wakes, 20) << "a closed socket must not keep the loop awake";
+}
+
+}  // namespace
+
+}  // namespace glintar::platform

@@ -1,0 +1,67 @@
+#include "platform/qt/ScreenMap.h"
+
+#include <gmock/gmock.h>
+
+namespace glintar::platform {
+
+namespace {
+
+ScreenMap::Screen screen(double x, double y, double width, double height, double scale) {
+    return {.topLeft = {x, y}, .size = {width, height}, .scale = scale};
+}
+
+/// What X has in pixels as 1280x800, and beside it 1600x1200 at twice the size.
+std::vector<ScreenMap::Screen> plainAndDense() {
+    return {screen(0, 0, 1280, 800, 1), screen(1280, 0, 800, 600, 2)};
+}
+
+struct Place {
+    std::string name;
+    std::vector<ScreenMap::Screen> screens;
+    PixelPoint pixel;
+    Point point;
+    double scale = 1;
+};
+
+class ScreenMapTest : public testing::TestWithParam<Place> {};
+
+TEST_P(ScreenMapTest, CountsFromTheBottomLeftOfThePrimaryScreenInPointsOfTheScreenThatIsMeant) {
+    const Place& place = GetParam();
+    const ScreenMap map(place.screens);
+    EXPECT_EQ(map.toPoints(place.pixel), place.point);
+    EXPECT_EQ(map.toPixels(place.point), place.pixel);
+    EXPECT_EQ(map.scaleAt(place.point), place.scale);
+}
+
+TEST(ScreenMapGapTest, WhatReachesOverTheEdgeOfADenseScreenStaysWithIt) {
+    const ScreenMap map({screen(0, 0, 400, 400, 2), screen(800, 0, 800, 800, 1)});
+    EXPECT_EQ(map.toPixels({415, 350}), (PixelPoint{830, 100}));
+    EXPECT_EQ(map.scaleAt({415, 350}), 2);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Places, ScreenMapTest,
+    testing::Values(
+        Place{"NoScreenYet", {}, {3, 4}, {3, -4}},
+        Place{"OneScreen", {screen(0, 0, 1280, 800, 1)}, {10, 20}, {10, 780}},
+        Place{"FractionsOfAPoint", {screen(0, 0, 640, 400, 2)}, {11, 21}, {5.5, 389.5}, 2},
+        Place{"PanelBarBeyondTheLeftEdge", {screen(0, 0, 640, 400, 2)}, {-30, -10}, {-15, 405}, 2},
+        Place{"OnTheSecondScreen", plainAndDense(), {1300, 40}, {1290, 780}, 2},
+        Place{"FirstColumnOfTheSecondScreen", plainAndDense(), {1280, 40}, {1280, 780}, 2},
+        Place{"LastColumnOfTheFirst", plainAndDense(), {1279, 40}, {1279, 760}},
+        Place{"PrimaryIsNotAtTheOrigin",
+              {screen(1280, 200, 800, 600, 1), screen(0, 0, 640, 400, 2)},
+              {100, 100},
+              {50 - 1280, 750},
+              2},
+        Place{"ScreenLeftOfTheOrigin",
+              {screen(0, 0, 800, 600, 1), screen(-1600, -200, 800, 450, 2)},
+              {-1400, -100},
+              {-1500, 750},
+              2},
+        Place{"RoundedUpByQt", {screen(0, 0, 427, 267, 1.5), screen(640, 0, 640, 400, 1)}, {640, 30}, {640, 237}}),
+    [](const auto& place) { return place.param.name; });
+
+}  // namespace
+
+}  // namespace glintar::platform

@@ -1,0 +1,80 @@
+#pragma once
+
+#include "platform/qt/QtImage.h"
+#include "platform/qt/QtPointer.h"
+#include "platform/qt/QtWindowServer.h"
+#include "platform/qt/XcbReader.h"
+#include "platform/qtcore/QtRunLoop.h"
+#include "platform/virtual/VirtualStores.h"
+#include "support/Display.h"
+
+#include <gmock/gmock.h>
+
+namespace glintar::platform {
+
+using Pixel = std::array<std::uint8_t, 3>;
+
+inline constexpr Pixel kWhite{255, 255, 255};
+inline constexpr Pixel kBlack{0, 0, 0};
+inline constexpr Pixel kRed{255, 0, 0};
+inline constexpr Pixel kYellow{255, 255, 0};
+
+/// Lets Qt work for some milliseconds.
+void runLoop(int milliseconds = 10);
+
+/// All windows that the window manager tells task bars of.
+[[nodiscard]] std::vector<xcb_window_t> listedPrograms(XcbConnection& connection);
+
+/// A window of somebody else's, in one colour. Comes back once it is seen, its centre at least.
+class OtherWindow {
+public:
+    enum class Kind { Managed, Unmanaged };
+    OtherWindow(Kind kind, const Pixel& color, const xcb_rectangle_t& place);
+    ~OtherWindow();
+
+    /// Whether a button was pressed over it since the last question.
+    [[nodiscard]] bool wasPressed();
+
+private:
+    void open(Kind kind, const Pixel& color, const xcb_rectangle_t& place);
+
+    std::unique_ptr<XcbConnection> connection_ = XcbConnection::open();
+    xcb_window_t window_;
+};
+
+/// The screen that the whole program has, with nothing on it before and after each test.
+class WindowsDesktop : public testing::Test {
+public:
+    static inline test::Display* screen = nullptr;
+
+protected:
+    WindowsDesktop();
+    ~WindowsDesktop() override;
+
+    void paintWall();
+
+    /// 40 by 20 points: red, the lower half of it blue and 60 % opaque, in a margin of 4 that is black at 20 %.
+    static ImagePtr picture();
+    static constexpr double kMargin = 4;
+
+    /// A window with that picture, its top left corner that far from the screen's.
+    std::unique_ptr<Window> showPanel(int x, int y);
+
+    /// In the end, if not at once.
+    [[nodiscard]] bool comesToShow(int x, int y, const Pixel& color);
+
+    [[nodiscard]] xcb_window_t panelWindow();
+    [[nodiscard]] xcb_rectangle_t panelPlace();
+    [[nodiscard]] xcb_window_t focus();
+
+    test::Display& display = *screen;
+    QtRunLoop loop;
+    std::unique_ptr<XcbConnection> connection = XcbConnection::open();
+    XcbReader reader{*connection};
+    CompositorWatch compositor{*connection};
+    QtScreens screens;
+    VirtualConsole console;
+    QtWindowServer server{{loop, *connection, compositor, screens}, console, QDBusConnection::sessionBus()};
+};
+
+}  // namespace glintar::platform
