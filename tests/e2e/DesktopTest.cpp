@@ -1,6 +1,6 @@
 // The desktop program on a screen of its own: what its user sees, with the window managers and trays that there are.
 
-#include "e2e/Program.h"
+#include "support/Program.h"
 #include "e2e/ProgramTest.h"
 #include "support/Display.h"
 

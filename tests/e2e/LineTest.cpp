@@ -1,7 +1,7 @@
 // `glintar line` against a market on loopback: the real program, its real network and its real files.
 
 #include "demo/DemoSession.h"
-#include "e2e/Program.h"
+#include "support/Program.h"
 #include "e2e/ProgramTest.h"
 #include "json/Json.h"
 #include "platform/secret/PrivateBus.h"

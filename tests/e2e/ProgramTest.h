@@ -1,7 +1,7 @@
 #pragma once
 
 #include "demo/DemoSession.h"
-#include "e2e/Program.h"
+#include "support/Program.h"
 
 #include <gtest/gtest.h>
 #include <httplib.h>

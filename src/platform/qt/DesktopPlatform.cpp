@@ -2,6 +2,7 @@
 
 #include "platform/DesktopEvents.h"
 #include "platform/Directories.h"
+#include "platform/qt/SessionBusGuard.h"
 #include "platform/secret/SessionBus.h"
 
 #include <QThreadPool>
@@ -23,10 +24,7 @@ std::string_view variable(const char* name) {
 DesktopSettingsPolicy prepareApplication() {
     // Wayland gives no program a place on the screen; through XWayland it has one.
     ::setenv("QT_QPA_PLATFORM", "xcb", 0);
-    if (!sessionBusAddress()) {
-        // Qt would have libdbus start a bus, which outlives us.
-        ::setenv("DBUS_SESSION_BUS_ADDRESS", "disabled:", 1);
-    }
+    prepareSessionBus();
     const auto policy = desktopSettingsPolicy(variable("XDG_CURRENT_DESKTOP"), variable("QT_QPA_PLATFORMTHEME"));
     QApplication::setDesktopSettingsAware(policy.isSettingsAware);
     QApplication::setHighDpiScaleFactorRoundingPolicy(Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);

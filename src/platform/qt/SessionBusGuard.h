@@ -6,6 +6,6 @@ namespace glintar::platform {
 /// names none from now on: Qt's accessibility asks for the bus as soon as there is a QApplication, and its tray later,
 /// and libdbus would start one that outlives the program. Call it before there is a QApplication and before any thread,
 /// and give the variable to no other program.
-[[nodiscard]] bool prepareSessionBus();
+bool prepareSessionBus();
 
 }  // namespace glintar::platform

@@ -1,4 +1,4 @@
-#include "platform/qt/ActiveWindowWatch.h"
+#include "platform/qt/events/ActiveWindowWatch.h"
 #include "platform/virtual/VirtualRunLoop.h"
 #include "support/Display.h"
 

@@ -1,6 +1,6 @@
 #include "TestBus.h"
 #include "platform/NotificationCenter.h"
-#include "platform/qt/QtDesktopEvents.h"
+#include "platform/qt/events/QtDesktopEvents.h"
 #include "platform/virtual/VirtualRunLoop.h"
 
 #include <QApplication>

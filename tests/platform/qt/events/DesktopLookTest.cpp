@@ -1,4 +1,4 @@
-#include "platform/qt/DesktopLook.h"
+#include "platform/qt/events/DesktopLook.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 #include "TestBus.h"
 #include "platform/DesktopEvents.h"
 #include "platform/NotificationCenter.h"
-#include "platform/qt/LoginManager.h"
+#include "platform/qt/events/LoginManager.h"
 #include "platform/virtual/VirtualRunLoop.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "platform/qt/IconDecoder.h"
+#include "platform/qt/graphics/IconDecoder.h"
 
 #include <QBuffer>
 #include <QByteArray>

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "platform/Directories.h"
-#include "platform/qt/QtGraphics.h"
-#include "platform/qt/QtImage.h"
+#include "platform/qt/graphics/QtGraphics.h"
+#include "platform/qt/graphics/QtImage.h"
 #include "support/TemporaryFolder.h"
 
 #include <QColor>

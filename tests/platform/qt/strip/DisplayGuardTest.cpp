@@ -1,6 +1,6 @@
-#include "e2e/Program.h"
 #include "platform/qt/DisplayGuard.h"
 #include "support/Display.h"
+#include "support/Program.h"
 
 #include <gmock/gmock.h>
 

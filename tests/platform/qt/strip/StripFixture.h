@@ -1,9 +1,9 @@
 #pragma once
 
 #include "platform/Directories.h"
-#include "platform/qt/QtGraphics.h"
-#include "platform/qt/QtStatusBar.h"
 #include "platform/qt/XcbReader.h"
+#include "platform/qt/graphics/QtGraphics.h"
+#include "platform/qt/strip/QtStatusBar.h"
 #include "platform/virtual/VirtualDesktop.h"
 #include "platform/virtual/VirtualStores.h"
 #include "support/Display.h"

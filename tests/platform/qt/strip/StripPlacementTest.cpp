@@ -1,4 +1,4 @@
-#include "platform/qt/StripPlacement.h"
+#include "platform/qt/strip/StripPlacement.h"
 #include "platform/virtual/VirtualStores.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "platform/qt/ScreenMap.h"
+#include "platform/qt/windows/ScreenMap.h"
 
 #include <gmock/gmock.h>
 

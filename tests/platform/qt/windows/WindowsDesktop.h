@@ -1,9 +1,9 @@
 #pragma once
 
-#include "platform/qt/QtImage.h"
-#include "platform/qt/QtPointer.h"
-#include "platform/qt/QtWindowServer.h"
 #include "platform/qt/XcbReader.h"
+#include "platform/qt/graphics/QtImage.h"
+#include "platform/qt/windows/QtPointer.h"
+#include "platform/qt/windows/QtWindowServer.h"
 #include "platform/qtcore/QtRunLoop.h"
 #include "platform/virtual/VirtualStores.h"
 #include "support/Display.h"

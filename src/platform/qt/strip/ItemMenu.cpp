@@ -1,0 +1,71 @@
+#include "platform/qt/strip/ItemMenu.h"
+
+#include <QGuiApplication>
+#include <QScreen>
+
+#include <algorithm>
+
+namespace glintar::platform {
+
+void ItemMenu::setMenu(Menu menu) {
+    if (!isBuiltLike(menu)) {
+        rebuild(menu.size());
+    }
+    work_.resize(menu.size());
+    for (std::size_t index = 0; index < menu.size(); ++index) {
+        MenuItem& item = menu[index];
+        actions_[index]->setSeparator(item.isSeparator);
+        actions_[index]->setText(QString::fromStdString(item.title).replace('&', "&&"));
+        actions_[index]->setEnabled(item.isEnabled);
+        work_[index] = std::move(item.action);
+    }
+}
+
+bool ItemMenu::isBuiltLike(const Menu& menu) const {
+    return std::ranges::equal(menu, actions_, [](const MenuItem& item, const QAction* action) {
+        return item.isSeparator == action->isSeparator();
+    });
+}
+
+void ItemMenu::rebuild(std::size_t size) {
+    for (QAction* const action : actions_) {
+        for (QMenu* const menu : menus_) {
+            menu->removeAction(action);
+        }
+        action->deleteLater();  // it may be the one that is being carried out
+    }
+    actions_.clear();
+    for (std::size_t index = 0; index < size; ++index) {
+        auto* const action = new QAction(this);
+        connect(action, &QAction::triggered, this, [this, index] {
+            if (const auto work = index < work_.size() ? work_[index] : nullptr) {
+                work();
+            }
+        });
+        actions_.push_back(action);
+        for (QMenu* const menu : menus_) {
+            menu->addAction(action);
+        }
+    }
+}
+
+void ItemMenu::fill(QMenu& menu) {
+    menus_.push_back(&menu);
+    connect(&menu, &QObject::destroyed, this, [this, gone = &menu] { std::erase(menus_, gone); });
+    for (QAction* const action : actions_) {
+        menu.addAction(action);
+    }
+}
+
+void ItemMenu::popUp(const QPoint& topLeft, int above) {
+    const QScreen* screen = QGuiApplication::screenAt(topLeft);
+    screen = screen == nullptr ? QGuiApplication::primaryScreen() : screen;
+    QPoint at = topLeft;
+    const QSize size = menu_.sizeHint();
+    if (screen != nullptr && at.y() + size.height() > screen->availableGeometry().bottom()) {
+        at.setY(above - size.height());
+    }
+    menu_.popup(at);
+}
+
+}  // namespace glintar::platform

@@ -1,0 +1,146 @@
+#include "platform/qt/strip/QtStatusBar.h"
+
+#include "platform/DesktopEvents.h"
+#include "platform/qt/strip/ItemMenu.h"
+#include "platform/qt/strip/ScreenPoints.h"
+#include "platform/qt/strip/StripAccessibility.h"
+#include "platform/qt/strip/StripItem.h"
+#include "platform/qt/strip/TrayIcon.h"
+
+#include <QCursor>
+#include <QPointer>
+
+namespace glintar::platform {
+
+namespace {
+
+/// Outlives the bar if it must; then it does nothing.
+class QtStatusItem final : public StatusItem {
+public:
+    QtStatusItem(StripWindow& strip, Length length) : strip_(&strip), view_(&strip.addItem()) {
+        view_->onMouseUp = [this](MouseButton button) { tell(button); };
+        setLength(length);
+    }
+
+    ~QtStatusItem() override {
+        if (view_) {
+            strip_->removeItem(*view_);
+        }
+    }
+
+    void putIntoTray(XcbConnection& connection, std::optional<QDBusConnection> session) {
+        tray_ = std::make_unique<TrayIcon>(connection, std::move(session), menu_);
+        tray_->onClick = [this] {
+            // The menu that the click may open belongs to the icon that was clicked.
+            isTrayClicked_ = true;
+            tell(MouseButton::Left);
+            isTrayClicked_ = false;
+        };
+    }
+
+    void setLength(Length length) override {
+        if (view_) {
+            view_->setLength(length);
+        }
+    }
+
+    void setVisible(bool isVisible) override {
+        if (view_) {
+            view_->setShown(isVisible);
+        }
+        if (tray_) {
+            tray_->setShown(isVisible);
+        }
+    }
+
+    void setImage(ImagePtr image) override {
+        if (tray_) {
+            tray_->setImage(image);
+        }
+        if (view_) {
+            view_->setImage(std::move(image));
+        }
+    }
+
+    void setTitle(AttributedText title, std::string description) override {
+        if (view_) {
+            view_->setTitle(std::move(title), description);
+        }
+    }
+
+    void setToolTip(std::string text) override {
+        if (view_) {
+            view_->setToolTip(QString::fromStdString(text).toHtmlEscaped());
+        }
+        if (tray_) {
+            tray_->setToolTip(text);
+        }
+    }
+
+    void setMenu(Menu menu) override { menu_.setMenu(std::move(menu)); }
+
+    void popUpMenu(Point at) override {
+        if (isTrayClicked_) {
+            menu_.popUp(QCursor::pos(), QCursor::pos().y());
+        } else if (view_) {
+            const QRect place = onScreen();
+            const int gap = qRound(-at.y);
+            menu_.popUp({place.x() + qRound(at.x), place.y() + place.height() + gap}, place.y() - gap);
+        }
+    }
+
+    Rect frame() const override { return view_ && view_->isVisible() ? fromQt(onScreen()) : Rect{}; }
+
+private:
+    QRect onScreen() const { return view_->geometry().translated(strip_->place().topLeft()); }
+
+    void tell(MouseButton button) {
+        if (const auto told = onMouseUp) {
+            told(button);
+        }
+    }
+
+    QPointer<StripWindow> strip_;
+    QPointer<StripItem> view_;
+    ItemMenu menu_;
+    std::unique_ptr<TrayIcon> tray_;
+    bool isTrayClicked_ = false;
+};
+
+}  // namespace
+
+QtStatusBar::QtStatusBar(Surroundings surroundings)
+    : around_(std::move(surroundings)),
+      compositor_(around_.connection),
+      workArea_(around_.connection),
+      strip_(around_.graphics, around_.preferences, workArea_, look()) {
+    describeStripToAssistants();
+    strip_.onScaleChanged = [this] {
+        if (onScaleChanged) {
+            onScaleChanged();
+        }
+    };
+    compositorChanged_ = compositor_.onChange([this] { strip_.setLook(look()); });
+    appearanceChanged_ = around_.notifications.observe(kAppearanceChanged, [this] { strip_.setLook(look()); });
+}
+
+QtStatusBar::~QtStatusBar() = default;
+
+StripLook QtStatusBar::look() const {
+    return {.isTranslucent = compositor_.isRunning(), .appearance = around_.events.appearance()};
+}
+
+Rect QtStatusBar::frame() const {
+    return strip_.isVisible() ? fromQt(strip_.place()) : Rect{};
+}
+
+std::unique_ptr<StatusItem> QtStatusBar::addItem(StatusItem::Length length) {
+    auto item = std::make_unique<QtStatusItem>(strip_, length);
+    if (length == StatusItem::Length::Square && !hasTrayIcon_) {
+        hasTrayIcon_ = true;
+        item->putIntoTray(around_.connection, around_.session);
+    }
+    return item;
+}
+
+}  // namespace glintar::platform

@@ -1,0 +1,57 @@
+#pragma once
+
+#include "platform/NotificationCenter.h"
+#include "platform/StatusBar.h"
+#include "platform/qt/strip/StripWindow.h"
+#include "platform/xcb/CompositorWatch.h"
+
+#include <QDBusConnection>
+
+#include <memory>
+#include <optional>
+
+namespace glintar::platform {
+
+class DesktopEvents;
+class Preferences;
+
+/// The status bar: a strip along the edge of a screen, and an icon in the desktop's tray for the first square item.
+/// Needs a QApplication on an X server. Where the user drags the strip is kept in the preferences (`StripPlacement.h`).
+class QtStatusBar final : public StatusBar {
+public:
+    /// All references outlive the bar. Somebody reads the events of `connection` (`XcbReader`). `session` is the
+    /// message bus, if there is one.
+    struct Surroundings {
+        XcbConnection& connection;
+        std::optional<QDBusConnection> session;
+        const Graphics& graphics;  ///< what it draws is what the strip shows: a `QtGraphics`
+        const DesktopEvents& events;
+        NotificationCenter& notifications;
+        Preferences& preferences;
+    };
+    explicit QtStatusBar(Surroundings surroundings);
+    ~QtStatusBar() override;
+
+    std::unique_ptr<StatusItem> addItem(StatusItem::Length length) override;
+    Rect frame() const override;
+    double scale() const override { return strip_.devicePixelRatio(); }
+
+    /// Whether the strip is where the user dragged it, rather than in the corner.
+    [[nodiscard]] bool isDraggedAway() const { return strip_.isDraggedAway(); }
+
+    /// For whoever looks whether other windows cover it.
+    [[nodiscard]] WId window() const { return strip_.winId(); }
+
+private:
+    [[nodiscard]] StripLook look() const;
+
+    Surroundings around_;
+    CompositorWatch compositor_;
+    WorkAreaWatch workArea_;
+    StripWindow strip_;
+    bool hasTrayIcon_ = false;
+    Listening compositorChanged_;
+    std::unique_ptr<NotificationCenter::Observation> appearanceChanged_;
+};
+
+}  // namespace glintar::platform

@@ -1,0 +1,71 @@
+#pragma once
+
+#include "platform/qt/strip/StripLook.h"
+#include "platform/qt/strip/StripPlacement.h"
+#include "platform/xcb/WorkAreaWatch.h"
+
+#include <QPointF>
+#include <QWidget>
+
+#include <functional>
+#include <optional>
+#include <vector>
+
+namespace glintar::platform {
+
+class Graphics;
+class StripItem;
+
+/// The window of the strip: it never has the focus, stays above others and on all desktops, and is in no list of
+/// windows. It hangs at an edge of a screen (the primary one's top right corner, unless the user has dragged it away)
+/// and follows when that screen changes. It is on screen while any of its items is.
+class StripWindow final : public QWidget {
+public:
+    StripWindow(const Graphics& graphics, Preferences& preferences, WorkAreaWatch& workArea, StripLook look);
+
+    /// The next item to the left; it is the window's.
+    StripItem& addItem();
+    void removeItem(StripItem& item);
+
+    void setLook(StripLook look);
+
+    /// Where the window was put, in points of the screen. What Qt says of it can be wrong under some window managers.
+    [[nodiscard]] QRect place() const { return place_; }
+
+    /// Whether the user dragged it there.
+    [[nodiscard]] bool isDraggedAway() const { return chosen_.has_value(); }
+
+    std::function<void()> onScaleChanged;
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    void followScreens();
+    void arrange();
+    void putInPlace();
+    void checkScale();
+    bool dragTo(const QPointF& pointer);
+    void drop();
+    [[nodiscard]] const QScreen* screenOf(const StripPlace& place) const;
+    [[nodiscard]] Rect freeAreaOf(const QScreen& screen) const;
+
+    const Graphics& graphics_;
+    Preferences& preferences_;
+    WorkAreaWatch& workArea_;
+    Listening workAreaChanged_;
+    StripLook look_;
+    std::vector<StripItem*> items_;  ///< from the right
+    std::optional<StripPlace> chosen_;
+    QRect place_;
+    double scale_ = 1;
+
+    struct Drag {
+        QPointF from;  ///< of the pointer
+        QPoint held;   ///< of the window
+        bool isUnderWay = false;
+    };
+    std::optional<Drag> drag_;
+};
+
+}  // namespace glintar::platform

@@ -1,0 +1,69 @@
+#pragma once
+
+#include "platform/RunLoop.h"
+#include "platform/Window.h"
+#include "platform/qt/windows/QtScreens.h"
+#include "platform/xcb/CompositorWatch.h"
+#include "platform/xcb/XcbOverlay.h"
+
+namespace glintar::platform {
+
+/// A picture above all windows, on our own connection to the X server. Qt draws the picture and knows nothing of the
+/// window.
+///
+/// Changes of picture and size are put on screen together, once the run loop gets to it; a new place at once, by one
+/// request.
+class QtOverlay final : public Window {
+public:
+    /// What it needs, all of which outlives it.
+    struct Surroundings {
+        RunLoop& loop;
+        XcbConnection& connection;
+        CompositorWatch& compositor;
+        QtScreens& screens;
+    };
+
+    QtOverlay(const Surroundings& surroundings, std::string_view title);
+
+    void setPicture(ImagePtr picture, double margin) override;
+    void setFrame(const Rect& frame) override;
+    void setFrameOrigin(const Point& origin) override;
+    Rect frame() const override { return frame_; }
+    void setAlpha(double alpha) override;
+    double alpha() const override { return alpha_; }
+    void orderFront() override;
+    void orderOut() override;
+    bool isShown() const override { return isShown_; }
+    double scale() const override;
+    bool isTranslucent() const override;
+
+private:
+    struct Look {
+        double scale = 1;
+        bool isTranslucent = false;
+        bool operator==(const Look&) const = default;
+    };
+
+    [[nodiscard]] Look look() const { return {scale(), isTranslucent()}; }
+    [[nodiscard]] PixelPoint place() const;
+    void surroundingsChanged();
+    void drawSoon();
+    void draw();
+    void showOrHide();
+
+    Surroundings around_;
+    XcbOverlay overlay_;
+    ImagePtr picture_;
+    double margin_ = 0;
+    Rect frame_;
+    double alpha_ = 1;
+    bool isShown_ = false;
+    bool hasPixels_ = false;
+    Look told_;
+    TimerHandle drawing_;
+    TimerHandle telling_;
+    Listening compositorChanges_;
+    Listening screenChanges_;
+};
+
+}  // namespace glintar::platform

@@ -1,0 +1,29 @@
+#pragma once
+
+#include "platform/Console.h"
+#include "platform/Window.h"
+#include "platform/qt/windows/QtOverlay.h"
+
+#include <QDBusConnection>
+#include <QObject>
+
+#include <optional>
+
+namespace glintar::platform {
+
+class QtWindowServer final : public WindowServer {
+public:
+    /// Keeps the references, and so do the windows it makes. `bus` is the user's, if there is one.
+    QtWindowServer(const QtOverlay::Surroundings& surroundings, Console& console, std::optional<QDBusConnection> bus);
+
+    std::unique_ptr<Window> makeOverlay(std::string title) override;
+    void notify(std::string title, std::string text) override;
+
+private:
+    QtOverlay::Surroundings surroundings_;
+    Console& console_;
+    std::optional<QDBusConnection> bus_;
+    QObject calls_;  // those under way are its children
+};
+
+}  // namespace glintar::platform
