@@ -21,10 +21,7 @@ using platform::Color;
 using platform::Font;
 using Weight = Font::Weight;
 
-constexpr Color rgb(unsigned value) {
-    constexpr auto component = [](unsigned byte) { return static_cast<double>(byte & 0xffU) / 255; };
-    return {component(value >> 16U), component(value >> 8U), component(value)};
-}
+constexpr Color kYellow{1, 214 / 255.0, 10 / 255.0};
 
 Font plain(double size, Weight weight = Weight::Regular) {
     return {.size = size, .weight = weight};
@@ -155,30 +152,19 @@ std::vector<Cell> rowOf(const config::Coin& coin, const market::UnifiedMarketDat
 
 Palette paletteOf(Appearance appearance) {
     using menubar::SystemColor;
-    using menubar::systemColor;
-    if (appearance == Appearance::Dark) {
-        return {.primary = Color::white(1),
-                .dimmed = Color::white(1, 0.6),
-                .plate = Color::white(0, 0.85),
-                .divider = Color::white(1, 0.2),
-                .ringTrack = Color::white(1, 0.3),
-                .shadow = Color::white(0, 0.6),
-                .coinName = rgb(0xffd60a),
-                .green = systemColor(SystemColor::Green, appearance),
-                .orange = systemColor(SystemColor::Orange, appearance),
-                .red = systemColor(SystemColor::Red, appearance)};
-    }
-    // The system's own are too bright for small text on a white plate.
-    return {.primary = Color::white(0),
-            .dimmed = Color::white(0, 0.6),
-            .plate = Color::white(1),
-            .divider = Color::white(0, 0.1),
-            .ringTrack = Color::white(0, 0.3),
-            .shadow = Color::white(0, 0.2),
-            .coinName = rgb(0x0a60d8),
-            .green = rgb(0x1f8a3d),
-            .orange = rgb(0xc25a00),
-            .red = rgb(0xd0252b)};
+    const bool isDark = appearance == Appearance::Dark;
+    const auto ink = [isDark](double opacity) { return Color::white(isDark ? 1 : 0, opacity); };
+    const auto system = [appearance](SystemColor color) { return menubar::systemColor(color, appearance); };
+    return {.primary = ink(1),
+            .dimmed = ink(0.6),
+            .plate = isDark ? Color::white(0, 0.85) : Color::white(1),
+            .divider = ink(isDark ? 0.2 : 0.1),
+            .ringTrack = ink(0.3),
+            .shadow = Color::white(0, isDark ? 0.6 : 0.2),
+            .coinName = isDark ? kYellow : system(SystemColor::Blue),
+            .green = system(SystemColor::Green),
+            .orange = system(SystemColor::Orange),
+            .red = system(SystemColor::Red)};
 }
 
 FloatingContent composeContent(const FloatingState& state, const platform::Preferences& preferences,

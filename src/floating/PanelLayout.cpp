@@ -122,7 +122,8 @@ public:
 
     void cell(const Cell& cell, double left, double down, double columnWidth, double rowHeight) {
         const Size size = measure(cell, graphics_);
-        down += (rowHeight - size.height) / 2;
+        // On a whole pixel once, so that the lines of every row are equally far apart.
+        down = snapped(down + (rowHeight - size.height) / 2);
         const auto offset = [&](double width) {
             return cell.alignment == Cell::Alignment::Center ? (columnWidth - width) / 2 : columnWidth - width;
         };
@@ -175,7 +176,9 @@ void placeFee(Placer& placer, const std::vector<Box>& boxes, double left, double
             double start = left;
             for (const auto& piece : std::get<std::vector<StyledText>>(*box.item)) {
                 const Size size = graphics.measure(piece.text, piece.font);
-                placer.text(piece, start, down + box.size.height - size.height);
+                // On one base line, whatever their sizes.
+                const double higher = (box.size.height - size.height) * platform::kDescent / platform::kLineHeight;
+                placer.text(piece, start, down + box.size.height - size.height - higher);
                 start += size.width;
             }
         }

@@ -63,16 +63,14 @@ Size sizeOf(const Graphics& graphics, const Row& row) {
 }
 
 void place(const Graphics& graphics, Row row, Point origin, std::vector<PlacedText>& placed) {
-    // How far the base line lies above the bottom of a line box, as a part of the font's size. By it the small texts of
-    // a row stand on the line of the largest.
-    static constexpr double kDescent = 0.241;
+    // The small texts of a row stand on the line of the largest.
     double largest = 0;
     for (const auto& part : row) {
         largest = std::max(largest, part.font.size);
     }
     for (auto& part : row) {
         const double width = graphics.measure(part.text, part.font).width;
-        const double y = origin.y + kDescent * (largest - part.font.size);
+        const double y = origin.y + platform::kDescent * (largest - part.font.size);
         placed.push_back({std::move(part), {origin.x, y}});
         origin.x += width;
     }
@@ -180,7 +178,7 @@ std::string badgeText(std::string_view displayName) {
         }
         displayName = displayName.substr(0, end);
     }
-    return text::oneLine(text::upper(text::firstCharacters(displayName, 8)));
+    return text::oneLine(text::upper(text::trimmed(text::firstCharacters(displayName, 8))));
 }
 
 platform::ImagePtr renderCoinPill(const Graphics& graphics, const CoinPart& part, const platform::ImagePtr& icon,

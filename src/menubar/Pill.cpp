@@ -1,6 +1,7 @@
 #include "menubar/Pill.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace glintar::menubar {
 
@@ -10,7 +11,8 @@ platform::ImagePtr drawPill(const platform::Graphics& graphics, const Look& look
                             const std::function<void(platform::Canvas&)>& paint) {
     static constexpr double kWidest = 4096;
     static constexpr double kRadius = 4;
-    const platform::Size size{std::min(width, kWidest), kPillHeight};
+    // Whole pixels, so that both sides of the plate are equally sharp.
+    const platform::Size size{std::ceil(std::min(width, kWidest) * look.scale - 1e-6) / look.scale, kPillHeight};
     const bool isDark = look.appearance == platform::Appearance::Dark;
     return graphics.draw(size, look.scale, [&](platform::Canvas& canvas) {
         const platform::Rect plate{0.5, 0, size.width - 1, 22};

@@ -88,14 +88,14 @@ TEST_F(FloatingViewTest, CoinsStandInAGridWithAlignedColumns) {
     EXPECT_THAT(layout.dividers, testing::ElementsAre(testing::Field(&Rect::y, 89), testing::Field(&Rect::y, 39)));
     EXPECT_EQ(layout.dividers[0].x, 4);
     EXPECT_NEAR(layout.dividers[0].width, 280.6, 1e-9);
-    EXPECT_EQ(at(layout, "BITC"), (Point{10, 57}));
+    EXPECT_EQ(at(layout, "BITC"), (Point{10, 58}));
     EXPECT_EQ(at(layout, "64250.50"), (Point{68, 63}));
     EXPECT_EQ(at(layout, "Ref: 60000.00"), (Point{55, 52}));
     EXPECT_EQ(at(layout, "+2.5%"), (Point{193, 63}));
-    EXPECT_EQ(at(layout, "71234.50/69000.00"), (Point{141, 54}));
+    EXPECT_EQ(at(layout, "71234.50/69000.00"), (Point{141, 53}));
     EXPECT_EQ(layout.sparklines.at(0).frame, (Rect{239, 54, 40, 20}));
-    EXPECT_EQ(at(layout, "ETH"), (Point{14, 12}));
-    EXPECT_EQ(at(layout, "0.5000"), (Point{82, 12}));
+    EXPECT_EQ(at(layout, "ETH"), (Point{14, 13}));
+    EXPECT_EQ(at(layout, "0.5000"), (Point{82, 13}));
 }
 
 TEST_F(FloatingViewTest, ASourceWithoutAnImageHasTheNetworkSymbolInItsRing) {

@@ -73,7 +73,7 @@ class CoinPillTest : public testing::TestWithParam<CoinLayout> {};
 TEST_P(CoinPillTest, EveryPartHasItsPlace) {
     const auto& [name, part, width, texts, hasIcon] = GetParam();
     const auto pill = drawCoin(part, hasIcon ? icon : nullptr);
-    EXPECT_NEAR(pill.size().width, width, 1e-9);
+    EXPECT_EQ(pill.size().width, std::ceil(width)) << "in whole pixels";
     EXPECT_EQ(pill.size().height, 24);
     EXPECT_THAT(pill.all(Kind::Text), SizeIs(texts.size()));
     for (const auto& expected : texts) {
@@ -223,7 +223,7 @@ TEST(CoinPillTest, TheBadgeHoldsEightCharactersAsPeopleCountThem) {
     EXPECT_EQ(badgeText("a\nb"), "A\uFFFDB");
     const std::string family = "👨‍👩‍👧‍👦";
     EXPECT_EQ(badgeText(family + "123456789"), family + "1234567");
-    EXPECT_EQ(badgeText("بيتكوين كاش"), "بيتكوين ");
+    EXPECT_EQ(badgeText("بيتكوين كاش"), "بيتكوين");
     const std::string accented = "e\u0301";
     EXPECT_EQ(badgeText(accented + "2345678" + "9"), "E\u03012345678");
     std::string marks = "a";
@@ -238,7 +238,7 @@ TEST(CoinPillTest, TheBadgeHoldsEightCharactersAsPeopleCountThem) {
 TEST(GasPillTest, TheSymbolStandsBeforeTheFee) {
     const GasPart gas{.network = market::GasNetwork::Ethereum, .fee = 10, .text = "10G ($0.525)"};
     const auto pill = platform::drawn(renderGasPill(graphics, gas, kLight));
-    EXPECT_NEAR(pill.size().width, 108.2, 1e-9);
+    EXPECT_EQ(pill.size().width, 109);  // 108.2 in whole pixels
     EXPECT_EQ(pill.all(Kind::Image).at(0).text, "fuelpump.fill");
     EXPECT_EQ(pill.all(Kind::Image).at(0).frame, (Rect{6, 4.5, 13, 13}));
     EXPECT_EQ(pill.text(gas.text).frame.x, 23);

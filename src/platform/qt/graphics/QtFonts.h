@@ -27,12 +27,6 @@ struct TextLine {
     double width = 0;  ///< points
 };
 
-/// The line box: 1.193 em high, with the base line 0.241 em above its bottom, whatever the font says of itself. What is
-/// drawn stands at fixed heights of a row of 24 points, reckoned for these proportions; the boxes of the fonts of Linux
-/// desktops range from 1.16 em to 1.36 em, so the same text would stand up to two points higher or lower.
-inline constexpr double kLineHeight = 1.193;
-inline constexpr double kDescent = 0.241;
-
 /// The desktop's fonts. Made on the main thread once there is a `QGuiApplication`, then used by any thread.
 class QtFonts {
 public:
