@@ -8,6 +8,9 @@
 #include <QDBusMessage>
 #include <fcntl.h>
 #include <sys/file.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
 
 #include <filesystem>
 
@@ -15,10 +18,20 @@ namespace glintar::app {
 
 namespace {
 
-// As the standard derives it from the name "org.glintar.Glintar".
-constexpr const char* kPath = "/org/glintar/Glintar";
 constexpr const char* kInterface = "org.freedesktop.Application";
 constexpr int kAnswerWithin = 1000;  // ms
+
+/// As the Desktop Entry standard derives it from the application's name.
+QString objectPathOf(QString busName) {
+    return '/' + busName.replace('.', '/');
+}
+
+/// Longer paths than it holds are cut off, and lead nowhere.
+sockaddr_un addressOf(const std::filesystem::path& path) {
+    sockaddr_un address{.sun_family = AF_UNIX, .sun_path = {}};
+    path.string().copy(address.sun_path, sizeof address.sun_path - 1);
+    return address;
+}
 
 }  // namespace
 
@@ -26,8 +39,11 @@ SingleInstance::SingleInstance(std::string busName) : busName_(QString::fromStdS
 
 SingleInstance::~SingleInstance() {
     if (hasBusName_) {
-        QDBusConnection::sessionBus().unregisterObject(kPath);
+        QDBusConnection::sessionBus().unregisterObject(objectPathOf(busName_));
         QDBusConnection::sessionBus().unregisterService(busName_);
+    }
+    if (knocks_) {
+        ::unlink(socketPath_.c_str());
     }
 }
 
@@ -38,13 +54,13 @@ bool SingleInstance::claim() {
 bool SingleInstance::claimBusName() {
     auto bus = QDBusConnection::sessionBus();
     // The object first: whoever sees the name may call it.
-    bus.registerObject(kPath, this, QDBusConnection::ExportAllSlots);
+    bus.registerObject(objectPathOf(busName_), this, QDBusConnection::ExportAllSlots);
     const auto reply = bus.interface()->registerService(busName_, QDBusConnectionInterface::DontQueueService,
                                                         QDBusConnectionInterface::DontAllowReplacement);
     hasBusName_ = !reply.isValid() || reply.value() == QDBusConnectionInterface::ServiceRegistered;
     if (!hasBusName_) {
-        bus.unregisterObject(kPath);
-        auto call = QDBusMessage::createMethodCall(busName_, kPath, kInterface, "Activate");
+        bus.unregisterObject(objectPathOf(busName_));
+        auto call = QDBusMessage::createMethodCall(busName_, objectPathOf(busName_), kInterface, "Activate");
         call << QVariantMap();
         bus.call(call, QDBus::Block, kAnswerWithin);
     }
@@ -56,10 +72,34 @@ bool SingleInstance::claimLock() {
     if (!folder) {
         return true;
     }
-    const auto path = std::filesystem::path(*folder) / "glintar.lock";
-    lock_ = platform::Descriptor(::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600));
+    const auto base = std::filesystem::path(*folder) / busName_.toStdString();
+    lock_ = platform::Descriptor(::open((base.string() + ".lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600));
+    socketPath_ = base.string() + ".socket";
+    socket_ = platform::Descriptor(::socket(AF_UNIX, SOCK_DGRAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
     // Where no lock can be made there is nothing that tells of others.
-    return lock_.number() < 0 || ::flock(lock_.number(), LOCK_EX | LOCK_NB) == 0;
+    if (lock_.number() >= 0 && ::flock(lock_.number(), LOCK_EX | LOCK_NB) != 0) {
+        const auto address = addressOf(socketPath_);
+        ::sendto(socket_.number(), "", 1, MSG_NOSIGNAL, reinterpret_cast<const sockaddr*>(&address), sizeof address);
+        socketPath_.clear();
+        return false;
+    }
+    listen();
+    return true;
+}
+
+void SingleInstance::listen() {
+    const auto address = addressOf(socketPath_);
+    ::unlink(socketPath_.c_str());  // of one that could not tidy up
+    if (::bind(socket_.number(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
+        return;
+    }
+    knocks_ = std::make_unique<QSocketNotifier>(socket_.number(), QSocketNotifier::Read);
+    connect(knocks_.get(), &QSocketNotifier::activated, this, [this] {
+        char knock = 0;
+        while (::recv(socket_.number(), &knock, sizeof knock, 0) >= 0) {
+        }
+        Activate({});
+    });
 }
 
 void SingleInstance::Activate(const QVariantMap& /*platformData*/) {

@@ -3,16 +3,19 @@
 #include "platform/posix/Descriptor.h"
 
 #include <QObject>
+#include <QSocketNotifier>
 #include <QString>
 #include <QVariantMap>
 
+#include <filesystem>
 #include <functional>
+#include <memory>
 #include <string>
 
 namespace glintar::app {
 
-/// One program a user session. It holds the application's name on the message bus, where there is a bus, and a lock in
-/// the runtime directory where there is none.
+/// One program a user session. It holds the application's name on the message bus, where there is a bus; where there is
+/// none, a lock in the runtime directory, and a socket beside it.
 class SingleInstance final : public QObject {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "org.freedesktop.Application")
@@ -36,10 +39,14 @@ public slots:  // the Application interface of the Desktop Entry standard
 private:
     bool claimBusName();
     bool claimLock();
+    void listen();
 
     QString busName_;
     bool hasBusName_ = false;
     platform::Descriptor lock_;
+    std::filesystem::path socketPath_;  ///< where others knock who have no bus either; empty without a lock of ours
+    platform::Descriptor socket_;
+    std::unique_ptr<QSocketNotifier> knocks_;
 };
 
 }  // namespace glintar::app

@@ -134,6 +134,7 @@ void StatusBarController::onProgress() {
 /// The timers stood still while the machine slept, the markets did not.
 void StatusBarController::onResumed() {
     if (timer_ && platform_.runLoop.bootNow() >= nextFetchDue_) {
+        isFetchStale_ = isFetching_;
         refreshSoon();
     }
     isFetchDoubtful_ = isFetching_;

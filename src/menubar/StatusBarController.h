@@ -100,7 +100,8 @@ private:
     DisplayMode currentDisplayMode_;
     bool isFetching_ = false;
     bool hasFailed_ = false;        ///< the last fetch
-    bool isFetchDoubtful_ = false;  ///< the machine slept, or the network came back, while it was under way
+    bool isFetchStale_ = false;     ///< the next refresh fell due during sleep while it was under way
+    bool isFetchDoubtful_ = false;  ///< the network came back while it was under way
     platform::BootInstant nextFetchDue_;
     std::optional<platform::Instant> lastRequestTime_;
     std::int64_t lastGasSource_ = 0;

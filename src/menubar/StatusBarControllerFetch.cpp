@@ -43,7 +43,7 @@ void StatusBarController::performFetch(Scope scope) {
         return;
     }
     isFetching_ = true;
-    isFetchDoubtful_ = false;
+    isFetchStale_ = isFetchDoubtful_ = false;
     lastRequestTime_ = platform_.runLoop.now();
     platform::DispatchGroup group;
     auto& service = market::CryptoService::shared(platform_);
@@ -123,7 +123,7 @@ void StatusBarController::handleFetchCompletion(FetchResult& result) {
         state_.latestMarketData = *cachedMarketData_;
     }
     hasFailed_ = result.error.has_value();
-    if (hasFailed_ && std::exchange(isFetchDoubtful_, false)) {
+    if (isFetchStale_ || (hasFailed_ && isFetchDoubtful_)) {
         refreshSoon();
     }
     if (currentDisplayMode_ == DisplayMode::Line) {

@@ -90,16 +90,9 @@ void StatusItems::drawAnchor() {
     if (!icon) {
         icon = graphics.symbol("bitcoinsign.circle.fill", kSize.height, colorNamed("text", look().appearance));
     }
-    if (!icon || icon->size().width <= 0 || icon->size().height <= 0) {
-        return;
+    if (icon) {
+        anchorItem_->setImage(graphics.fitted(icon, kSize));
     }
-    const auto [width, height] = icon->size();
-    const double factor = std::min(kSize.width / width, kSize.height / height);
-    const platform::Size drawn{width * factor, height * factor};
-    anchorItem_->setImage(graphics.draw(kSize, look().scale, [&](platform::Canvas& canvas) {
-        canvas.drawImage(
-            *icon, {(kSize.width - drawn.width) / 2, (kSize.height - drawn.height) / 2, drawn.width, drawn.height}, 1);
-    }));
 }
 
 void StatusItems::showLoading() {
@@ -163,9 +156,11 @@ void StatusItems::compose(const Render& render) {
         title.emplace_back(pill(render.gas, plainText(*line.gas)));
     }
     if (title.empty()) {
+        isCollapsed_ = true;
         displayItem_->setLength(platform::StatusItem::Length::Collapsed);
         return;
     }
+    isCollapsed_ = false;
     displayItem_->setLength(platform::StatusItem::Length::Variable);
     displayItem_->setTitle(std::move(title), plainText(line));
     displayItem_->setVisible(true);
@@ -185,7 +180,9 @@ void StatusItems::show() {
     if (!std::exchange(isHidden_, false)) {
         return;  // an empty line stays collapsed
     }
-    displayItem_->setLength(platform::StatusItem::Length::Variable);
+    if (!isCollapsed_) {
+        displayItem_->setLength(platform::StatusItem::Length::Variable);
+    }
     displayItem_->setVisible(true);
 }
 
@@ -203,10 +200,13 @@ void StatusItems::onLookChanged() {
     const auto before = generation_;
     callbacks_.redisplay();
     // Without quotes there is nothing to display again, but what stands there in words has a colour too.
-    if (isHidden_ || generation_ != before) {
+    if (generation_ != before) {
         return;
     }
     if (wanted_) {
+        if (isHidden_) {
+            return;
+        }
         const auto last = wanted_;
         renderStatusItem(last->line, last->tooltip);
     } else {

@@ -78,6 +78,7 @@ private:
     std::shared_ptr<const Render> wanted_;  ///< the newest line; none before the first
     std::uint64_t generation_ = 0;          ///< of `wanted_`; what is under way for an older one comes to nothing
     bool isHidden_ = false;
+    bool isCollapsed_ = false;  ///< the line is empty
     std::unique_ptr<platform::NotificationCenter::Observation> appearanceObservation_;
     platform::Lifetime lifetime_;  // last member
 };

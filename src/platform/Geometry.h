@@ -17,6 +17,17 @@ struct Size {
     bool operator==(const Size&) const = default;
 };
 
+/// The largest size of the same proportions that fits into the box; none if it has no proportions.
+[[nodiscard]] constexpr Size fittedSize(const Size& size, const Size& box) {
+    if (!(size.width > 0) || !(size.height > 0)) {
+        return {};
+    }
+    const double across = box.width / size.width;
+    const double up = box.height / size.height;
+    const double factor = across < up ? across : up;
+    return {size.width * factor, size.height * factor};
+}
+
 struct Rect {
     double x = 0;
     double y = 0;

@@ -36,9 +36,9 @@ struct Font {
     bool operator==(const Font&) const = default;
 };
 
-/// The line box of a text, in its font's size: its height, and how far its base line lies above its bottom. The same for
-/// every font, since what is drawn stands at fixed heights of a row of 24 points: the boxes of the fonts of Linux desktops
-/// range from 1.16 to 1.36 of the size, so that the same text would stand up to two points higher or lower.
+/// The line box of a text, in its font's size: its height, and how far its base line lies above its bottom. The same
+/// for every font, since what is drawn stands at fixed heights of a row of 24 points: the boxes of the fonts of Linux
+/// desktops range from 1.16 to 1.36 of the size, so that the same text would stand up to two points higher or lower.
 inline constexpr double kLineHeight = 1.193;
 inline constexpr double kDescent = 0.241;
 
@@ -106,6 +106,9 @@ public:
 
     /// A shipped image, such as that of a source; sharp at any size. Null when there is none of that name.
     [[nodiscard]] virtual ImagePtr image(std::string_view name) const = 0;
+
+    /// The image as large as fits into the box, with its proportions; as sharp as it was.
+    [[nodiscard]] virtual ImagePtr fitted(const ImagePtr& image, const Size& box) const = 0;
 
     /// A shipped symbol in one colour, as high as text of that font size looks beside it. Null when there is none.
     [[nodiscard]] virtual ImagePtr symbol(std::string_view name, double fontSize, const Color& color) const = 0;

@@ -206,14 +206,14 @@ TEST(CoinPillTest, SparklinesStayInsideTheirRectangleWhateverTheValues) {
 TEST(CoinPillTest, PillsStayOfReasonableSize) {
     for (const double price : {-1e300, 1e300, 1e15}) {
         const auto width = drawCoin(coinPart([&](CoinPart& part) { part.price = priceText(price); })).size().width;
-        EXPECT_LE(width, 4096) << price;
+        EXPECT_LE(width, 640) << price;
         EXPECT_GT(width, 180) << price;
     }
     const auto everything = coinPart([](CoinPart& part) {
         part.price = part.change.emplace(1000, '9');
         part.highLow = {*part.change, *part.change};
     });
-    EXPECT_EQ(drawCoin(everything).size().width, 4096);
+    EXPECT_EQ(drawCoin(everything).size().width, 640);
 }
 
 TEST(CoinPillTest, TheBadgeHoldsEightCharactersAsPeopleCountThem) {

@@ -67,6 +67,21 @@ TEST_F(SleepAndNetworkTest, ANetworkThatFlapsCostsARequestEveryTwoSecondsAtMost)
     EXPECT_GE(quotesAsked(), asked + 3);
 }
 
+TEST_F(SleepAndNetworkTest, AnAnswerFromBeforeTheSleepIsNotTheLastWord) {
+    begin();
+    machine.http.latency = 1s;
+    machine.advance(60s);  // the next fetch is under way
+    const int asked = quotesAsked();
+    machine.runLoop.sleep(1h);
+    wake();
+    mendNetwork();
+    machine.advance(4s);
+    EXPECT_EQ(quotesAsked(), asked + 1);
+    EXPECT_THAT(shownPrices(), testing::ElementsAre("65000.00"));
+    machine.advance(50s);
+    EXPECT_EQ(quotesAsked(), asked + 1);
+}
+
 TEST_F(SleepAndNetworkTest, AFetchThatSleepCutInTwoIsMadeAgain) {
     begin();
     machine.http.latency = 5s;

@@ -56,8 +56,8 @@ private:
     QtGraphics graphics_;
     std::unique_ptr<NotificationCenter::Observation> fontChanges_;
     QtDesktopEvents events_;
-    QtStatusBar statusBar_;
     CompositorWatch compositor_;
+    QtStatusBar statusBar_;
     QtScreens screens_;
     QtPointer pointer_;
     QtWindowServer windows_;

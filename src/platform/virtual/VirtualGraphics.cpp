@@ -105,6 +105,10 @@ ImagePtr VirtualGraphics::image(std::string_view name) const {
     return images.contains(name) ? std::make_shared<VirtualImage>(std::string(name), Size{64, 64}) : nullptr;
 }
 
+ImagePtr VirtualGraphics::fitted(const ImagePtr& image, const Size& box) const {
+    return std::make_shared<VirtualImage>(nameOf(*image), fittedSize(image->size(), box));
+}
+
 ImagePtr VirtualGraphics::symbol(std::string_view name, double fontSize, const Color& color) const {
     if (missingSymbols.contains(name)) {
         return nullptr;

@@ -59,6 +59,7 @@ public:
     ImagePtr draw(const Size& size, double scale, const std::function<void(Canvas&)>& paint) const override;
     ImagePtr withShadow(const ImagePtr& image, const Shadow& shadow) const override;
     ImagePtr image(std::string_view name) const override;
+    ImagePtr fitted(const ImagePtr& image, const Size& box) const override;
     ImagePtr symbol(std::string_view name, double fontSize, const Color& color) const override;
     std::expected<ImagePtr, std::string> decode(std::string_view bytes) const override;
     std::string png(const Image& image) const override;

@@ -58,7 +58,7 @@ bool isCutOff(std::string_view bytes, std::string_view format) {
         return !bytes.substr(bytes.size() - std::min(bytes.size(), kJpegTail)).contains("\xff\xd9"sv);
     }
     if (format == "gif") {
-        return bytes[bytes.find_last_not_of('\0')] != ';';
+        return bytes[bytes.find_last_not_of("\0\r\n\t "sv)] != ';';
     }
     return format == "bmp" && littleEndian(bytes, 2, 4) > bytes.size();
 }

@@ -79,6 +79,10 @@ ImagePtr QtGraphics::image(std::string_view name) const {
     return std::make_shared<VectorImage>(std::move(found), size);
 }
 
+ImagePtr QtGraphics::fitted(const ImagePtr& image, const Size& box) const {
+    return dynamic_cast<const QtImage&>(*image).resized(fittedSize(image->size(), box));
+}
+
 ImagePtr QtGraphics::symbol(std::string_view name, double fontSize, const Color& color) const {
     auto found = artwork("symbols", name);
     if (!found) {

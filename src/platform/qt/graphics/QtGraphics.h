@@ -32,6 +32,8 @@ public:
     ImagePtr withShadow(const ImagePtr& image, const Shadow& shadow) const override;
     ImagePtr image(std::string_view name) const override;
 
+    ImagePtr fitted(const ImagePtr& image, const Size& box) const override;
+
     /// As high as 1.2 em, to the nearest whole point, so that it can lie on whole pixels. What is no square is as wide
     /// as that makes it.
     ImagePtr symbol(std::string_view name, double fontSize, const Color& color) const override;

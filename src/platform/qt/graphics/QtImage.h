@@ -28,6 +28,9 @@ public:
 
     /// Pixels to a point that the picture was made with; none when it has any number of them.
     [[nodiscard]] virtual std::optional<double> scale() const = 0;
+
+    /// The same picture in another size.
+    [[nodiscard]] virtual ImagePtr resized(const Size& size) const = 0;
 };
 
 /// The picture at that size in points with so many pixels to a point, which is also the device pixel ratio of the
@@ -49,6 +52,7 @@ public:
     std::size_t byteCount() const override { return static_cast<std::size_t>(pixels_.sizeInBytes()); }
     Placed placed(const QRectF& rect) const override;
     std::optional<double> scale() const override { return scale_; }
+    ImagePtr resized(const Size& size) const override { return std::make_shared<PixelImage>(pixels_, size, scale_); }
     [[nodiscard]] const QImage& pixels() const { return pixels_; }
 
 private:
@@ -67,6 +71,7 @@ public:
     std::size_t byteCount() const override;
     Placed placed(const QRectF& rect) const override;
     std::optional<double> scale() const override { return {}; }
+    ImagePtr resized(const Size& size) const override { return std::make_shared<VectorImage>(artwork_, size, tint_); }
 
 private:
     std::shared_ptr<Artwork> artwork_;

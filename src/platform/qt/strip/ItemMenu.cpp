@@ -65,6 +65,7 @@ void ItemMenu::popUp(const QPoint& topLeft, int above) {
     if (screen != nullptr && at.y() + size.height() > screen->availableGeometry().bottom()) {
         at.setY(above - size.height());
     }
+    menu_.setWindowTitle("Glintar menu");
     menu_.popup(at);
 }
 

@@ -9,6 +9,7 @@
 
 #include <QCursor>
 #include <QPointer>
+#include <QTextDocument>
 
 namespace glintar::platform {
 
@@ -70,7 +71,8 @@ public:
 
     void setToolTip(std::string text) override {
         if (view_) {
-            view_->setToolTip(QString::fromStdString(text).toHtmlEscaped());
+            // Rich text for Qt whatever it holds, so that none of it is taken for markup.
+            view_->setToolTip(Qt::convertFromPlainText(QString::fromStdString(text)));
         }
         if (tray_) {
             tray_->setToolTip(text);
@@ -111,7 +113,6 @@ private:
 
 QtStatusBar::QtStatusBar(Surroundings surroundings)
     : around_(std::move(surroundings)),
-      compositor_(around_.connection),
       workArea_(around_.connection),
       strip_(around_.graphics, around_.preferences, workArea_, look()) {
     describeStripToAssistants();
@@ -120,14 +121,14 @@ QtStatusBar::QtStatusBar(Surroundings surroundings)
             onScaleChanged();
         }
     };
-    compositorChanged_ = compositor_.onChange([this] { strip_.setLook(look()); });
+    compositorChanged_ = around_.compositor.onChange([this] { strip_.setLook(look()); });
     appearanceChanged_ = around_.notifications.observe(kAppearanceChanged, [this] { strip_.setLook(look()); });
 }
 
 QtStatusBar::~QtStatusBar() = default;
 
 StripLook QtStatusBar::look() const {
-    return {.isTranslucent = compositor_.isRunning(), .appearance = around_.events.appearance()};
+    return {.isTranslucent = around_.compositor.isRunning(), .appearance = around_.events.appearance()};
 }
 
 Rect QtStatusBar::frame() const {

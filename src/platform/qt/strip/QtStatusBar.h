@@ -23,6 +23,7 @@ public:
     /// message bus, if there is one.
     struct Surroundings {
         XcbConnection& connection;
+        CompositorWatch& compositor;
         std::optional<QDBusConnection> session;
         const Graphics& graphics;  ///< what it draws is what the strip shows: a `QtGraphics`
         const DesktopEvents& events;
@@ -46,7 +47,6 @@ private:
     [[nodiscard]] StripLook look() const;
 
     Surroundings around_;
-    CompositorWatch compositor_;
     WorkAreaWatch workArea_;
     StripWindow strip_;
     bool hasTrayIcon_ = false;

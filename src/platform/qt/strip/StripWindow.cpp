@@ -113,14 +113,7 @@ void StripWindow::arrange() {
     for (const StripItem* const item : items_) {
         width += item->neededWidth();
     }
-    int right = width;
-    for (StripItem* const item : items_) {
-        const int needed = item->neededWidth();
-        right -= needed;
-        item->setGeometry(right, 0, needed, StripLook::kHeight);
-        item->setVisible(needed > 0);
-    }
-    place_.setSize({width, StripLook::kHeight});
+    contentWidth_ = width;
     if (width == 0) {
         hide();
         return;
@@ -133,16 +126,29 @@ void StripWindow::arrange() {
     }
 }
 
+void StripWindow::layOutItems() {
+    int right = place_.width();
+    for (StripItem* const item : items_) {
+        const int needed = item->neededWidth();
+        right -= needed;
+        item->setGeometry(right, 0, needed, StripLook::kHeight);
+        item->setVisible(needed > 0);
+    }
+}
+
 void StripWindow::putInPlace() {
     const StripPlace place = chosen_.value_or(StripPlace{});
     const QScreen* const screen = screenOf(place);
-    if (screen == nullptr || place_.width() <= 0) {
+    if (screen == nullptr || contentWidth_ <= 0) {
         return;
     }
-    const Size size{double(place_.width()), double(place_.height())};
-    place_ = toQt(stripFrame(place, size, freeAreaOf(*screen)));
+    const Rect area = freeAreaOf(*screen);
+    // What is wider than the screen is cut off at its left: the icon, which opens the menu, stays to be seen.
+    const Size size{std::min(double(contentWidth_), area.width), double(StripLook::kHeight)};
+    place_ = toQt(stripFrame(place, size, area));
     setFixedSize(place_.size());
     move(place_.topLeft());
+    layOutItems();
 }
 
 void StripWindow::checkScale() {

@@ -43,6 +43,7 @@ protected:
 private:
     void followScreens();
     void arrange();
+    void layOutItems();
     void putInPlace();
     void checkScale();
     bool dragTo(const QPointF& pointer);
@@ -58,6 +59,7 @@ private:
     std::vector<StripItem*> items_;  ///< from the right
     std::optional<StripPlace> chosen_;
     QRect place_;
+    int contentWidth_ = 0;  ///< of all items; more than the strip's where the screen is too narrow
     double scale_ = 1;
 
     struct Drag {

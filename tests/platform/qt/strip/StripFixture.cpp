@@ -37,6 +37,7 @@ void StripFixture::start() {
     stop();
     bar = std::make_unique<platform::QtStatusBar>(platform::QtStatusBar::Surroundings{
         .connection = *connection,
+        .compositor = compositor,
         .session = session,
         .graphics = graphics,
         .events = events,

@@ -65,6 +65,7 @@ protected:
     platform::QtGraphics graphics{bundle};
     std::unique_ptr<platform::XcbConnection> connection = platform::XcbConnection::open();
     platform::XcbReader reader{*connection};
+    platform::CompositorWatch compositor{*connection};
     std::optional<QDBusConnection> session;
     std::unique_ptr<platform::QtStatusBar> bar;
     std::unique_ptr<platform::StatusItem> icon;

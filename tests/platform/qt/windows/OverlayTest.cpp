@@ -102,6 +102,14 @@ TEST_F(WindowsDesktop, ThePanelTakesTheScaleOfTheScreenItIsOn) {
     QtPointer pointer(*connection, screens);
     EXPECT_EQ(pointer.position(), (Point{690, 750}));
 
+    {
+        const OtherWindow lock(OtherWindow::Kind::Unmanaged, kBlack, {640, 0, 640, 800});
+        const OtherWindow prompt(OtherWindow::Kind::Unmanaged, kYellow, {900, 300, 100, 100});
+        runLoop(300);
+        EXPECT_EQ(display.pixel(818, 62), kBlack) << "this screen is locked";
+    }
+    EXPECT_TRUE(comesToShow(818, 62, kRed));
+
     display.unsplit();
     EXPECT_TRUE(test::eventually([&] { return panel->scale() == 1 && told == 2; }, [] { runLoop(); }));
     EXPECT_EQ(panelPlace().width, 48);
@@ -113,8 +121,20 @@ TEST_F(WindowsDesktop, ThePanelLeavesALockedScreenLockedAndQuarrelsWithNobody) {
     EXPECT_TRUE(comesToShow(302, 202, kRed));
     {
         const OtherWindow lock(OtherWindow::Kind::Unmanaged, kBlack, {0, 0, 1280, 800});
+        const OtherWindow prompt(OtherWindow::Kind::Unmanaged, kYellow, {500, 300, 100, 100});
         runLoop(300);
         EXPECT_EQ(display.pixel(302, 202), kBlack);
+        panel->orderOut();
+        panel->orderFront();
+        runLoop(300);
+        EXPECT_EQ(display.pixel(302, 202), kBlack) << "nor may it come back above it";
+    }
+    EXPECT_TRUE(comesToShow(302, 202, kRed));
+    {
+        const OtherWindow lock(OtherWindow::Kind::Unmanaged, kBlack, {0, 0, 1280, 800});
+        lock.lower();
+        const OtherWindow menu(OtherWindow::Kind::Unmanaged, kYellow, {250, 190, 100, 100});
+        EXPECT_TRUE(comesToShow(302, 202, kRed)) << "a wallpaper locks nothing";
     }
     int raised = 0;
     const auto rival = XcbConnection::open();
@@ -154,6 +174,7 @@ TEST_F(WindowsDesktop, TheEndOfTheXServerIsQuiet) {
     ASSERT_TRUE(test::eventually([&] { return !lost->isAlive(); }, [] { runLoop(); }));
 
     EXPECT_EQ(pointer.position(), std::nullopt);
+    EXPECT_TRUE(pointer.isSeenEverywhere()) << "this desktop does not hide it";
     panel.setFrameOrigin({10, 10});
     int wakes = 0;
     const auto waking =

@@ -39,6 +39,11 @@ TEST(ScreenMapGapTest, WhatReachesOverTheEdgeOfADenseScreenStaysWithIt) {
     EXPECT_EQ(map.scaleAt({415, 350}), 2);
 }
 
+TEST(ScreenMapGapTest, FarAwayIsWhereTheXServerEnds) {
+    const ScreenMap map(plainAndDense());
+    EXPECT_EQ(map.toPixels({1e300, -1e300}), (PixelPoint{32767, 32767}));
+}
+
 INSTANTIATE_TEST_SUITE_P(
     Places, ScreenMapTest,
     testing::Values(

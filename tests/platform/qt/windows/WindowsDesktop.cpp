@@ -92,6 +92,12 @@ bool OtherWindow::wasPressed() {
     return pressed;
 }
 
+void OtherWindow::lower() const {
+    const std::uint32_t below = XCB_STACK_MODE_BELOW;
+    xcb_configure_window(connection_->get(), window_, XCB_CONFIG_WINDOW_STACK_MODE, &below);
+    connection_->flush();
+}
+
 WindowsDesktop::WindowsDesktop() {
     paintWall();
     display.input({"mousemove", "10", "790"});

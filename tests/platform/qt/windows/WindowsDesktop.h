@@ -35,6 +35,9 @@ public:
     /// Whether a button was pressed over it since the last question.
     [[nodiscard]] bool wasPressed();
 
+    /// Below all others.
+    void lower() const;
+
 private:
     void open(Kind kind, const Pixel& color, const xcb_rectangle_t& place);
 
