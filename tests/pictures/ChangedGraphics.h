@@ -34,6 +34,9 @@ public:
         return real_.withShadow(image, shadow);
     }
     platform::ImagePtr image(std::string_view name) const override { return real_.image(name); }
+    platform::ImagePtr fitted(const platform::ImagePtr& image, const platform::Size& box) const override {
+        return real_.fitted(image, box);
+    }
     platform::ImagePtr symbol(std::string_view name, double fontSize, const platform::Color& color) const override {
         return real_.symbol(name, fontSize, changed(color));
     }
