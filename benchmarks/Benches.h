@@ -4,7 +4,8 @@
 
 namespace glintar::bench {
 
-// Each prints its rows. `programs` is the folder of glintar and glintar-demo-market, `resources` that of the documents.
+// Each prints its rows. `programs` is the folder of our programs, `resources` that of the documents. What takes minutes
+// is left out where there are none.
 
 void benchDocuments(const std::string& resources);
 
@@ -13,5 +14,15 @@ void benchOnce(const std::string& programs);
 
 /// `glintar line` into a pipe for so many minutes, its start left out.
 void benchRunning(const std::string& programs, int minutes);
+
+/// Drawing the pictures of the price line, beside the same strokes of Qt's painter.
+void benchPills();
+
+/// `glintar-desktop` with its price line: its start, its memory, and a minute of it.
+void benchDesktop(const std::string& programs, int minutes);
+void benchDesktopStart(const std::string& programs);
+
+/// `glintar-desktop` with its panel, beside a timer as fast as that follows the pointer.
+void benchPanel(const std::string& programs, int minutes);
 
 }  // namespace glintar::bench

@@ -20,12 +20,6 @@ namespace glintar::bench {
 
 namespace {
 
-double median(std::vector<double> values) {
-    const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
-    std::ranges::nth_element(values, middle);
-    return *middle;
-}
-
 double seconds(const timeval& time) {
     return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
 }
@@ -38,17 +32,26 @@ std::atomic<std::int64_t> mostAllocated = 0;
 }  // namespace
 
 void printHeader() {
-    fmt::print("{:<58}{:>14}{:>14}{:>8}{:>8}\n", "what", "ours", "floor", "ratio", "goal");
+    fmt::print("{:<74}{:>14}{:>14}{:>8}{:>8}\n", "what", "ours", "floor", "ratio", "goal");
 }
 
 void printRow(const Row& row) {
     const bool hasFloor = row.floor > 0;
     const double judged = hasFloor ? row.ours / row.floor : row.ours;
     const auto number = [&](double value) { return fmt::format("{:.4g} {}", value, row.unit); };
-    fmt::print("{:<58}{:>14}{:>14}{:>8}{:>8}  {}\n", row.name + (hasFloor ? " / " + row.floorName : ""),
+    fmt::print("{:<74}{:>14}{:>14}{:>8}{:>8}  {}\n", row.name + (hasFloor ? " / " + row.floorName : ""),
                number(row.ours), hasFloor ? number(row.floor) : "", hasFloor ? fmt::format("{:.2f}", judged) : "",
-               fmt::format("{:.4g}", row.goal), judged <= row.goal ? "met" : "missed");
+               row.goal ? fmt::format("{:.4g}", *row.goal) : "",
+               !row.goal             ? ""
+               : judged <= *row.goal ? "met"
+                                     : "missed");
     std::fflush(stdout);
+}
+
+double median(std::vector<double> values) {
+    const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
+    std::ranges::nth_element(values, middle);
+    return *middle;
 }
 
 double processorSeconds() {

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <chrono>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -13,13 +13,15 @@ struct Row {
     std::string name;
     double ours = 0;
     double floor = 0;
-    double goal = 0;  ///< the most that `ours / floor` may be; with no floor, the most that `ours` may be
+    std::optional<double> goal;  ///< the most that `ours / floor` may be; with no floor, the most that `ours` may be
     std::string unit;
     std::string floorName;
 };
 
 void printHeader();
 void printRow(const Row& row);
+
+[[nodiscard]] double median(std::vector<double> values);
 
 /// Processor time of this process so far, in seconds.
 double processorSeconds();

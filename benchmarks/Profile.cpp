@@ -2,30 +2,68 @@
 
 #include "support/TestAuthority.h"
 
+#include <QBuffer>
+#include <QImage>
+#include <QPainter>
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <span>
+#include <thread>
 
 namespace glintar::bench {
 
 namespace {
 
 constexpr std::string_view kPath = "/markets";
+constexpr std::string_view kIconPath = "/icon.png";
 constexpr std::string_view kDebianAuthorities = "/etc/ssl/certs";
 
-std::string answer() {
-    std::string points;
-    for (int i = 0; i < 168; ++i) {
-        points += fmt::format("{}{}", i ? "," : "", 64000 + i / 7.0);
-    }
+struct BenchCoin {
+    std::string_view name, apiId, change;
+    double price;
+};
+constexpr std::array<BenchCoin, 5> kCoins{{{"BTC", "bitcoin", "1.2", 64012.55},
+                                           {"ETH", "ethereum", "1.2", 64012.55},
+                                           {"SOL", "solana", "-3.41", 151.2},
+                                           {"XRP", "ripple", "0.07", 0.5123},
+                                           {"DOGE", "dogecoin", "-0.4", 0.1234}}};
+
+std::string answer(std::size_t coins, const std::string& icon) {
     std::string body;
-    for (const auto* id : {"bitcoin", "ethereum"}) {
-        body += fmt::format(R"({}{{"id":"{}","current_price":64012.55,"price_change_percentage_24h":1.2,)"
+    for (const auto& coin : std::span(kCoins).first(coins)) {
+        std::string points;
+        for (int i = 0; i < 168; ++i) {
+            points += fmt::format("{}{}", i ? "," : "", 64000 + i / 7.0);
+        }
+        body += fmt::format(R"({}{{"id":"{}",{}"current_price":{},"price_change_percentage_24h":{},)"
                             R"("high_24h":64500,"low_24h":63000,"sparkline_in_7d":{{"price":[{}]}}}})",
-                            body.empty() ? "" : ",", id, points);
+                            body.empty() ? "" : ",", coin.apiId,
+                            icon.empty() ? "" : fmt::format(R"("image":"{}",)", icon), coin.price, coin.change, points);
     }
     return "[" + body + "]";
+}
+
+/// As large as services hand them out.
+std::string iconFile() {
+    QImage icon(250, 250, QImage::Format_ARGB32_Premultiplied);
+    icon.fill(Qt::transparent);
+    {
+        QPainter painter(&icon);
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setBrush(Qt::darkYellow);
+        painter.drawEllipse(icon.rect());
+    }
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::WriteOnly);
+    icon.save(&buffer, "PNG");
+    return bytes.toStdString();
 }
 
 void write(const std::filesystem::path& path, std::string_view text) {
@@ -35,10 +73,17 @@ void write(const std::filesystem::path& path, std::string_view text) {
 
 }  // namespace
 
-Profile::Profile(support::LoopbackServer::Transport transport)
-    : server_(transport), isTls_(transport == support::LoopbackServer::Transport::Tls) {
-    server_.on(std::string(kPath), {.headers = {{"Content-Type", "application/json"}}, .body = answer()});
-    writeProfile();
+Profile::Profile(support::LoopbackServer::Transport transport, Choices choices)
+    : choices_(choices), server_(transport), isTls_(transport == support::LoopbackServer::Transport::Tls) {
+    std::string icon;
+    if (choices.hasIcons) {
+        icon = server_.url(kIconPath);
+        server_.on(std::string(kIconPath), {.headers = {{"Content-Type", "image/png"}}, .body = iconFile()});
+    }
+    server_.on(std::string(kPath),
+               {.headers = {{"Content-Type", "application/json"}}, .body = answer(choices.coins, icon)});
+    writeSources();
+    writePreferences(0);
     if (isTls_) {
         writeAuthorities();
     }
@@ -48,20 +93,42 @@ std::string Profile::url() const {
     return server_.url(kPath);
 }
 
-void Profile::writeProfile() {
+void Profile::setReferencePrice(double price) {
+    writePreferences(price);
+}
+
+void Profile::waitForRefreshes(std::size_t count) const {
+    const auto isRefresh = [](const support::LoopbackRequest& request) { return request.target.contains("?ids="); };
+    for (int i = 0; std::ranges::count_if(server_.requests(), isRefresh) < static_cast<std::ptrdiff_t>(count); ++i) {
+        if (i > 1000) {
+            fmt::print(stderr, "bench: the program does not refresh\n");
+            std::exit(1);
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+}
+
+void Profile::writeSources() {
     write(folder_.path() / "DATA/glintar/remote_api_endpoints.json",
           fmt::format(
               R"({{"sources":[{{"id":"coingecko","name":"Bench","supports_batch":true,"url_template":"{}?ids={{ID}}",)"
-              R"("response_type":"array","id_mapping_path":"id","price_path":"current_price",)"
+              R"("response_type":"array","id_mapping_path":"id","price_path":"current_price","image_path":"image",)"
               R"("change_path":"price_change_percentage_24h","high_path":"high_24h","low_path":"low_24h",)"
               R"("sparkline_path":"sparkline_in_7d.price","header":"x-key"}}]}})",
               url()));
+}
+
+void Profile::writePreferences(double referencePrice) {
+    std::string coins;
+    for (std::size_t i = 0; i < choices_.coins; ++i) {
+        coins += fmt::format(R"({}{{\"id\":\"6F9619FF-8B86-4011-B42D-00C04FC964F{}\",\"displayName\":\"{}\",)"
+                             R"(\"apiId\":\"{}\",\"referencePrice\":{}}})",
+                             i ? "," : "", i, kCoins.at(i).name, kCoins.at(i).apiId, referencePrice);
+    }
     write(folder_.path() / "CONFIG/glintar/glintar.conf",
-          "[General]\nshowChange24h=true\nshowSparkline=true\n"
-          R"(savedCoins="@ByteArray([{\"id\":\"6F9619FF-8B86-4011-B42D-00C04FC964FF\",\"displayName\":\"BTC\",)"
-          R"(\"apiId\":\"bitcoin\"},{\"id\":\"6F9619FF-8B86-4011-B42D-00C04FC964FE\",\"displayName\":\"ETH\",)"
-          R"x(\"apiId\":\"ethereum\"}])")x"
-          "\n");
+          fmt::format("[General]\nshowChange24h=true\nshowSparkline=true\ndisplayMode={}\n"
+                      "savedCoins=\"@ByteArray([{}])\"\n",
+                      choices_.displayMode, coins));
 }
 
 void Profile::writeAuthorities() {
@@ -80,8 +147,8 @@ void Profile::writeAuthorities() {
     }
 }
 
-std::vector<std::string> Profile::command(const std::string& program, std::vector<std::string> arguments,
-                                          bool keepBus) const {
+std::vector<std::string> Profile::command(const std::string& program, std::vector<std::string> arguments, bool keepBus,
+                                          const std::string& desktop) const {
     const auto place = folder_.path().string();
     // No proxy and no authorities of the user's own: the program alone is measured.
     std::vector<std::string> words{"env", "-u", "SSL_CERT_FILE", "-u", "http_proxy", "-u", "https_proxy"};
@@ -93,6 +160,9 @@ std::vector<std::string> Profile::command(const std::string& program, std::vecto
     }
     if (isTls_) {
         words.push_back("SSL_CERT_DIR=" + hashedFolder());
+    }
+    if (!desktop.empty()) {
+        words.push_back("XDG_CURRENT_DESKTOP=" + desktop);
     }
     words.push_back(program);
     words.insert(words.end(), arguments.begin(), arguments.end());

@@ -3,7 +3,7 @@
 #include "support/LoopbackServer.h"
 #include "support/TemporaryFolder.h"
 
-#include <map>
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -13,20 +13,37 @@ namespace glintar::bench {
 /// many others as Debian ships, in a hashed folder and in one bundle.
 class Profile {
 public:
-    explicit Profile(support::LoopbackServer::Transport transport);
+    /// Which coins there are, whether their quotes name an icon, and what the program shows them in.
+    struct Choices {
+        std::size_t coins = 2;
+        bool hasIcons = false;
+        int displayMode = 0;
+    };
+
+    explicit Profile(support::LoopbackServer::Transport transport) : Profile(transport, Choices{}) {}
+    Profile(support::LoopbackServer::Transport transport, Choices choices);
+
+    /// Saves a reference price for every coin, which has a running program refresh at once.
+    void setReferencePrice(double price);
+
+    /// Waits until the program has asked so many times since there is this profile.
+    void waitForRefreshes(std::size_t count) const;
 
     [[nodiscard]] std::string url() const;
     [[nodiscard]] std::string bundle() const { return (folder_.path() / "bundle.crt").string(); }
     [[nodiscard]] std::string hashedFolder() const { return (folder_.path() / "certs").string(); }
 
-    /// "env", settings and the command: the program in this profile. `keepBus` leaves it the message bus.
+    /// "env", settings and the command: the program in this profile. `keepBus` leaves it the message bus; `desktop` is
+    /// what $XDG_CURRENT_DESKTOP says.
     [[nodiscard]] std::vector<std::string> command(const std::string& program, std::vector<std::string> arguments,
-                                                   bool keepBus) const;
+                                                   bool keepBus, const std::string& desktop = {}) const;
 
 private:
-    void writeProfile();
+    void writeSources();
+    void writePreferences(double referencePrice);
     void writeAuthorities();
 
+    const Choices choices_;
     test::TemporaryFolder folder_;
     support::LoopbackServer server_;
     const bool isTls_;

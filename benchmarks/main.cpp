@@ -1,11 +1,13 @@
-// glintar-bench PROGRAMS RESOURCES MINUTES [NAME]: prints the table; with a NAME ("documents", "once", "running") that
-// part of it alone. With MINUTES 0 the running program is left out.
+// glintar-bench PROGRAMS RESOURCES MINUTES [NAME]: prints the table; with a NAME ("documents", "once", "pills",
+// "desktop", "panel", "running") that part of it alone. `glintar line` runs for MINUTES, the desktop for one; for none
+// where it is 0.
 
 #include "benchmarks/Benches.h"
 #include "benchmarks/Measure.h"
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <charconv>
 #include <string_view>
 
@@ -26,6 +28,16 @@ int main(int argc, char** argv) {
     }
     if (wanted("once")) {
         bench::benchOnce(argv[1]);
+    }
+    if (wanted("pills")) {
+        bench::benchPills();
+    }
+    const int desktopMinutes = std::min(minutes, 1);
+    if (wanted("desktop")) {
+        bench::benchDesktop(argv[1], desktopMinutes);
+    }
+    if (wanted("panel")) {
+        bench::benchPanel(argv[1], desktopMinutes);
     }
     if (minutes > 0 && wanted("running")) {
         bench::benchRunning(argv[1], minutes);

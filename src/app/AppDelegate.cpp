@@ -9,6 +9,12 @@
 
 namespace glintar::app {
 
+namespace {
+
+constexpr std::chrono::milliseconds kTimeToPaint{20};
+
+}  // namespace
+
 AppDelegate::AppDelegate(platform::Platform& platform, platform::Desktop& desktop, Options options)
     : platform_(platform), desktop_(desktop), options_(std::move(options)), settingsWatch_(platform) {
     if (!options_.checksForDocuments) {
@@ -21,7 +27,8 @@ void AppDelegate::applicationDidFinishLaunching() {
     surface_.emplace(platform_, desktop_,
                      DesktopSurface::Requests{.redisplay = [this] { redisplay(); }, .quit = [this] { quitApp(); }});
     statusBarController_.emplace(platform_, *surface_, menubar::StatusBarController::Options{});
-    statusBarController_->start();
+    // The first look for an API key loads the key ring's code and waits for it: "Loading..." is painted before that.
+    start_ = platform_.runLoop.after(kTimeToPaint, [this] { statusBarController_->start(); });
     config::CoinListUpdater::shared(platform_).checkForNewVersion();
 }
 

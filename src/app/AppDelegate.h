@@ -3,6 +3,7 @@
 #include "app/DesktopSurface.h"
 #include "menubar/SettingsWatch.h"
 #include "menubar/StatusBarController.h"
+#include "platform/RunLoop.h"
 
 #include <functional>
 #include <optional>
@@ -43,6 +44,7 @@ private:
     menubar::SettingsWatch settingsWatch_;
     std::optional<DesktopSurface> surface_;
     std::optional<menubar::StatusBarController> statusBarController_;
+    platform::TimerHandle start_;
 };
 
 }  // namespace glintar::app

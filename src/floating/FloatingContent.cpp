@@ -54,6 +54,12 @@ std::string capitalized(std::string_view id) {
     return result;
 }
 
+/// However many marks the user heaps upon one character.
+std::string shortName(std::string_view displayName) {
+    constexpr std::size_t kMostBytes = 512;
+    return text::oneLine(text::upper(text::firstCharacters(displayName.substr(0, kMostBytes), 4)));
+}
+
 /// Whether the fee fits a whole number of 64 bits; what does not is nobody's fee.
 bool isCountable(double fee) {
     constexpr double kLimit = 0x1p63;
@@ -134,8 +140,7 @@ std::vector<Cell> rowOf(const config::Coin& coin, const market::UnifiedMarketDat
                         const Palette& palette) {
     std::vector<Cell> cells;
     cells.push_back({.alignment = Cell::Alignment::Center,
-                     .lines = {{text::upper(text::firstCharacters(coin.displayName, 4)), monospaced(12, Weight::Black),
-                                palette.coinName}}});
+                     .lines = {{shortName(coin.displayName), monospaced(12, Weight::Black), palette.coinName}}});
     cells.push_back(priceCell(coin, quote.price, palette));
     if (shown.change || shown.highLow) {
         cells.push_back(changeCell(quote, shown, palette));

@@ -32,6 +32,7 @@ constexpr std::int64_t kStillTicks = 500;  // ten seconds
 constexpr double kFadeStep = 0.05;
 constexpr double kPointerSize = 12;
 constexpr double kDefaultOffset = 16;
+constexpr double kLargestOffset = 100'000;  // beyond all screens
 constexpr double kRestDistance = 4;
 
 /// Whether the user has been told that the panel cannot follow.
@@ -39,12 +40,13 @@ constexpr std::string_view kPointerNoticeShown = "pointerNoticeShown";
 
 double readOffset(const platform::Preferences& preferences) {
     const double offset = preferences.real(config::kFloatOffset);
-    return offset != 0 && std::isfinite(offset) ? offset : kDefaultOffset;
+    return offset != 0 && std::isfinite(offset) ? std::clamp(offset, -kLargestOffset, kLargestOffset) : kDefaultOffset;
 }
 
-/// Below the right end of the status bar, or above it where the bar stands at the bottom of the screen.
+/// Below the right end of the status bar, or above it where the bar stands at the bottom of the screen. Beyond the left
+/// edge of the primary screen it reaches no farther than the bar does.
 Point restingPlace(const Rect& bar, const Size& panel) {
-    const double x = bar.right() - panel.width;
+    const double x = std::max(bar.right() - panel.width, std::min(bar.x, 0.0));
     const double below = bar.y - kRestDistance - panel.height;
     return {x, below < 0 && bar.y >= 0 ? bar.top() + kRestDistance : below};
 }
@@ -77,11 +79,17 @@ void FloatingPriceController::updateData(std::vector<config::Coin> coins, market
 
 void FloatingPriceController::showPanel() {
     setupWindow();
-    startTracking();
+    const bool canFollow = desktop_.pointer.isSeenEverywhere();
+    timer_ = platform_.runLoop.every(canFollow ? platform::Duration(kFollowInterval) : kRestInterval,
+                                     [this] { trackMouse(); });
+    catchUp(desktop_.pointer.position());
     if (belongsOnScreen()) {
         window_->orderFront();
     }
     arrange();
+    if (!canFollow) {
+        tellThatPointerIsHidden();
+    }
 }
 
 void FloatingPriceController::hidePanel() {
@@ -96,7 +104,7 @@ void FloatingPriceController::reloadSettings() {
     state_.isTransparent = platform_.preferences.boolean(config::kFloatTransparent);
     offsetDistance_ = readOffset(platform_.preferences);
     refresh();
-    if (timer_ && window_->alpha() < 1) {
+    if (timer_ && alpha_ < 1) {
         setAlpha(1);
         window_->orderFront();
     }
@@ -109,69 +117,55 @@ void FloatingPriceController::setupWindow() {
     }
     window_ = desktop_.windows.makeOverlay("Glintar panel");
     window_->onSurroundingsChanged = [this] {
-        refresh();
+        // The scale is that of the top left corner: if that moved, it could go to and fro between two screens.
+        refresh(Corner::TopLeft);
         arrange();
     };
-    refresh();
-    place(desktop_.pointer.position());  // or else it would flash up in the corner of the screen
     countdownTimer_ = platform_.runLoop.after(1s, [this] { countDown(); });
 }
 
-void FloatingPriceController::startTracking() {
-    isResting_ = false;
-    timer_ = platform_.runLoop.every(kFollowInterval, [this] { trackMouse(); });
+/// Lets nothing flash up that is out of date, nor anything at a place that is.
+void FloatingPriceController::catchUp(const std::optional<Point>& pointer) {
+    place(pointer);  // the picture depends on the screen
+    countdownTimer_ ? refresh() : countDown();
+    place(pointer);  // the place depends on the size
 }
 
 void FloatingPriceController::trackMouse() {
     if (!window_) {
         return;
     }
-    const auto pointer = desktop_.pointer.position();
-    if (!pointer) {
-        rest();
-        return;
-    }
-    if (isResting_ && timer_) {
-        startTracking();
-    }
-    const bool hasMoved = *pointer != lastMouseLocation_;
-    if (hasMoved) {
-        lastMouseLocation_ = *pointer;
-        idleCounter_ = 0;
-        setAlpha(1);
-    } else {
-        ++idleCounter_;
-    }
-    if (idleCounter_ > kStillTicks && window_->alpha() > 0) {
-        const double alpha = window_->alpha() - kFadeStep;
-        setAlpha(alpha < kFadeStep / 2 ? 0 : alpha);  // twenty steps end at 0, whatever the rounding
-    }
-    if (hasMoved && window_->alpha() > 0.01) {
-        place(pointer);
+    if (!desktop_.pointer.isSeenEverywhere()) {
+        if (timer_) {
+            place(std::nullopt);
+        }
+    } else if (const auto pointer = desktop_.pointer.position()) {
+        follow(*pointer);
     }
 }
 
-/// Where the pointer cannot be seen there is nothing to follow, and no stillness to fade for.
-void FloatingPriceController::rest() {
-    if (!timer_) {
+void FloatingPriceController::follow(const Point& pointer) {
+    if (pointer != lastMouseLocation_) {
+        lastMouseLocation_ = pointer;
+        idleCounter_ = 0;
+        place(pointer);
+        setAlpha(1);
+        place(pointer);  // what became visible may be larger than before
         return;
     }
-    if (!isResting_) {
-        isResting_ = true;
-        idleCounter_ = 0;
-        timer_ = platform_.runLoop.every(kRestInterval, [this] { trackMouse(); });
-        setAlpha(1);
-        tellThatPointerIsHidden();
+    ++idleCounter_;
+    if (idleCounter_ > kStillTicks && alpha_ > 0) {
+        const double alpha = alpha_ - kFadeStep;
+        setAlpha(alpha < kFadeStep / 2 ? 0 : alpha);  // twenty steps end at 0, whatever the rounding
     }
-    place(std::nullopt);
 }
 
 void FloatingPriceController::tellThatPointerIsHidden() {
     if (!platform_.preferences.boolean(kPointerNoticeShown)) {
-        platform_.preferences.setBoolean(kPointerNoticeShown, true);
         desktop_.windows.notify("Glintar",
                                 "This desktop does not tell programs where the pointer is. The price panel therefore "
                                 "stays below the status bar instead of following the pointer.");
+        platform_.preferences.setBoolean(kPointerNoticeShown, true);
     }
 }
 
@@ -191,18 +185,22 @@ void FloatingPriceController::moveTo(const Point& origin) {
 }
 
 void FloatingPriceController::setAlpha(double alpha) {
-    if (alpha != window_->alpha()) {
-        const bool wasFaded = window_->alpha() <= 0;
-        window_->setAlpha(alpha);
-        if (wasFaded || alpha <= 0) {
-            arrange();
-        }
+    if (alpha == alpha_) {
+        return;
+    }
+    const bool wasFaded = std::exchange(alpha_, alpha) <= 0;
+    if (wasFaded) {
+        countDown();
+    }
+    window_->setAlpha(alpha);
+    if (wasFaded || alpha <= 0) {
+        arrange();
     }
 }
 
 bool FloatingPriceController::belongsOnScreen() const {
     // Without a compositor there is no opacity.
-    return timer_ && (window_->alpha() > 0 || window_->isTranslucent());
+    return timer_ && (alpha_ > 0 || window_->isTranslucent());
 }
 
 /// Puts the window on the screen or takes it off, and lets the countdown run while it can be seen.
@@ -210,7 +208,7 @@ void FloatingPriceController::arrange() {
     if (belongsOnScreen() != window_->isShown()) {
         window_->isShown() ? window_->orderOut() : window_->orderFront();
     }
-    if (!timer_ || window_->alpha() <= 0) {
+    if (!canBeSeen()) {
         countdownTimer_.reset();
     } else if (!countdownTimer_) {
         countDown();
@@ -223,15 +221,15 @@ void FloatingPriceController::countDown() {
     const platform::Seconds remaining = state_.nextFetchTime - platform_.runLoop.now();
     timeProgress_ = ring::timeProgress(remaining, interval);
     refresh();
-    if (timer_ && window_->alpha() > 0 && timeProgress_ > 0) {
+    if (canBeSeen() && timeProgress_ > 0) {
         // A little late, so that the step is surely due by then.
         const auto wait = ring::unchangedFor(remaining, interval, window_->scale()) + 1ms;
         countdownTimer_ = platform_.runLoop.after(std::chrono::ceil<platform::Duration>(wait), [this] { countDown(); });
     }
 }
 
-void FloatingPriceController::refresh() {
-    if (!window_) {
+void FloatingPriceController::refresh(Corner kept) {
+    if (!canBeSeen()) {
         return;
     }
     const FloatingView::Surroundings surroundings{.appearance = desktop_.events.appearance(),
@@ -243,8 +241,9 @@ void FloatingPriceController::refresh() {
     window_->setPicture(view_.picture(), view_.margin());
     const Rect frame = window_->frame();
     if (const Size size = view_.fittingSize(); size != frame.size()) {
-        window_->setFrame({frame.x, frame.y, size.width, size.height});
-        if (isResting_) {
+        const double y = kept == Corner::TopLeft ? frame.top() - size.height : frame.y;
+        window_->setFrame({frame.x, y, size.width, size.height});
+        if (!desktop_.pointer.isSeenEverywhere()) {
             place(std::nullopt);
         }
     }

@@ -31,7 +31,8 @@ public:
     FloatingPriceController& operator=(const FloatingPriceController&) = delete;
     ~FloatingPriceController();
 
-    /// What a refresh brought. The panel takes on the size of its content; its bottom left corner stays.
+    /// What a refresh brought. The panel takes on the size of its content; its bottom left corner stays. Drawn once it
+    /// can be seen.
     void updateData(std::vector<config::Coin> coins, market::MarketDataMap quotes, std::optional<double> gasPrice,
                     platform::Instant nextFetchTime);
 
@@ -46,17 +47,19 @@ public:
 
 private:
     void setupWindow();
-    void startTracking();
+    void catchUp(const std::optional<platform::Point>& pointer);
     void trackMouse();
-    void rest();
+    void follow(const platform::Point& pointer);
     void tellThatPointerIsHidden();
     void place(const std::optional<platform::Point>& pointer);
     void moveTo(const platform::Point& origin);
     void setAlpha(double alpha);
     void arrange();
     [[nodiscard]] bool belongsOnScreen() const;
+    [[nodiscard]] bool canBeSeen() const { return timer_ && alpha_ > 0; }
     void countDown();
-    void refresh();
+    enum class Corner { BottomLeft, TopLeft };
+    void refresh(Corner kept = Corner::BottomLeft);
 
     platform::Platform& platform_;
     platform::Desktop& desktop_;
@@ -67,7 +70,7 @@ private:
     FloatingState state_;
     double offsetDistance_ = 0;
     double timeProgress_ = 1;
-    bool isResting_ = false;
+    double alpha_ = 1;
 
     // Each of these calls us and ends with us.
     platform::TimerHandle timer_;           ///< only while the panel is shown

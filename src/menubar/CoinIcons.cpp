@@ -15,7 +15,7 @@ namespace glintar::menubar {
 
 namespace {
 
-constexpr std::size_t kCacheBytes = std::size_t{4} << 20;
+constexpr std::size_t kCacheBytes = std::size_t{1} << 20;
 constexpr std::size_t kMaxIconBytes = std::size_t{4} << 20;
 
 std::optional<std::filesystem::path> folderIn(std::optional<std::filesystem::path> caches) {

@@ -12,7 +12,8 @@ namespace glintar::menubar {
 
 namespace {
 
-constexpr std::size_t kCacheBytes = std::size_t{4} << 20;
+/// At one pixel to a point: a whole line of the widest pills that are usual, and some of the last ones.
+constexpr double kCacheBytes = 256 * 1024;
 
 char letterOf(platform::Appearance appearance) {
     return appearance == platform::Appearance::Dark ? 'D' : 'L';
@@ -26,7 +27,7 @@ PillPainter::PillPainter(const platform::Graphics& graphics, std::shared_ptr<Coi
       icons_(std::move(icons)),
       look_(look),
       onIconArrived_(std::move(onIconArrived)),
-      renderedItemCache_(kCacheBytes) {}
+      renderedItemCache_(static_cast<std::size_t>(kCacheBytes * look.scale * look.scale)) {}
 
 std::string PillPainter::renderKey(const StatusLine& line, const CoinPart& coin) const {
     return fmt::format("{}_{}_{}_{}_{}_{}_{}_{}", letterOf(look_.appearance), line.sourceId, coin.coin.apiId,

@@ -1,5 +1,5 @@
-#include "app/Deployment.h"
 #include "app/Arguments.h"
+#include "app/Deployment.h"
 
 #include <gtest/gtest.h>
 

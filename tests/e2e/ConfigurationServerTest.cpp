@@ -1,9 +1,9 @@
 // The program beside a configuration server as anybody may run one: nginx with plain files, over TLS with an authority
 // of its own; and beside one that lies.
 
-#include "support/Program.h"
 #include "e2e/ProgramTest.h"
 #include "support/LoopbackServer.h"
+#include "support/Program.h"
 #include "support/TemporaryFolder.h"
 #include "support/TestAuthority.h"
 #include "support/TestFiles.h"

@@ -1,8 +1,9 @@
 // The desktop program on a screen of its own: what its user sees, with the window managers and trays that there are.
 
-#include "support/Program.h"
 #include "e2e/ProgramTest.h"
 #include "support/Display.h"
+#include "support/Program.h"
+#include "support/TemporaryFolder.h"
 
 #include <fmt/format.h>
 #include <gmock/gmock.h>
@@ -12,11 +13,13 @@
 #include <algorithm>
 #include <charconv>
 #include <cstdlib>
+#include <string>
 
 namespace glintar::test {
 namespace {
 
 using testing::HasSubstr;
+using testing::IsEmpty;
 using testing::Not;
 
 /// Where a window stands, in pixels.
@@ -38,10 +41,18 @@ int numberAfter(const std::string& text, std::string_view words) {
 
 class DesktopTest : public ProgramTest {
 protected:
-    static constexpr auto* kFiveCoins =
-        R"(savedCoins=@ByteArray([{\"id\":\"11111111-2222-4333-8444-555555555551\",\"displayName\":\"BTC\",\"apiId\":\"bitcoin\"},)"
-        R"({\"id\":\"11111111-2222-4333-8444-555555555552\",\"displayName\":\"ETH\",\"apiId\":\"ethereum\"}]))"
-        "\n";
+    /// Five coins of the market, and a pill each.
+    static std::string fiveCoins() {
+        std::string coins;
+        int number = 0;
+        for (const auto* coin : {"bitcoin", "ethereum", "solana", "ripple", "cardano"}) {
+            coins += fmt::format(
+                R"({}{{\"id\":\"11111111-2222-4333-8444-55555555555{}\",\"displayName\":\"{:.3}\",\"apiId\":\"{}\"}})",
+                number == 0 ? "" : ",", number, coin, coin);
+            ++number;
+        }
+        return fmt::format("savedCoins=\"@ByteArray([{}])\"\n", coins);
+    }
 
     /// The profile's, on the test's own screen and bus.
     Environment environment() const {
@@ -71,22 +82,28 @@ protected:
                      numberAfter(text, "Width: "), numberAfter(text, "Height: ")};
     }
 
-    /// How many of the pixels of a row through the strip have about this grey, which is that of the pills.
-    int pillPixels(int grey) const {
+    /// How many pills of this grey stand in the strip.
+    int pills(int grey) const {
         const auto place = placeOf("Glintar prices");
-        if (!place || place->x < 0 || place->y < 0) {
+        if (!place || place->x < 0 || place->y < 0 || place->x + place->width > 1280) {
             return 0;
         }
         int found = 0;
+        int run = 0;
         // Above the texts and below the rim of the pills.
-        for (int x = place->x; x < std::min(place->x + place->width, 1280); ++x) {
-            const auto pixel = display->pixel(x, place->y + place->height / 2 - 9);
-            found += std::ranges::all_of(pixel, [&](int part) { return std::abs(part - grey) <= 6; });
+        for (const auto& pixel : display->pixels(place->x, place->y + place->height / 2 - 9, place->width, 1)) {
+            const bool isPill = std::ranges::all_of(pixel, [&](int part) { return std::abs(part - grey) <= 6; });
+            run = isPill ? run + 1 : 0;
+            found += run == 30;
         }
         return found;
     }
-    bool showsPills(int grey) const {
-        return eventually([&] { return pillPixels(grey) > 80; });
+    bool showsPills(int grey, int count = 5) const {
+        return eventually([&] { return pills(grey) == count; });
+    }
+
+    static std::string visibleWindows() {
+        return outputOf({"xdotool", "search", "--onlyvisible", "--class", "glintar"});
     }
 
     void showScreen() { display.emplace(); }
@@ -96,6 +113,7 @@ protected:
 
 constexpr int kLightPill = 230;
 constexpr int kDarkPill = 38;
+constexpr int kPillsOfTheProfile = 4;  // three coins and the network's fee
 
 struct DesktopCase {
     std::string name;
@@ -113,7 +131,7 @@ TEST_P(DesktopsTest, PillsStandInTheCornerAboveOtherWindowsAndTakeNoFocus) {
         display->startCompositor();
     }
     GetParam().hasPanel ? display->startPanel() : display->startTray();
-    preferences(kFiveCoins);
+    preferences(fiveCoins());
     auto program = start();
     ASSERT_TRUE(showsPills(kLightPill)) << program.errors();
     const auto place = placeOf("Glintar prices");
@@ -132,6 +150,7 @@ TEST_P(DesktopsTest, PillsStandInTheCornerAboveOtherWindowsAndTakeNoFocus) {
 
     program.signal(SIGTERM);
     EXPECT_EQ(program.wait(), 0) << program.errors();
+    EXPECT_THAT(program.errors(), HasSubstr("[CoinList] 检查列表更新"));
 }
 
 INSTANTIATE_TEST_SUITE_P(Desktops, DesktopsTest,
@@ -144,7 +163,7 @@ INSTANTIATE_TEST_SUITE_P(Desktops, DesktopsTest,
 TEST_F(DesktopTest, TheDesktopTurnsDarkAndThePillsWithIt) {
     showScreen();
     display->startManager(Display::Manager::Openbox);
-    preferences(kFiveCoins);
+    preferences(fiveCoins());
     Program portal({"/usr/bin/python3", GLINTAR_PORTAL}, environment(), Program::Output::Terminal);
     ASSERT_TRUE(portal.waitForOutput("ready")) << portal.output();
     auto program = start();
@@ -155,55 +174,100 @@ TEST_F(DesktopTest, TheDesktopTurnsDarkAndThePillsWithIt) {
     EXPECT_TRUE(showsPills(kLightPill));
 }
 
-TEST_F(DesktopTest, ThePanelFollowsThePointerAndLetsClicksThrough) {
+struct PanelCase {
+    std::string name;
+    Display::Manager manager;
+    bool hasCompositor;
+    int corner;  ///< of the window, from the pointer: 28, but for 10 of a shadow where there can be one
+};
+
+class PanelsTest : public DesktopTest, public testing::WithParamInterface<PanelCase> {
+protected:
+    /// Of the panel's plate beside the pointer, clear of what is written on it.
+    int brightness(int pointerX, int pointerY) const {
+        const auto pixel = display->pixel(pointerX + 28 + 5, pointerY + 28 + 5);
+        return (pixel[0] + pixel[1] + pixel[2]) / 3;
+    }
+};
+
+TEST_P(PanelsTest, ItFollowsThePointerAboveOtherWindowsAndLetsClicksThrough) {
     showScreen();
-    display->startManager(Display::Manager::Openbox);
-    display->startCompositor();
-    preferences("displayMode=1\n");
+    display->startManager(GetParam().manager);
+    if (GetParam().hasCompositor) {
+        display->startCompositor();
+    }
+    Program portal({"/usr/bin/python3", GLINTAR_PORTAL}, environment(), Program::Output::Terminal);
+    ASSERT_TRUE(portal.waitForOutput("ready")) << portal.output();
+    preferences(fiveCoins() + "displayMode=1\n");
     auto program = start();
     ASSERT_TRUE(eventually([] { return placeOf("Glintar panel").has_value(); })) << program.errors();
-    EXPECT_TRUE(eventually([&] { return log().contains("bitcoin"); }));
-    for (const auto& [x, y] : {std::pair{300, 200}, std::pair{500, 400}}) {
+    EXPECT_TRUE(eventually([&] { return log().contains("cardano"); }));
+    for (const auto& [x, y] : {std::pair{500, 400}, std::pair{300, 200}}) {
         display->input({"mousemove", std::to_string(x), std::to_string(y)});
-        // 16 and 12 points from the pointer; the window holds the shadow as well.
         EXPECT_TRUE(eventually([x, y] {
             const auto place = placeOf("Glintar panel");
-            return place && place->x <= x + 28 && place->x > x + 10 && place->y <= y + 28 && place->y > y + 10;
+            return place && place->x == x + GetParam().corner && place->y == y + GetParam().corner;
         }));
     }
-    preferences("displayMode=0\n");
-    EXPECT_TRUE(eventually([] { return !placeOf("Glintar panel"); })) << "the mode changes while the program runs";
-    EXPECT_TRUE(showsPills(kLightPill));
+    EXPECT_TRUE(eventually([&] { return brightness(300, 200) > 240; })) << "on the black screen";
+
+    portal.type("dark\n");
+    EXPECT_TRUE(eventually([&] { return brightness(300, 200) < 60; }));
+    Program other({"xev", "-geometry", "700x600+100+100", "-event", "button"}, environment());
+    ASSERT_TRUE(eventually([&] { return display->pixel(250, 250) == Pixel{255, 255, 255}; }));
+    EXPECT_TRUE(eventually([&] { return brightness(300, 200) < 60; })) << "it is covered";
+
+    program.signal(SIGSTOP);  // or it would make way for the pointer
+    display->input({"mousemove", "333", "233", "click", "1"});
+    EXPECT_TRUE(other.waitForOutput("root:(333,233)")) << other.output();
+    program.signal(SIGCONT);
 }
 
-TEST_F(DesktopTest, ASecondStartShowsTheMenuOfTheFirstAndQuitEndsIt) {
+INSTANTIATE_TEST_SUITE_P(Panels, PanelsTest,
+                         testing::Values(PanelCase{"OpenboxWithACompositor", Display::Manager::Openbox, true, 18},
+                                         PanelCase{"Xfwm4Alone", Display::Manager::Xfwm4, false, 28},
+                                         PanelCase{"Xfwm4WithACompositor", Display::Manager::Xfwm4, true, 18}),
+                         [](const auto& test) { return test.param.name; });
+
+TEST_F(DesktopTest, TheModeChangesWhileItRuns) {
     showScreen();
     display->startManager(Display::Manager::Openbox);
+    preferences(fiveCoins() + "displayMode=0\n");
+    auto program = start();
+    ASSERT_TRUE(showsPills(kLightPill)) << program.errors();
+    EXPECT_FALSE(placeOf("Glintar panel"));
+    for (const bool hasPanel : {true, false, true}) {
+        preferences(fiveCoins() + fmt::format("displayMode={}\n", hasPanel ? 1 : 0));
+        EXPECT_TRUE(eventually([&] { return placeOf("Glintar panel").has_value() == hasPanel; })) << hasPanel;
+        EXPECT_TRUE(showsPills(kLightPill, hasPanel ? 0 : 5)) << hasPanel;
+    }
+}
+
+class SecondStartTest : public DesktopTest, public testing::WithParamInterface<Display::Bus> {};
+
+TEST_P(SecondStartTest, ShowsTheMenuOfTheFirstWhoseQuitEndsIt) {
+    display.emplace("1280x800x24", GetParam());
+    display->startManager(Display::Manager::Openbox);
     auto first = start();
-    ASSERT_TRUE(eventually([] { return placeOf("Glintar prices").has_value(); })) << first.errors();
-    const auto windows = [] { return outputOf({"xdotool", "search", "--onlyvisible", "--class", "glintar"}); };
-    const auto before = windows();
+    ASSERT_TRUE(showsPills(kLightPill, kPillsOfTheProfile)) << first.errors();
+    const auto before = visibleWindows();
     auto second = start();
     EXPECT_EQ(second.wait(), 0) << second.errors();
-    ASSERT_TRUE(eventually([&] { return windows() != before; })) << "no menu";
+    ASSERT_TRUE(eventually([&] { return visibleWindows() != before; })) << "no menu";
     display->input({"key", "Down", "Return"});
     EXPECT_EQ(first.wait(), 0);
     EXPECT_THAT(first.errors(), HasSubstr("Quit App clicked"));
 }
 
-TEST_F(DesktopTest, WithoutABusASecondStartEndsQuietlyToo) {
-    display.emplace("1280x800x24", Display::Bus::None);
-    auto first = start({{"DBUS_SESSION_BUS_ADDRESS", std::nullopt}});
-    ASSERT_TRUE(showsPills(kLightPill)) << first.errors();
-    auto second = start({{"DBUS_SESSION_BUS_ADDRESS", std::nullopt}});
-    EXPECT_EQ(second.wait(), 0);
-    EXPECT_EQ(first.isRunning(), true);
-}
+INSTANTIATE_TEST_SUITE_P(SecondStarts, SecondStartTest, testing::Values(Display::Bus::Private, Display::Bus::None),
+                         [](const auto& test) {
+                             return test.param == Display::Bus::None ? "WithoutABus" : "WithABus";
+                         });
 
 TEST_F(DesktopTest, TheScreenGoingAwayEndsItWithOneLine) {
     showScreen();
     auto program = start();
-    ASSERT_TRUE(showsPills(kLightPill)) << program.errors();
+    ASSERT_TRUE(showsPills(kLightPill, kPillsOfTheProfile)) << program.errors();
     display->stop();
     EXPECT_EQ(program.wait(), 1);
     EXPECT_THAT(program.errors(), HasSubstr("the display has gone away"));
@@ -218,12 +282,25 @@ TEST_F(DesktopTest, AScreenOutOfReachIsSaidSo) {
 
 TEST_F(DesktopTest, TheDemonstrationNeedsNoProfileAndLeavesNoneBehind) {
     showScreen();
+    const TemporaryFolder home;
+    const TemporaryFolder temporary;
     auto environment = this->environment();
+    for (const auto* name : {"XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME", "XDG_RUNTIME_DIR"}) {
+        environment[name] = std::nullopt;
+    }
+    environment["HOME"] = home.path().string();
+    environment["TMPDIR"] = temporary.path().string();
+    const auto leftBehind = [&] {
+        return outputOf({"find", home.path(), temporary.path(), "-mindepth", "1", "-iname", "*glintar*"});
+    };
     Program program({GLINTAR_PROGRAM, "--demo"}, environment);
     EXPECT_TRUE(program.waitForErrors("none of these prices is real")) << program.errors();
-    EXPECT_TRUE(showsPills(kLightPill)) << program.errors();
+    EXPECT_TRUE(showsPills(kLightPill, kPillsOfTheProfile)) << program.errors();
+    EXPECT_THAT(leftBehind(), Not(IsEmpty()));
     program.signal(SIGTERM);
     EXPECT_EQ(program.wait(), 0);
+    EXPECT_THAT(leftBehind(), IsEmpty());
+    EXPECT_THAT(program.errors(), Not(HasSubstr("检查列表更新")));
 }
 
 }  // namespace

@@ -1,11 +1,11 @@
 // `glintar line` against a market on loopback: the real program, its real network and its real files.
 
 #include "demo/DemoSession.h"
-#include "support/Program.h"
 #include "e2e/ProgramTest.h"
 #include "json/Json.h"
 #include "platform/secret/PrivateBus.h"
 #include "support/LoopbackServer.h"
+#include "support/Program.h"
 #include "support/TemporaryFolder.h"
 #include "support/TestFiles.h"
 

@@ -95,6 +95,17 @@ TEST_F(FloatingContentTest, WhatAQuoteLacksIsLeftOutAndItsColumnStays) {
     EXPECT_EQ(row()[1].at(1), "Ref: 0.2500");
 }
 
+TEST_F(FloatingContentTest, ANameStaysOneShortLine) {
+    state.currentCoins = {test::coin("a\nb\u2028c", "bitcoin")};
+    EXPECT_EQ(row()[0], std::vector<std::string>{"A\uFFFDB\uFFFD"});
+    std::string marks = "e";
+    for (int i = 0; i < 10'000; ++i) {
+        marks += "\u0301";
+    }
+    state.currentCoins = {test::coin(marks, "bitcoin")};
+    EXPECT_LE(row()[0].at(0).size(), 1536U);
+}
+
 TEST_F(FloatingContentTest, ChangesAreGreenFromZeroUpwards) {
     const auto palette = paletteOf(Appearance::Dark);
     struct Case {

@@ -1,47 +1,9 @@
-#include "config/Settings.h"
-#include "floating/FloatingPriceController.h"
-#include "menubar/RefreshState.h"
-#include "menubar/StatusBarController.h"
-#include "platform/virtual/VirtualDesktop.h"
-#include "platform/virtual/VirtualPlatform.h"
-#include "support/Market.h"
-
-#include <gtest/gtest.h>
-
-#include <chrono>
+#include "PanelFixture.h"
 
 namespace glintar::floating {
 namespace {
 
-using namespace std::chrono_literals;
-using platform::Point;
-using platform::Rect;
-
-class FloatingPriceControllerTest : public testing::Test {
-protected:
-    platform::VirtualWindow& window() { return *desktop.windows.overlays.at(0); }
-    void ticks(int count) { machine.advance(count * 20ms); }
-    void follow(Point pointer) {
-        desktop.pointer.at = pointer;
-        ticks(1);
-    }
-    void fadeAway() { ticks(520); }
-    void update(int coins, platform::Duration until = 60s) {
-        std::vector<config::Coin> list;
-        market::MarketDataMap quotes;
-        for (int i = 0; i < coins; ++i) {
-            list.push_back(test::coin("BTC", fmt::format("coin{}", i)));
-            quotes[list.back().apiId].price = 7;
-        }
-        controller.updateData(list, quotes, std::nullopt, machine.runLoop.now() + until);
-    }
-    void settingsChanged() { machine.notifications.post(menubar::kDisplaySettingsChanged); }
-    Point topLeft() { return {window().frame().x, window().frame().top()}; }
-
-    platform::VirtualPlatform machine;
-    platform::VirtualDesktop desktop{machine.notifications};
-    FloatingPriceController controller{machine.platform(), desktop.desktop()};
-};
+using FloatingPriceControllerTest = PanelFixture;
 
 TEST_F(FloatingPriceControllerTest, ThePanelFollowsThePointer) {
     ticks(10);
@@ -82,13 +44,14 @@ TEST_F(FloatingPriceControllerTest, ItFadesWhenThePointerRestsAndReturnsAtItsMov
 
 TEST_F(FloatingPriceControllerTest, TheOffsetIsTheUsers) {
     controller.showPanel();
-    for (const auto& [stored, distance] : {std::pair{0.0, 28.0}, std::pair{-40.0, -28.0}, std::pair{3.5, 15.5},
-                                           std::pair{std::numeric_limits<double>::infinity(), 28.0}}) {
+    for (const auto& [stored, distance] :
+         {std::pair{0.0, 28.0}, std::pair{-40.0, -28.0}, std::pair{3.5, 15.5},
+          std::pair{std::numeric_limits<double>::infinity(), 28.0}, std::pair{1e300, 100'012.0}}) {
         machine.preferences.setReal(config::kFloatOffset, stored);
         const Rect before = window().frame();
         settingsChanged();
         EXPECT_EQ(window().frame(), before) << "it counts from the next movement";
-        follow({100 + stored, 500});
+        follow({101, 500});
         follow({100, 500});
         EXPECT_EQ(topLeft(), (Point{100 + distance, 500 - distance})) << stored;
     }
@@ -211,61 +174,6 @@ TEST_F(FloatingPriceControllerTest, TheRingIsDrawnOncePerPixelWhileItIsSeen) {
     }
     EXPECT_EQ(sweep(), 0);
     EXPECT_EQ(machine.runLoop.pending(), 1U) << "an empty ring has nothing to wait for";
-}
-
-TEST_F(FloatingPriceControllerTest, WithoutACompositorAFadedPanelLeavesTheScreen) {
-    controller.showPanel();
-    window().hasCompositor = false;
-    window().onSurroundingsChanged();
-    EXPECT_EQ(window().margin, 0);
-    follow({10, 10});
-    fadeAway();
-    EXPECT_FALSE(window().isShown());
-    controller.showPanel();
-    EXPECT_FALSE(window().isShown());
-    follow({20, 20});
-    EXPECT_TRUE(window().isShown());
-
-    fadeAway();
-    window().hasCompositor = true;  // one starts
-    window().onSurroundingsChanged();
-    EXPECT_TRUE(window().isShown());
-    EXPECT_EQ(window().alpha(), 0);
-    EXPECT_GT(window().margin, 0);
-}
-
-TEST_F(FloatingPriceControllerTest, WhereThePointerIsHiddenThePanelRestsBelowTheBarAndSaysSoOnce) {
-    const auto topRight = [this] { return Point{window().frame().right(), window().frame().top()}; };
-    desktop.pointer.at.reset();
-    controller.showPanel();
-    EXPECT_EQ(topRight(), (Point{1280, 772}));
-    ticks(1);
-    EXPECT_EQ(desktop.windows.notices.size(), 1U);
-    update(5);
-    EXPECT_EQ(topRight(), (Point{1280, 772})) << "it grows downwards here";
-
-    const int asked = desktop.pointer.asked;
-    machine.advance(60s);
-    EXPECT_EQ(desktop.pointer.asked - asked, 60);
-    EXPECT_EQ(window().alpha(), 1);
-    desktop.statusBar.onScreen = {0, 0, 380, 24};  // dragged to the bottom of the screen
-    machine.advance(1s);
-    EXPECT_EQ(window().frame().y, 28);
-
-    desktop.pointer.at = Point{300, 500};
-    machine.advance(1s);
-    EXPECT_EQ(topLeft(), (Point{328, 472}));
-    follow({301, 500});
-    EXPECT_EQ(topLeft(), (Point{329, 472}));
-    fadeAway();
-    desktop.pointer.at.reset();
-    ticks(1);
-    EXPECT_EQ(window().frame().y, 28);
-    EXPECT_EQ(window().alpha(), 1);
-    desktop.pointer.at = Point{301, 500};  // where it was
-    machine.advance(1s);
-    EXPECT_EQ(window().alpha(), 1);
-    EXPECT_EQ(desktop.windows.notices.size(), 1U) << "once is enough";
 }
 
 }  // namespace

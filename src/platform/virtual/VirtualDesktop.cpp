@@ -64,6 +64,8 @@ void VirtualWindow::setFrameOrigin(const Point& origin) {
 
 void VirtualWindow::orderFront() {
     isShown_ = true;
+    frameWhenShown = frame_;
+    pictureWhenShown = picture;
     ++ordersFront;
 }
 

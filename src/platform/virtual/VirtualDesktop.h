@@ -8,6 +8,7 @@
 #include "platform/Window.h"
 #include "platform/virtual/VirtualGraphics.h"
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <utility>
@@ -58,9 +59,12 @@ class VirtualPointer final : public Pointer {
 public:
     std::optional<Point> position() override {
         ++asked;
-        return at;
+        return isSeen ? at : std::nullopt;
     }
+    bool isSeenEverywhere() const override { return isSeen; }
+
     std::optional<Point> at = Point{};
+    bool isSeen = true;
     int asked = 0;
 };
 
@@ -76,7 +80,7 @@ public:
     void orderFront() override;
     void orderOut() override { isShown_ = false; }
     bool isShown() const override { return isShown_; }
-    double scale() const override { return pixelsPerPoint; }
+    double scale() const override { return scaleAt ? scaleAt(frame_) : pixelsPerPoint; }
     bool isTranslucent() const override { return hasCompositor; }
 
     std::string title;
@@ -86,6 +90,9 @@ public:
     int moves = 0;
     int ordersFront = 0;
     double pixelsPerPoint = 1;
+    std::function<double(const Rect&)> scaleAt;  ///< in place of it, where there are several screens
+    Rect frameWhenShown;                         ///< at the last order to the front
+    ImagePtr pictureWhenShown;
     bool hasCompositor = true;
 
 private:

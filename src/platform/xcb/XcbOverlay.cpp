@@ -21,18 +21,13 @@ std::int32_t coordinate(int value) {
     return std::clamp(value, -32768, 32767);
 }
 
-/// Whether a window that is made or put somewhere hides the whole screen from everybody, as lock screens do.
-bool isLock(const auto& window, const xcb_screen_t& screen) {
-    return window.override_redirect != 0 && window.x <= 0 && window.y <= 0 &&
-           window.x + window.width >= screen.width_in_pixels && window.y + window.height >= screen.height_in_pixels;
-}
-
 }  // namespace
 
 XcbOverlay::XcbOverlay(XcbConnection& connection, RunLoop& loop, std::string_view title)
     : connection_(connection), loop_(loop) {
     chooseVisual();
     makeWindow(title);
+    locks_.emplace(*xcb_get_setup(connection.get()), connection.screen(), window_);
     events_ = connection.onEvent([this](const xcb_generic_event_t& event) { see(event); });
     connection.selectRootEvents(XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY);
 }
@@ -195,17 +190,15 @@ void XcbOverlay::hide() {
 /// A window comes to lie above others when it is made, when it is put there and when it leaves its parent. Lock screens
 /// may lie above this one.
 void XcbOverlay::see(const xcb_generic_event_t& event) {
+    const bool wasLocked = locks_->lowest().has_value();
+    locks_->see(event);
     switch (event.response_type) {
-        case XCB_CREATE_NOTIFY: {
-            const auto& created = reinterpret_cast<const xcb_create_notify_event_t&>(event);
-            if (!isLock(created, connection_.screen())) {
-                stayAbove(created.window);
-            }
+        case XCB_CREATE_NOTIFY:
+            stayAbove(reinterpret_cast<const xcb_create_notify_event_t&>(event).window);
             break;
-        }
         case XCB_CONFIGURE_NOTIFY: {
             const auto& configured = reinterpret_cast<const xcb_configure_notify_event_t&>(event);
-            if (configured.above_sibling == window_ && !isLock(configured, connection_.screen())) {
+            if (configured.above_sibling == window_) {
                 stayAbove(configured.window);
             }
             break;
@@ -217,17 +210,25 @@ void XcbOverlay::see(const xcb_generic_event_t& event) {
             }
             break;
         }
-        case XCB_CIRCULATE_NOTIFY: {
+        case XCB_CIRCULATE_NOTIFY:
             stayAbove(reinterpret_cast<const xcb_circulate_notify_event_t&>(event).window);
             break;
-        }
+        case XCB_MAP_NOTIFY:
+            if (locks_->isLock(reinterpret_cast<const xcb_map_notify_event_t&>(event).window)) {
+                raise();  // as high as it may be now, which is lower than before if the lock had been made before
+                connection_.flush();
+            }
+            break;
         default:
             break;
+    }
+    if (wasLocked && !locks_->lowest()) {
+        stayAbove(XCB_NONE);
     }
 }
 
 void XcbOverlay::stayAbove(xcb_window_t other) {
-    if (!isShown_ || other == window_ || raiseLater_) {
+    if (!isShown_ || other == window_ || locks_->isLock(other) || raiseLater_) {
         return;
     }
     const auto wait = raised_ ? *raised_ + kBetweenRaises - loop_.now() : Duration::zero();
@@ -243,9 +244,14 @@ void XcbOverlay::stayAbove(xcb_window_t other) {
     }
 }
 
+/// Above all but what locks the screen.
 void XcbOverlay::raise() {
+    const auto lock = locks_->lowest();
+    const std::array<std::uint32_t, 2> belowLock{lock.value_or(XCB_NONE), XCB_STACK_MODE_BELOW};
     const std::uint32_t above = XCB_STACK_MODE_ABOVE;
-    xcb_configure_window(connection_.get(), window_, XCB_CONFIG_WINDOW_STACK_MODE, &above);
+    xcb_configure_window(connection_.get(), window_,
+                         lock ? XCB_CONFIG_WINDOW_SIBLING | XCB_CONFIG_WINDOW_STACK_MODE : XCB_CONFIG_WINDOW_STACK_MODE,
+                         lock ? belowLock.data() : &above);
     raised_ = loop_.now();
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/RunLoop.h"
+#include "platform/xcb/LockWindows.h"
 #include "platform/xcb/PixelPoint.h"
 #include "platform/xcb/XcbConnection.h"
 
@@ -8,6 +9,7 @@
 #include <optional>
 #include <span>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace glintar::platform {
@@ -48,7 +50,10 @@ public:
     /// From 0 to 1; for a compositor to heed.
     void setOpacity(double opacity);
 
-    /// Shown on top of all others, and again if it was shown already.
+    /// The frames of the single screens. Below a window that locks one of them, or all, it stays.
+    void setScreens(std::vector<xcb_rectangle_t> screens) { locks_->setScreens(std::move(screens)); }
+
+    /// Shown on top of all others but locks, and again if it was shown already.
     void show();
     void hide();
     [[nodiscard]] bool isShown() const { return isShown_; }
@@ -73,6 +78,7 @@ private:
     bool isShown_ = false;
     bool isShaped_ = false;
     std::vector<xcb_rectangle_t> shape_;
+    std::optional<LockWindows> locks_;  // from the start on
     std::optional<Instant> raised_;
     TimerHandle raiseLater_;
     Listening events_;

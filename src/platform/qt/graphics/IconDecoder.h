@@ -9,7 +9,7 @@
 namespace glintar::platform {
 
 /// The longer side of what `decodeIcon` gives, in pixels: icons are shown at 18 points, at ratio 3 with room to spare.
-inline constexpr int kLargestIcon = 128;
+inline constexpr int kLargestIcon = 64;
 
 /// Reads an icon that came from somewhere we do not trust: PNG, JPEG, GIF (its first picture), BMP, ICO (its largest)
 /// or WebP, recognised by its first bytes and never anything else. More than 4,096 pixels a side are refused before

@@ -9,7 +9,11 @@ namespace glintar::platform {
 QtOverlay::QtOverlay(const Surroundings& surroundings, std::string_view title)
     : around_(surroundings), overlay_(surroundings.connection, surroundings.loop, title), told_(look()) {
     compositorChanges_ = around_.compositor.onChange([this] { surroundingsChanged(); });
-    screenChanges_ = around_.screens.onChange([this] { surroundingsChanged(); });
+    screenChanges_ = around_.screens.onChange([this] {
+        overlay_.setScreens(around_.screens.map().pixelFrames());
+        surroundingsChanged();
+    });
+    overlay_.setScreens(around_.screens.map().pixelFrames());
 }
 
 void QtOverlay::setPicture(ImagePtr picture, double margin) {
@@ -39,6 +43,9 @@ void QtOverlay::setFrameOrigin(const Point& origin) {
 
 void QtOverlay::setAlpha(double alpha) {
     if (alpha != alpha_) {
+        if (alpha_ <= 0 && drawing_) {
+            draw();  // what becomes visible is up to date
+        }
         alpha_ = alpha;
         overlay_.setOpacity(alpha);
         showOrHide();

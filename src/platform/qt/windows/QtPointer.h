@@ -14,6 +14,7 @@ public:
     QtPointer(XcbConnection& connection, const QtScreens& screens);
 
     std::optional<Point> position() override;
+    bool isSeenEverywhere() const override { return isSeenEverywhere_; }
 
 private:
     const QtScreens& screens_;

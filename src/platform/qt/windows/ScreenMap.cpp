@@ -32,6 +32,12 @@ const ScreenMap::Screen& nearestInPixels(const std::vector<ScreenMap::Screen>& s
     });
 }
 
+/// As far as the X server counts, whatever the points are.
+int pixelOf(double value) {
+    constexpr double kFarthest = 32767;
+    return std::isnan(value) ? 0 : static_cast<int>(std::lround(std::clamp(value, -kFarthest, kFarthest)));
+}
+
 }  // namespace
 
 ScreenMap::ScreenMap(std::vector<Screen> screens) : screens_(std::move(screens)) {
@@ -51,12 +57,26 @@ Point ScreenMap::toPoints(PixelPoint pixel) const {
 PixelPoint ScreenMap::toPixels(const Point& point) const {
     const Point place = fromTopLeft(point);
     const Screen& screen = nearestInPoints(screens_, place);
-    return {static_cast<int>(std::lround(screen.topLeft.x + (place.x - screen.topLeft.x) * screen.scale)),
-            static_cast<int>(std::lround(screen.topLeft.y + (place.y - screen.topLeft.y) * screen.scale))};
+    return {pixelOf(screen.topLeft.x + (place.x - screen.topLeft.x) * screen.scale),
+            pixelOf(screen.topLeft.y + (place.y - screen.topLeft.y) * screen.scale)};
 }
 
 double ScreenMap::scaleAt(const Point& point) const {
     return nearestInPoints(screens_, fromTopLeft(point)).scale;
+}
+
+std::vector<xcb_rectangle_t> ScreenMap::pixelFrames() const {
+    std::vector<xcb_rectangle_t> frames;
+    for (const Screen& screen : screens_) {
+        const auto pixels = [&](double points) {
+            const double atLeast = screen.scale == 1 ? points : std::floor((points - 0.5) * screen.scale);
+            return static_cast<std::uint16_t>(std::max(0, pixelOf(atLeast)));
+        };
+        frames.push_back({static_cast<std::int16_t>(pixelOf(screen.topLeft.x)),
+                          static_cast<std::int16_t>(pixelOf(screen.topLeft.y)), pixels(screen.size.width),
+                          pixels(screen.size.height)});
+    }
+    return frames;
 }
 
 Point ScreenMap::fromTopLeft(const Point& point) const {

@@ -3,6 +3,8 @@
 #include "platform/Geometry.h"
 #include "platform/xcb/PixelPoint.h"
 
+#include <xcb/xproto.h>
+
 #include <vector>
 
 namespace glintar::platform {
@@ -29,6 +31,9 @@ public:
 
     /// Pixels to a point where that point is.
     [[nodiscard]] double scaleAt(const Point& point) const;
+
+    /// What every screen has at least: Qt has rounded their sizes to whole points.
+    [[nodiscard]] std::vector<xcb_rectangle_t> pixelFrames() const;
 
     bool operator==(const ScreenMap&) const = default;
 

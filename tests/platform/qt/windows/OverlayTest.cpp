@@ -71,6 +71,12 @@ TEST_F(WindowsDesktop, ThePanelFollowsACompositorThatComesAndGoes) {
     EXPECT_TRUE(panel->isTranslucent());
     panel->setAlpha(0.6);
     EXPECT_TRUE(comesToShow(302, 202, {255, 102, 102}));
+    {
+        const OtherWindow lock(OtherWindow::Kind::Unmanaged, kBlack, {0, 0, 1280, 800});
+        const OtherWindow prompt(OtherWindow::Kind::Unmanaged, kYellow, {500, 300, 100, 100});
+        runLoop(300);
+        EXPECT_EQ(display.pixel(302, 202), kBlack) << "what the compositor paints on is not what locks";
+    }
     panel->setAlpha(1);
     EXPECT_TRUE(comesToShow(298, 198, {204, 204, 204}));
 
@@ -119,22 +125,31 @@ TEST_F(WindowsDesktop, ThePanelTakesTheScaleOfTheScreenItIsOn) {
 TEST_F(WindowsDesktop, ThePanelLeavesALockedScreenLockedAndQuarrelsWithNobody) {
     const auto panel = showPanel(300, 200);
     EXPECT_TRUE(comesToShow(302, 202, kRed));
+    const xcb_rectangle_t everything{0, 0, 1280, 800};
     {
-        const OtherWindow lock(OtherWindow::Kind::Unmanaged, kBlack, {0, 0, 1280, 800});
-        const OtherWindow prompt(OtherWindow::Kind::Unmanaged, kYellow, {500, 300, 100, 100});
+        auto lock = std::make_unique<OtherWindow>(OtherWindow::Kind::Unmanaged, kBlack, everything);
+        const OtherWindow prompt(OtherWindow::Kind::Unmanaged, kYellow, {320, 190, 100, 100});
         runLoop(300);
         EXPECT_EQ(display.pixel(302, 202), kBlack);
         panel->orderOut();
         panel->orderFront();
         runLoop(300);
         EXPECT_EQ(display.pixel(302, 202), kBlack) << "nor may it come back above it";
+
+        lock->hide();
+        EXPECT_TRUE(comesToShow(302, 202, kRed));
+        EXPECT_TRUE(comesToShow(322, 202, kRed)) << "it makes up for what it could not cover";
+        panel->orderFront();
+        lock->show();  // as it lies, which is beneath
+        EXPECT_TRUE(comesToShow(302, 202, kBlack));
+        lock.reset();
+        EXPECT_TRUE(comesToShow(302, 202, kRed));
     }
-    EXPECT_TRUE(comesToShow(302, 202, kRed));
     {
-        const OtherWindow lock(OtherWindow::Kind::Unmanaged, kBlack, {0, 0, 1280, 800});
-        lock.lower();
+        const OtherWindow wallpaper(OtherWindow::Kind::Unmanaged, kBlack, everything);
+        wallpaper.lower();
         const OtherWindow menu(OtherWindow::Kind::Unmanaged, kYellow, {250, 190, 100, 100});
-        EXPECT_TRUE(comesToShow(302, 202, kRed)) << "a wallpaper locks nothing";
+        EXPECT_TRUE(comesToShow(302, 202, kRed)) << "what lies at the bottom locks nothing";
     }
     int raised = 0;
     const auto rival = XcbConnection::open();

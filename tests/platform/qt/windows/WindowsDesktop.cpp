@@ -92,6 +92,16 @@ bool OtherWindow::wasPressed() {
     return pressed;
 }
 
+void OtherWindow::hide() const {
+    xcb_unmap_window(connection_->get(), window_);
+    connection_->flush();
+}
+
+void OtherWindow::show() const {
+    xcb_map_window(connection_->get(), window_);
+    connection_->flush();
+}
+
 void OtherWindow::lower() const {
     const std::uint32_t below = XCB_STACK_MODE_BELOW;
     xcb_configure_window(connection_->get(), window_, XCB_CONFIG_WINDOW_STACK_MODE, &below);

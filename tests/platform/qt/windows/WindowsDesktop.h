@@ -35,6 +35,8 @@ public:
     /// Whether a button was pressed over it since the last question.
     [[nodiscard]] bool wasPressed();
 
+    void hide() const;
+    void show() const;
     /// Below all others.
     void lower() const;
 

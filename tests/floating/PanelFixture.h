@@ -1,0 +1,48 @@
+#pragma once
+
+#include "config/Settings.h"
+#include "floating/FloatingPriceController.h"
+#include "menubar/RefreshState.h"
+#include "menubar/StatusBarController.h"
+#include "platform/virtual/VirtualDesktop.h"
+#include "platform/virtual/VirtualPlatform.h"
+#include "support/Market.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+
+namespace glintar::floating {
+
+using namespace std::chrono_literals;
+using platform::Point;
+using platform::Rect;
+
+/// A panel on a desktop in memory.
+class PanelFixture : public testing::Test {
+protected:
+    platform::VirtualWindow& window() { return *desktop.windows.overlays.at(0); }
+    void ticks(int count) { machine.advance(count * 20ms); }
+    void follow(Point pointer) {
+        desktop.pointer.at = pointer;
+        ticks(1);
+    }
+    void fadeAway() { ticks(520); }
+    void update(int coins, platform::Duration until = 60s) {
+        std::vector<config::Coin> list;
+        market::MarketDataMap quotes;
+        for (int i = 0; i < coins; ++i) {
+            list.push_back(test::coin("BTC", fmt::format("coin{}", i)));
+            quotes[list.back().apiId].price = 7;
+        }
+        controller.updateData(list, quotes, std::nullopt, machine.runLoop.now() + until);
+    }
+    void settingsChanged() { machine.notifications.post(menubar::kDisplaySettingsChanged); }
+    Point topLeft() { return {window().frame().x, window().frame().top()}; }
+
+    platform::VirtualPlatform machine;
+    platform::VirtualDesktop desktop{machine.notifications};
+    FloatingPriceController controller{machine.platform(), desktop.desktop()};
+};
+
+}  // namespace glintar::floating

@@ -1,0 +1,138 @@
+#include "PanelFixture.h"
+
+namespace glintar::floating {
+namespace {
+
+using PanelPlacesTest = PanelFixture;
+
+TEST_F(PanelPlacesTest, WithoutACompositorAFadedPanelLeavesTheScreen) {
+    controller.showPanel();
+    window().hasCompositor = false;
+    window().onSurroundingsChanged();
+    EXPECT_EQ(window().margin, 0);
+    follow({10, 10});
+    fadeAway();
+    EXPECT_FALSE(window().isShown());
+    controller.showPanel();
+    EXPECT_FALSE(window().isShown());
+    follow({20, 20});
+    EXPECT_TRUE(window().isShown());
+
+    fadeAway();
+    window().hasCompositor = true;  // one starts
+    window().onSurroundingsChanged();
+    EXPECT_TRUE(window().isShown());
+    EXPECT_EQ(window().alpha(), 0);
+    follow({30, 20});
+    EXPECT_GT(window().margin, 0);
+}
+
+TEST_F(PanelPlacesTest, WhereThePointerIsHiddenThePanelRestsBelowTheBarAndSaysSoOnce) {
+    const auto topRight = [this] { return Point{window().frame().right(), window().frame().top()}; };
+    desktop.pointer.isSeen = false;
+    controller.showPanel();
+    EXPECT_EQ(topRight(), (Point{1280, 772}));
+    EXPECT_EQ(desktop.windows.notices.size(), 1U);
+    update(5);
+    EXPECT_EQ(topRight(), (Point{1280, 772})) << "it grows downwards here";
+
+    const int moves = window().moves;
+    machine.advance(60s);
+    EXPECT_EQ(window().alpha(), 1) << "there is no stillness to fade for";
+    EXPECT_EQ(window().moves, moves);
+    const double width = window().frame().width;
+    for (const auto& [bar, place] :
+         {std::pair{Rect{900, 0, 380, 24}, Point{1280 - width, 28}},    // bottom right
+          std::pair{Rect{0, 0, width - 9, 24}, Point{0, 28}},           // bottom left
+          std::pair{Rect{3, 0, width - 9, 24}, Point{0, 28}},           //
+          std::pair{Rect{-800, 0, width - 9, 24}, Point{-800, 28}}}) {  // of the screen beside
+        desktop.statusBar.onScreen = bar;
+        machine.advance(1s);
+        EXPECT_EQ(window().frame().origin(), place);
+    }
+
+    controller.hidePanel();
+    controller.showPanel();
+    EXPECT_EQ(desktop.windows.notices.size(), 1U) << "once is enough";
+}
+
+TEST_F(PanelPlacesTest, APointerThatIsOutOfSightForAWhileChangesNothing) {
+    controller.showPanel();
+    follow({300, 200});
+    const Rect frame = window().frame();
+    desktop.pointer.at.reset();
+    machine.advance(60s);
+    EXPECT_EQ(window().frame(), frame);
+    EXPECT_EQ(window().alpha(), 1);
+    EXPECT_TRUE(desktop.windows.notices.empty());
+    follow({301, 200});
+    EXPECT_EQ(topLeft(), (Point{329, 172})) << "it follows at once";
+}
+
+TEST_F(PanelPlacesTest, WhatBecomesVisibleIsUpToDateBeforeItIsSeen) {
+    controller.showPanel();
+    update(1);
+    follow({300, 200});
+    controller.hidePanel();
+    int drawings = desktop.graphics.drawings;
+    update(5);
+    desktop.pointer.at = Point{900, 700};
+    EXPECT_EQ(desktop.graphics.drawings, drawings) << "nobody sees it";
+    controller.showPanel();
+    EXPECT_NE(desktop.graphics.drawings, drawings);
+    EXPECT_EQ(window().pictureWhenShown, window().picture);
+    EXPECT_EQ(window().frameWhenShown, window().frame());
+    EXPECT_EQ(topLeft(), (Point{928, 672}));
+
+    ticks(1);
+    fadeAway();
+    window().hasCompositor = false;
+    window().onSurroundingsChanged();
+    drawings = desktop.graphics.drawings;
+    update(2);
+    EXPECT_EQ(desktop.graphics.drawings, drawings);
+    follow({300, 200});
+    EXPECT_TRUE(window().isShown());
+    EXPECT_EQ(window().pictureWhenShown, window().picture);
+    EXPECT_EQ(topLeft(), (Point{328, 172}));
+}
+
+TEST_F(PanelPlacesTest, BetweenTwoScreensItComesToRest) {
+    controller.showPanel();
+    update(1);
+    follow({300, 200});
+    const double tall = window().frame().height;
+    window().pixelsPerPoint = 2;
+    window().onSurroundingsChanged();
+    const double low = window().frame().height;
+    ASSERT_LT(low, tall) << "half pixels let it fit more closely";
+    window().pixelsPerPoint = 1;
+    window().onSurroundingsChanged();
+
+    const double edge = topLeft().y - (tall - low) / 2;  // of a screen with twice the pixels, above
+    window().scaleAt = [edge](const Rect& frame) { return frame.top() > edge ? 2 : 1; };
+    double told = 1;
+    int changes = 0;
+    for (; told != window().scale() && changes < 10; ++changes) {
+        told = window().scale();
+        window().onSurroundingsChanged();
+    }
+    EXPECT_EQ(changes, 1);
+}
+
+TEST_F(PanelPlacesTest, WhatWasSavedBeforeTheStartCounts) {
+    machine.preferences.setBoolean(config::kFloatTransparent, true);
+    machine.preferences.setReal(config::kFloatOffset, 100);
+    FloatingPriceController later(machine.platform(), desktop.desktop());
+    later.showPanel();
+    EXPECT_EQ(window().title, "Glintar panel") << "window rules go by it";
+    follow({300, 200});
+    EXPECT_EQ(topLeft(), (Point{412, 88}));
+    const auto& base = *platform::drawn(window().picture).operations.at(0).image;
+    EXPECT_TRUE(std::ranges::none_of(base.all(platform::Drawn::Kind::Fill), [](const auto& fill) {
+        return fill.frame.height > 20;
+    })) << "without its plate";
+}
+
+}  // namespace
+}  // namespace glintar::floating
