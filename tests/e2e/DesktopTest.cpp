@@ -213,6 +213,12 @@ TEST_P(PanelsTest, ItFollowsThePointerAboveOtherWindowsAndLetsClicksThrough) {
 
     portal.type("dark\n");
     EXPECT_TRUE(eventually([&] { return brightness(300, 200) < 60; }));
+    display->paintForeground({255, 255, 255});
+    ASSERT_TRUE(eventually([&] { return display->pixel(250, 250) == Pixel{255, 255, 255}; }));
+    EXPECT_TRUE(eventually([&] { return brightness(300, 200) < 60; })) << "it is covered";
+    display->clearForeground();
+
+    ASSERT_TRUE(eventually([&] { return display->pixel(250, 250) == Pixel{0, 0, 0}; }));
     Program other({"xev", "-geometry", "700x600+100+100", "-event", "button"}, environment());
     ASSERT_TRUE(eventually([&] { return display->pixel(250, 250) == Pixel{255, 255, 255}; }));
     EXPECT_TRUE(eventually([&] { return brightness(300, 200) < 60; })) << "it is covered";

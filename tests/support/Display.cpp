@@ -204,6 +204,7 @@ Display::Display(const std::string& screen, Bus bus) {
 
 Display::~Display() {
     background_.reset();
+    foreground_.reset();
     for (Child* const child : {&panel_, &tray_, &compositor_, &manager_, &server_, &bus_}) {
         child->stop();
     }
@@ -305,23 +306,35 @@ void Display::unsplit() {
     outputOf({"xrandr", "--delmonitor", "LEFT"});
 }
 
-void Display::paintBackground(Pixel color) {
-    background_ = connect();
-    xcb_connection_t* const xcb = background_->get();
+std::unique_ptr<XcbConnection> Display::paint(Pixel color, std::uint32_t stackMode) const {
+    auto connection = connect();
+    xcb_connection_t* const xcb = connection->get();
     const auto window = xcb_generate_id(xcb);
     const std::array<std::uint32_t, 2> values{static_cast<std::uint32_t>(color[0] << 16 | color[1] << 8 | color[2]), 1};
-    xcb_create_window(xcb, XCB_COPY_FROM_PARENT, window, background_->screen().root, 0, 0,
+    xcb_create_window(xcb, XCB_COPY_FROM_PARENT, window, connection->screen().root, 0, 0,
                       static_cast<std::uint16_t>(width_), static_cast<std::uint16_t>(height_), 0,
                       XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, XCB_CW_BACK_PIXEL | XCB_CW_OVERRIDE_REDIRECT,
                       values.data());
-    constexpr std::uint32_t kBelow = XCB_STACK_MODE_BELOW;
-    xcb_configure_window(xcb, window, XCB_CONFIG_WINDOW_STACK_MODE, &kBelow);
+    xcb_configure_window(xcb, window, XCB_CONFIG_WINDOW_STACK_MODE, &stackMode);
     xcb_map_window(xcb, window);
-    background_->flush();
+    connection->flush();
+    return connection;
+}
+
+void Display::paintBackground(Pixel color) {
+    background_ = paint(color, XCB_STACK_MODE_BELOW);
 }
 
 void Display::clearBackground() {
     background_.reset();
+}
+
+void Display::paintForeground(Pixel color) {
+    foreground_ = paint(color, XCB_STACK_MODE_ABOVE);
+}
+
+void Display::clearForeground() {
+    foreground_.reset();
 }
 
 std::vector<Pixel> Display::pixels(int x, int y, int width, int height) const {
