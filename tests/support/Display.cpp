@@ -204,7 +204,6 @@ Display::Display(const std::string& screen, Bus bus) {
 
 Display::~Display() {
     background_.reset();
-    foreground_.reset();
     for (Child* const child : {&panel_, &tray_, &compositor_, &manager_, &server_, &bus_}) {
         child->stop();
     }
@@ -306,7 +305,7 @@ void Display::unsplit() {
     outputOf({"xrandr", "--delmonitor", "LEFT"});
 }
 
-std::unique_ptr<XcbConnection> Display::paint(Pixel color, std::uint32_t stackMode) const {
+void Display::paintBackground(Pixel color) {
     auto connection = connect();
     xcb_connection_t* const xcb = connection->get();
     const auto window = xcb_generate_id(xcb);
@@ -315,33 +314,22 @@ std::unique_ptr<XcbConnection> Display::paint(Pixel color, std::uint32_t stackMo
                       static_cast<std::uint16_t>(width_), static_cast<std::uint16_t>(height_), 0,
                       XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, XCB_CW_BACK_PIXEL | XCB_CW_OVERRIDE_REDIRECT,
                       values.data());
-    xcb_configure_window(xcb, window, XCB_CONFIG_WINDOW_STACK_MODE, &stackMode);
+    const std::uint32_t below = XCB_STACK_MODE_BELOW;
+    xcb_configure_window(xcb, window, XCB_CONFIG_WINDOW_STACK_MODE, &below);
     xcb_map_window(xcb, window);
     connection->flush();
-    return connection;
-}
-
-void Display::paintBackground(Pixel color) {
-    background_ = paint(color, XCB_STACK_MODE_BELOW);
+    background_ = std::move(connection);
 }
 
 void Display::clearBackground() {
     background_.reset();
 }
 
-void Display::paintForeground(Pixel color) {
-    foreground_ = paint(color, XCB_STACK_MODE_ABOVE);
-}
-
-void Display::clearForeground() {
-    foreground_.reset();
-}
-
 std::vector<Pixel> Display::pixels(int x, int y, int width, int height) const {
     const auto connection = connect();
     const auto asked = xcb_get_image(connection->get(), XCB_IMAGE_FORMAT_Z_PIXMAP, connection->screen().root,
                                      static_cast<std::int16_t>(x), static_cast<std::int16_t>(y),
-                                     static_cast<std::uint16_t>(width), static_cast<std::uint16_t>(height), ~0U);
+                                     static_cast<std::uint16_t>(width_), static_cast<std::uint16_t>(height), ~0U);
     const XcbOwned<xcb_get_image_reply_t> image(xcb_get_image_reply(connection->get(), asked, nullptr));
     if (!image) {
         throw std::runtime_error("not on the screen");

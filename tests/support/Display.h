@@ -76,9 +76,6 @@ public:
     /// nothing.)
     void paintBackground(Pixel color);
     void clearBackground();
-    /// Puts a window of that colour in front of all there are, past the window manager as menus do.
-    void paintForeground(Pixel color);
-    void clearForeground();
 
     /// What somebody in front of the screen sees, row by row.
     [[nodiscard]] std::vector<Pixel> pixels(int x, int y, int width, int height) const;
@@ -102,9 +99,7 @@ private:
     std::string busAddress_;
     int width_ = 0;
     int height_ = 0;
-    std::unique_ptr<platform::XcbConnection> paint(Pixel color, std::uint32_t stackMode) const;
-
-    std::unique_ptr<platform::XcbConnection> background_, foreground_;
+    std::unique_ptr<platform::XcbConnection> background_;
     Child bus_, server_, manager_, compositor_, tray_, panel_;
 };
 
