@@ -329,7 +329,7 @@ std::vector<Pixel> Display::pixels(int x, int y, int width, int height) const {
     const auto connection = connect();
     const auto asked = xcb_get_image(connection->get(), XCB_IMAGE_FORMAT_Z_PIXMAP, connection->screen().root,
                                      static_cast<std::int16_t>(x), static_cast<std::int16_t>(y),
-                                     static_cast<std::uint16_t>(width_), static_cast<std::uint16_t>(height), ~0U);
+                                     static_cast<std::uint16_t>(width), static_cast<std::uint16_t>(height), ~0U);
     const XcbOwned<xcb_get_image_reply_t> image(xcb_get_image_reply(connection->get(), asked, nullptr));
     if (!image) {
         throw std::runtime_error("not on the screen");
