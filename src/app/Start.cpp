@@ -21,6 +21,25 @@ int say(std::string_view text) {
     return platform::writeAll(STDOUT_FILENO, text) == 0 ? 0 : kFailed;
 }
 
+/// None when it could not be started, which has been said.
+std::optional<demo::DemoSession> startDemo() {
+    const auto market = platform::InstalledBundle::program("glintar-demo-market");
+    auto session = market ? demo::DemoSession::start(*market)
+                          : std::unexpected(std::string("glintar-demo-market is not installed"));
+    if (!session) {
+        platform::complain(fmt::format("glintar: {}\n", session.error()));
+        return std::nullopt;
+    }
+    for (const auto& [name, path] :
+         {std::pair{"XDG_CONFIG_HOME", session->configHome()}, std::pair{"XDG_DATA_HOME", session->dataHome()},
+          std::pair{"XDG_CACHE_HOME", session->cacheHome()}}) {
+        ::setenv(name, path.c_str(), 1);
+    }
+    platform::complain(
+        fmt::format("glintar: simulated market on {}; none of these prices is real\n", session->address()));
+    return *std::move(session);
+}
+
 }  // namespace
 
 std::optional<std::string_view> environment(const char* name) {
@@ -49,27 +68,17 @@ std::expected<Start, int> readStart(int argc, char** argv) {
     return Start{*arguments, *std::move(server)};
 }
 
-std::optional<demo::DemoSession> startDemo() {
-    const auto market = platform::InstalledBundle::program("glintar-demo-market");
-    auto session = market ? demo::DemoSession::start(*market)
-                          : std::unexpected(std::string("glintar-demo-market is not installed"));
-    if (!session) {
-        platform::complain(fmt::format("glintar: {}\n", session.error()));
-        return std::nullopt;
-    }
-    for (const auto& [name, path] :
-         {std::pair{"XDG_CONFIG_HOME", session->configHome()}, std::pair{"XDG_DATA_HOME", session->dataHome()},
-          std::pair{"XDG_CACHE_HOME", session->cacheHome()}}) {
-        ::setenv(name, path.c_str(), 1);
-    }
-    platform::complain(
-        fmt::format("glintar: simulated market on {}; none of these prices is real\n", session->address()));
-    return *std::move(session);
-}
-
-void tuneHeap() {
+std::expected<std::optional<demo::DemoSession>, int> prepareProcess(const Arguments& arguments) {
     // Answers are parsed on one thread; a heap for each would only hold on to memory.
     ::mallopt(M_ARENA_MAX, 1);
+    std::optional<demo::DemoSession> session;
+    if (arguments.demo) {
+        session = startDemo();
+        if (!session) {
+            return std::unexpected(kFailed);
+        }
+    }
+    return session;
 }
 
 }  // namespace glintar::app

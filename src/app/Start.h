@@ -28,10 +28,9 @@ struct Start {
 /// A variable of the environment; none when it is empty.
 [[nodiscard]] std::optional<std::string_view> environment(const char* name);
 
-/// Starts the simulated market and turns this process to its profile. None when that failed, which has been said.
-[[nodiscard]] std::optional<demo::DemoSession> startDemo();
-
-/// Prepares the heap. Before the first thread.
-void tuneHeap();
+/// Prepares the process, before its first thread: the heap, and for a demonstration the simulated market, to whose
+/// profile the process is turned and which ends with what is returned. The error is the status to end with; why has
+/// been said.
+[[nodiscard]] std::expected<std::optional<demo::DemoSession>, int> prepareProcess(const Arguments& arguments);
 
 }  // namespace glintar::app

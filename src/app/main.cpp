@@ -8,7 +8,6 @@
 #include <fmt/format.h>
 
 #include <cstdlib>
-#include <optional>
 
 int main(int argc, char** argv) {
     using namespace glintar;
@@ -25,13 +24,9 @@ int main(int argc, char** argv) {
         platform::complain(fmt::format("glintar: {}\n", *problem));
         return app::kFailed;
     }
-    app::tuneHeap();
-    std::optional<demo::DemoSession> session;
-    if (start->arguments.demo) {
-        session = app::startDemo();
-        if (!session) {
-            return app::kFailed;
-        }
+    const auto session = app::prepareProcess(start->arguments);
+    if (!session) {
+        return session.error();
     }
     platform::DesktopPlatform machine(argc, argv,
                                       {.configServer = start->configServer, .looksUpSecrets = !start->arguments.demo});

@@ -59,13 +59,9 @@ int main(int argc, char** argv) {
         platform::complain(
             fmt::format("glintar: {}; showing the prices in this terminal (glintar line)\n", becomeDesktop(argv)));
     }
-    app::tuneHeap();
-    std::optional<demo::DemoSession> session;
-    if (start->arguments.demo) {
-        session = app::startDemo();
-        if (!session) {
-            return app::kFailed;
-        }
+    const auto session = app::prepareProcess(start->arguments);
+    if (!session) {
+        return session.error();
     }
     return runLine(argc, argv, *start);
 }
