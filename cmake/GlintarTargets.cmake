@@ -20,7 +20,7 @@ endif()
 add_library(glintar_options INTERFACE)
 target_include_directories(glintar_options INTERFACE ${PROJECT_SOURCE_DIR}/src)
 target_compile_options(glintar_options INTERFACE
-    -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wconversion -Wno-sign-conversion -Wno-missing-field-initializers
+    -pthread -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wconversion -Wno-sign-conversion -Wno-missing-field-initializers
     $<$<BOOL:${GLINTAR_WERROR}>:-Werror>
     $<$<AND:$<BOOL:${GLINTAR_CCACHE}>,$<CXX_COMPILER_ID:GNU>>:-fpch-preprocess>)
 if(GLINTAR_SANITIZE)
@@ -32,19 +32,32 @@ if(GLINTAR_SANITIZE)
     target_link_options(glintar_options INTERFACE -fsanitize=${GLINTAR_SANITIZE})
 endif()
 
+# Headers that most files read, compiled once for the libraries and once, with GoogleTest's, for the tests: each copy takes
+# 100 MB and more, so that one for every target would fill a disk. All that use one are compiled as position-independent
+# code, which GCC asks of them.
 set(GLINTAR_PCH_HEADERS <algorithm> <chrono> <expected> <filesystem> <functional> <map> <memory> <mutex> <optional>
     <span> <string> <string_view> <unordered_map> <utility> <variant> <vector>)
 
-function(_glintar_pch target)
-    target_precompile_headers(${target} PRIVATE ${GLINTAR_PCH_HEADERS} ${ARGN})
+# _glintar_pch_owner(NAME HEADERS ... [LIBRARIES targets...])
+function(_glintar_pch_owner name)
+    cmake_parse_arguments(arg "" "" "HEADERS;LIBRARIES" ${ARGN})
+    file(WRITE ${CMAKE_BINARY_DIR}/pch/${name}.cpp "")
+    add_library(${name} OBJECT ${CMAKE_BINARY_DIR}/pch/${name}.cpp)
+    target_link_libraries(${name} PRIVATE glintar_options ${arg_LIBRARIES})
+    target_precompile_headers(${name} PRIVATE ${arg_HEADERS})
 endfunction()
+_glintar_pch_owner(glintar_headers HEADERS ${GLINTAR_PCH_HEADERS})
+if(GLINTAR_TESTS)
+    _glintar_pch_owner(glintar_test_headers
+        HEADERS ${GLINTAR_PCH_HEADERS} <gmock/gmock.h> <gtest/gtest.h> LIBRARIES GTest::gmock)
+endif()
 
 # glintar_library(NAME SOURCES ... [PUBLIC targets...] [PRIVATE targets...])
 function(glintar_library name)
     cmake_parse_arguments(arg "" "" "SOURCES;PUBLIC;PRIVATE" ${ARGN})
     add_library(glintar_${name} STATIC ${arg_SOURCES})
     target_link_libraries(glintar_${name} PUBLIC glintar_options ${arg_PUBLIC} PRIVATE ${arg_PRIVATE})
-    _glintar_pch(glintar_${name})
+    target_precompile_headers(glintar_${name} REUSE_FROM glintar_headers)
 endfunction()
 
 # glintar_test(NAME SOURCES ... [LIBRARIES targets...] [LABELS ...] [COMMAND wrapper...] [DEFINITIONS ...])
@@ -57,7 +70,8 @@ function(glintar_test name)
     target_compile_definitions(${name}_test PRIVATE
         GLINTAR_TEST_DATA="${PROJECT_SOURCE_DIR}/tests/data" GLINTAR_RESOURCES="${PROJECT_SOURCE_DIR}/src/resources"
         ${arg_DEFINITIONS})
-    _glintar_pch(${name}_test <gmock/gmock.h> <gtest/gtest.h>)
+    target_compile_options(${name}_test PRIVATE -fPIC)
+    target_precompile_headers(${name}_test REUSE_FROM glintar_test_headers)
     add_test(NAME ${name} COMMAND ${arg_COMMAND} $<TARGET_FILE:${name}_test>)
     if(NOT arg_LABELS)
         set(arg_LABELS unit)
