@@ -27,9 +27,12 @@ void AppDelegate::applicationDidFinishLaunching() {
     surface_.emplace(platform_, desktop_,
                      DesktopSurface::Requests{.redisplay = [this] { redisplay(); }, .quit = [this] { quitApp(); }});
     statusBarController_.emplace(platform_, *surface_, menubar::StatusBarController::Options{});
+    statusBarController_->show();
     // The first look for an API key loads the key ring's code and waits for it: "Loading..." is painted before that.
-    start_ = platform_.runLoop.after(kTimeToPaint, [this] { statusBarController_->start(); });
-    config::CoinListUpdater::shared(platform_).checkForNewVersion();
+    start_ = platform_.runLoop.after(kTimeToPaint, [this] {
+        statusBarController_->start();
+        config::CoinListUpdater::shared(platform_).checkForNewVersion();
+    });
 }
 
 void AppDelegate::applicationWasReopened() {

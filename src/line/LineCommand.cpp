@@ -28,7 +28,7 @@ LineCommand::LineCommand(platform::Platform& platform, platform::TextOutput& out
       once_(arguments.once),
       finish_(std::move(finish)),
       statusBar_(output, barOptions(arguments, output)),
-      controller_(platform, statusBar_, {.displayMode = menubar::DisplayMode::Line}) {
+      controller_(platform, statusBar_, {.displayMode = 0}) {
     output.onClosed = [this](const std::string& failure) {
         if (failure.empty()) {
             interrupt();

@@ -28,6 +28,10 @@ constexpr auto kDebounceWindow = 2s;
 constexpr auto kForcedDelay = 10ms;
 constexpr auto kTimerDelay = 200ms;
 
+DisplayMode displayModeOf(std::int64_t number) {
+    return number == 1 ? DisplayMode::Panel : DisplayMode::Line;
+}
+
 platform::Duration asDuration(platform::Seconds seconds) {
     return std::chrono::duration_cast<platform::Duration>(seconds);
 }
@@ -39,7 +43,7 @@ StatusBarController::StatusBarController(platform::Platform& platform, StatusSur
       surface_(surface),
       options_(options),
       state_(RefreshState::shared(platform)),
-      currentDisplayMode_(readDisplayMode()),
+      currentDisplayMode_(displayModeOf(displayModeNumber())),
       lastGasSource_(platform.preferences.integer(config::kGasSource)),
       lastShowGasFee_(platform.preferences.boolean(config::kShowGasFee)) {
     const auto observe = [&](std::string_view name, void (StatusBarController::*handle)()) {
@@ -55,9 +59,12 @@ StatusBarController::StatusBarController(platform::Platform& platform, StatusSur
 
 StatusBarController::~StatusBarController() = default;
 
+void StatusBarController::show() {
+    surface_.show(currentDisplayMode_);
+}
+
 void StatusBarController::start() {
     restartTimers();
-    surface_.show(currentDisplayMode_);
     firstRefresh_ = platform_.runLoop.after(kStartDelay, [this] { refreshAll(Scope::Everything); });
 }
 
@@ -70,16 +77,15 @@ void StatusBarController::refreshOnce() {
     }
 }
 
-DisplayMode StatusBarController::readDisplayMode() const {
-    const bool isPanel = platform_.preferences.integer(config::kDisplayMode) == 1;
-    return options_.displayMode.value_or(isPanel ? DisplayMode::Panel : DisplayMode::Line);
+std::int64_t StatusBarController::displayModeNumber() const {
+    return options_.displayMode.value_or(platform_.preferences.integer(config::kDisplayMode));
 }
 
 void StatusBarController::onDisplayModeChanged() {
-    currentDisplayMode_ = readDisplayMode();
-    platform_.console.debug(
-        fmt::format("🔄 [System] 模式切换 -> {}", currentDisplayMode_ == DisplayMode::Panel ? 1 : 0));
-    surface_.show(currentDisplayMode_);
+    const auto number = displayModeNumber();
+    currentDisplayMode_ = displayModeOf(number);
+    platform_.console.debug(fmt::format("🔄 [System] 模式切换 -> {}", number));
+    show();
     restartProgress();
     if (cachedMarketData_) {
         redisplayFromCache();
@@ -113,15 +119,24 @@ void StatusBarController::onTimer() {
     checkVisibilityAfter(1s);
 }
 
+bool StatusBarController::showsProgress() const {
+    return currentDisplayMode_ == DisplayMode::Line && surface_.showsProgress();
+}
+
 void StatusBarController::restartProgress() {
     progressTimer_.reset();
-    if (currentDisplayMode_ == DisplayMode::Line && surface_.showsProgress()) {
+    if (showsProgress()) {
         progressTimer_ = platform_.runLoop.after(kProgressInterval, [this] { onProgress(); });
     }
 }
 
-/// A countdown that is seen moves ten times a second at most, and wakes nobody up while it looks the same.
+/// A countdown that is seen moves ten times a second at most, and wakes nobody up while it looks the same. One that is
+/// not seen any more ends, until a line comes that has one.
 void StatusBarController::onProgress() {
+    progressTimer_.reset();
+    if (!showsProgress()) {
+        return;
+    }
     const platform::Seconds remaining = state_.nextFetchTime - platform_.runLoop.now();
     const double elapsed = (state_.currentInterval - remaining) / state_.currentInterval;
     const auto unchanged = surface_.showProgress(
@@ -131,20 +146,25 @@ void StatusBarController::onProgress() {
     progressTimer_ = platform_.runLoop.after(wait, [this] { onProgress(); });
 }
 
-/// The timers stood still while the machine slept, the markets did not.
+/// The timers stood still while the machine slept, the markets did not. The servers have hung up meanwhile, which a
+/// connection learns only when nothing has come for long.
 void StatusBarController::onResumed() {
+    isFetchDoubtful_ = isFetching_;
     if (timer_ && platform_.runLoop.bootNow() >= nextFetchDue_) {
         isFetchStale_ = isFetching_;
+        platform_.http.dropConnections();
         refreshSoon();
     }
-    isFetchDoubtful_ = isFetching_;
 }
 
 void StatusBarController::onNetworkBack() {
+    isFetchDoubtful_ = isFetching_;
+    if (hasFailed_ || !isFetching_) {  // a fetch that may well succeed is left alone
+        platform_.http.dropConnections();
+    }
     if (timer_ && hasFailed_) {
         refreshSoon();
     }
-    isFetchDoubtful_ = isFetching_;
 }
 
 /// A refresh now instead of the next one that was due. Two seconds lie between requests, however often the network

@@ -40,7 +40,7 @@ public:
     enum class Scope { Everything, OnlyGas };
 
     struct Options {
-        std::optional<DisplayMode> displayMode;  ///< whatever the preferences say
+        std::optional<std::int64_t> displayMode;  ///< whatever the preferences say
     };
 
     StatusBarController(platform::Platform& platform, StatusSurface& surface, Options options);
@@ -48,7 +48,10 @@ public:
     StatusBarController& operator=(const StatusBarController&) = delete;
     ~StatusBarController();
 
-    /// Shows the line or the panel and starts the timers; the first refresh comes a second later.
+    /// Shows the line or the panel, without data yet.
+    void show();
+
+    /// Starts the timers; the first refresh comes a second later.
     void start();
 
     /// One refresh now, without timers. Completes at once, with nothing, when there is no coin to ask for.
@@ -70,10 +73,11 @@ public:
 private:
     struct FetchResult;
 
-    DisplayMode readDisplayMode() const;
+    [[nodiscard]] std::int64_t displayModeNumber() const;
     void restartTimers();
     void onTimer();
     void expectNextFetch();
+    [[nodiscard]] bool showsProgress() const;
     void restartProgress();
     void onProgress();
     void onResumed();
@@ -100,7 +104,7 @@ private:
     DisplayMode currentDisplayMode_;
     bool isFetching_ = false;
     bool hasFailed_ = false;        ///< the last fetch
-    bool isFetchStale_ = false;     ///< the next refresh fell due during sleep while it was under way
+    bool isFetchStale_ = false;     ///< it was cut off by a sleep during which the next refresh fell due
     bool isFetchDoubtful_ = false;  ///< the network came back while it was under way
     platform::BootInstant nextFetchDue_;
     std::optional<platform::Instant> lastRequestTime_;

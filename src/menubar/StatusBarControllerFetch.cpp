@@ -110,6 +110,10 @@ bool StatusBarController::isAnsweredByCache(const std::vector<config::Coin>& coi
 
 void StatusBarController::handleFetchCompletion(FetchResult& result) {
     isFetching_ = false;
+    if (isFetchStale_) {
+        refreshSoon();
+        return;
+    }
     if (result.fee) {
         // The fee of a network that has been deselected meanwhile would be shown in the wrong unit.
         const bool isWanted = result.fee->gasSource == platform_.preferences.integer(config::kGasSource);
@@ -123,7 +127,7 @@ void StatusBarController::handleFetchCompletion(FetchResult& result) {
         state_.latestMarketData = *cachedMarketData_;
     }
     hasFailed_ = result.error.has_value();
-    if (isFetchStale_ || (hasFailed_ && isFetchDoubtful_)) {
+    if (hasFailed_ && isFetchDoubtful_) {
         refreshSoon();
     }
     if (currentDisplayMode_ == DisplayMode::Line) {
@@ -149,6 +153,9 @@ void StatusBarController::renderStatusItem(const std::vector<config::Coin>& coin
         tooltip = tooltipText(line.error, !quotes.empty(), isApiKeyInvalid_, line.time);
     }
     surface_.showLine(line, std::move(tooltip));
+    if (timer_ && !progressTimer_) {
+        onProgress();
+    }
 }
 
 void StatusBarController::updatePanel(const std::vector<config::Coin>& coins) {

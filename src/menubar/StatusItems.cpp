@@ -156,11 +156,9 @@ void StatusItems::compose(const Render& render) {
         title.emplace_back(pill(render.gas, plainText(*line.gas)));
     }
     if (title.empty()) {
-        isCollapsed_ = true;
         displayItem_->setLength(platform::StatusItem::Length::Collapsed);
         return;
     }
-    isCollapsed_ = false;
     displayItem_->setLength(platform::StatusItem::Length::Variable);
     displayItem_->setTitle(std::move(title), plainText(line));
     displayItem_->setVisible(true);
@@ -180,7 +178,7 @@ void StatusItems::show() {
     if (!std::exchange(isHidden_, false)) {
         return;  // an empty line stays collapsed
     }
-    if (!isCollapsed_) {
+    if (!isLineEmpty()) {
         displayItem_->setLength(platform::StatusItem::Length::Variable);
     }
     displayItem_->setVisible(true);
@@ -212,6 +210,10 @@ void StatusItems::onLookChanged() {
     } else {
         showLoading();
     }
+}
+
+bool StatusItems::isLineEmpty() const {
+    return wanted_ && wanted_->line.isEmpty();
 }
 
 Look StatusItems::look() const {

@@ -50,6 +50,9 @@ public:
     /// As a click on the icon does.
     void openMenu();
 
+    /// Whether the countdown has a place: not beside an empty line, nor while the line is hidden.
+    [[nodiscard]] bool showsProgress() const { return !isHidden_ && !isLineEmpty(); }
+
     /// Shows how much of the time to the next refresh has passed (`elapsed`, 0 to 1, of `interval`), and tells how long
     /// that stays true to half a pixel: nobody need call before.
     platform::Seconds showProgress(double elapsed, platform::Seconds interval);
@@ -65,6 +68,7 @@ private:
                     const std::string& key, platform::ImagePtr& picture);
     void compose(const Render& render);
     void onLookChanged();
+    [[nodiscard]] bool isLineEmpty() const;
     [[nodiscard]] Look look() const;
     [[nodiscard]] std::shared_ptr<PillPainter> makePainter();
 
@@ -78,7 +82,6 @@ private:
     std::shared_ptr<const Render> wanted_;  ///< the newest line; none before the first
     std::uint64_t generation_ = 0;          ///< of `wanted_`; what is under way for an older one comes to nothing
     bool isHidden_ = false;
-    bool isCollapsed_ = false;  ///< the line is empty
     std::unique_ptr<platform::NotificationCenter::Observation> appearanceObservation_;
     platform::Lifetime lifetime_;  // last member
 };

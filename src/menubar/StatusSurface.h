@@ -46,7 +46,7 @@ public:
     /// A refresh has ended and what it brought has been shown.
     virtual void refreshCompleted() = 0;
 
-    /// Whether the line has a countdown to the next refresh.
+    /// Whether a countdown to the next refresh can be seen. Asked after each line and before each picture of it.
     [[nodiscard]] virtual bool showsProgress() const = 0;
 
     /// Shows the countdown; returns how long it will look the same.

@@ -299,6 +299,7 @@ public:
         });
         return nullptr;
     }
+    void dropConnections() override {}
 
 private:
     std::vector<std::jthread> threads_;

@@ -70,6 +70,7 @@ protected:
     /// Starts the presenter and lets its first refresh pass.
     void begin() {
         make();
+        controller->show();
         controller->start();
         machine.advance(2s);
     }

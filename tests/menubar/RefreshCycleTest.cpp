@@ -165,10 +165,12 @@ TEST_P(PhantomTest, EthereumIsPricedBesideTheCoinsWhenTheFeeNeedsIt) {
 INSTANTIATE_TEST_SUITE_P(Sources, PhantomTest,
                          testing::Values(PhantomCase{"BySourceIdentifier", "coingecko", "bitcoin", 0,
                                                      "ids=bitcoin,ethereum"},
+                                         PhantomCase{"AnyBinanceTakesTheSymbol", "binance_us", "bitcoin", 0, "ETHUSDT"},
                                          PhantomCase{"BinanceTakesTheSymbol", "binance", "bitcoin", 0, "ETHUSDT"},
                                          PhantomCase{"GateTakesTheSymbol", "gate", "bitcoin", 0, "ETH_USDT&id=ETH"},
                                          PhantomCase{"NotBesideEthereumInAnyCase", "coingecko", "ETHUSDT", 0, ""},
-                                         PhantomCase{"NotBesideEth", "gate", "eth_usdt", 0, ""},
+                                         PhantomCase{"NotBesideThePairOfEth", "gate", "eth_usdt", 0, ""},
+                                         PhantomCase{"NotBesideEth", "gate", "eth", 0, ""},
                                          PhantomCase{"NotForBitcoinsFee", "coingecko", "bitcoin", 1, ""},
                                          PhantomCase{"NotForAnotherNumber", "coingecko", "bitcoin", 2, ""}),
                          [](const auto& test) { return test.param.name; });
@@ -191,7 +193,9 @@ TEST_F(RefreshCycleTest, ChangingTheFeeSettingsCostsOneFeeRequestAndNoQuotes) {
     machine.http.answer("gecko.test", test::geckoAnswer({"bitcoin", "ethereum"}, 2500));
     begin();
     showGas(0);
+    surface.dashboard.clear();
     displaySettingsSaved();
+    EXPECT_EQ(surface.dashboard, "Arbitrage Dashboard");
     EXPECT_TRUE(machine.console.printed("⛽️ Gas Fee Enabled -> Fetching"));
     EXPECT_TRUE(machine.console.printed("✅ [Fetch] Cache Hit (All coins found). Skipping network request."));
     EXPECT_EQ(quotesAsked(), 1);
@@ -264,11 +268,15 @@ TEST_F(RefreshCycleTest, ThePanelGetsTheFirstFiveAndTheLineIsHidden) {
     EXPECT_EQ(surface.linesShown, 0);
     EXPECT_THAT(surface.progress, IsEmpty());
 
+    EXPECT_EQ(surface.visibilityChecks, 1) << "what follows the presenter decides whether that means anything";
+
     machine.http.answer("gecko.test", "", 401);
     machine.advance(61s);
     EXPECT_EQ(machine.console.count("🚨 [API]"), 0) << "a rejected key shows only in the line";
     displaySettingsSaved();
     EXPECT_THAT(surface.panels, SizeIs(3));
+    controller->forceFullUpdate();
+    EXPECT_THAT(surface.panels, SizeIs(4)) << "what is known is shown before what is asked";
 }
 
 TEST_F(RefreshCycleTest, TheDisplayModeChangesWhileTheProgramRunsWithoutAskingAgain) {
@@ -288,6 +296,7 @@ TEST_F(RefreshCycleTest, TheDisplayModeChangesWhileTheProgramRunsWithoutAskingAg
     machine.preferences.setInteger("displayMode", 2);
     machine.notifications.post(kDisplayModeChanged);
     EXPECT_EQ(surface.mode, DisplayMode::Line) << "only 1 is the panel";
+    EXPECT_TRUE(machine.console.printed("🔄 [System] 模式切换 -> 2"));
     EXPECT_EQ(surface.linesShown, lines + 1);
     machine.advance(1s);
     EXPECT_GT(surface.progress.size(), ticks);
@@ -320,6 +329,27 @@ TEST_F(RefreshCycleTest, TheCountdownRunsWithTheIntervalAndOnlyWhereItIsSeen) {
     const auto before = surface.progress.size();
     machine.advance(20s);
     EXPECT_LE(surface.progress.size() - before, 5U) << "what looks the same is not drawn again";
+}
+
+TEST_F(RefreshCycleTest, ACountdownThatNothingShowsHasNoTimerUntilALineHasOneAgain) {
+    surface.hasProgress = true;
+    begin();
+    surface.hasProgress = false;  // the line is empty
+    machine.advance(1s);
+    const auto timers = machine.runLoop.pending();
+    const auto shown = surface.progress.size();
+    machine.advance(20s);
+    EXPECT_EQ(surface.progress.size(), shown);
+    surface.hasProgress = true;
+    machine.advance(20s);
+    EXPECT_EQ(surface.progress.size(), shown) << "nothing wakes up to look";
+    EXPECT_EQ(machine.runLoop.pending(), timers);
+
+    controller->redisplayFromCache();
+    EXPECT_EQ(surface.progress.size(), shown + 1) << "with the line, so that no old one is seen beside it";
+    EXPECT_EQ(machine.runLoop.pending(), timers + 1);
+    machine.advance(1s);
+    EXPECT_EQ(surface.progress.size(), shown + 11);
 }
 
 TEST_F(RefreshCycleTest, TheLineIsLookedForAfterEachRefreshAndTick) {

@@ -82,20 +82,44 @@ TEST_F(SleepAndNetworkTest, AnAnswerFromBeforeTheSleepIsNotTheLastWord) {
     EXPECT_EQ(quotesAsked(), asked + 1);
 }
 
-TEST_F(SleepAndNetworkTest, AFetchThatSleepCutInTwoIsMadeAgain) {
+TEST_F(SleepAndNetworkTest, AFetchThatSleepCutInTwoIsMadeAgainWithinTwoSeconds) {
+    showGas(1);
     begin();
-    machine.http.latency = 5s;
-    breakNetwork();
-    machine.advance(60s);  // the next fetch is under way
+    machine.http.latency = 1h;  // a dead connection says nothing
+    machine.advance(60s);       // the next fetch is under way
     const int asked = quotesAsked();
     machine.runLoop.sleep(1h);
-    wake();
-    networkBack();
-    mendNetwork();
-    machine.advance(4s);  // only now does it fail
     machine.http.latency = 10ms;
-    machine.advance(4s);
+    mendNetwork();
+    const int lines = surface.linesShown;
+    wake();
+    machine.advance(2s);
+    EXPECT_EQ(surface.linesShown, lines + 1) << "an error of the program's own making is not shown";
     EXPECT_EQ(quotesAsked(), asked + 1);
+    EXPECT_THAT(shownPrices(), testing::ElementsAre("65000.00"));
+    EXPECT_TRUE(surface.line.gas);
+}
+
+TEST_F(SleepAndNetworkTest, ConnectionsFromBeforeANetworkChangeAreNotUsedAgain) {
+    begin();
+    networkBack();
+    EXPECT_EQ(machine.http.drops, 1);
+    machine.http.latency = 5s;
+    machine.advance(60s);
+    networkBack();
+    EXPECT_EQ(machine.http.drops, 1) << "a fetch that may well succeed is left alone";
+
+    machine.http.latency = 1h;
+    breakNetwork();
+    machine.advance(5s);
+    machine.http.latencies = {10ms};
+    machine.advance(60s);  // it has failed
+    machine.advance(60s);  // the next one hangs
+    mendNetwork();
+    machine.http.latency = 10ms;
+    networkBack();
+    EXPECT_EQ(machine.http.drops, 2);
+    machine.advance(2s);
     EXPECT_THAT(shownPrices(), testing::ElementsAre("65000.00"));
 }
 

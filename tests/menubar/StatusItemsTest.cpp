@@ -102,8 +102,10 @@ TEST_F(StatusItemsTest, AnEmptyLineTakesNoPlace) {
     EXPECT_EQ(display().toolTip, "first");
     items->show();
     EXPECT_EQ(display().length, Length::Collapsed) << "it was not hidden";
+    EXPECT_FALSE(items->showsProgress());
     add("b");
     show("third");
+    EXPECT_TRUE(items->showsProgress()) << "from the first moment";
     settle();
     EXPECT_EQ(display().length, Length::Variable);
     EXPECT_EQ(display().toolTip, "third");
@@ -181,6 +183,7 @@ TEST_F(StatusItemsTest, WhatIsHiddenStaysHidden) {
     items->hide();
     settle();
     EXPECT_FALSE(display().isVisible);
+    EXPECT_FALSE(items->showsProgress());
     EXPECT_EQ(display().length, Length::Collapsed);
     quotes.clear();
     desktop.events.setAppearance(Appearance::Dark);

@@ -20,6 +20,8 @@ inline constexpr std::string_view kConfiguration = R"({"sources":[
    "change_path":"change","high_path":"high","low_path":"low","sparkline_path":"spark.price","header":"x-key"},
   {"id":"binance","name":"Binance","supports_batch":false,"url_template":"https://binance.test/t?symbol={SYMBOL}USDT",
    "response_type":"object","price_path":"lastPrice"},
+  {"id":"binance_us","name":"Binance US","supports_batch":false,
+   "url_template":"https://binance.test/us?symbol={SYMBOL}USDT","response_type":"object","price_path":"lastPrice"},
   {"id":"gate","name":"Gate","supports_batch":false,"url_template":"https://gate.test/t?pair={SYMBOL}_USDT&id={ID}",
    "response_type":"array_first","price_path":"last"},
   {"id":"simple","name":"Simple","supports_batch":true,"batch_separator":"|","batch_param_type":"symbol",

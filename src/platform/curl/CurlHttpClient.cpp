@@ -58,4 +58,8 @@ std::shared_ptr<HttpCall> CurlHttpClient::send(HttpRequest request, HttpCompleti
     return std::make_shared<Call>(inbox_, id);
 }
 
+void CurlHttpClient::dropConnections() {
+    inbox_->dropConnections();
+}
+
 }  // namespace glintar::platform

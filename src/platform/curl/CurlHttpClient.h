@@ -26,6 +26,7 @@ public:
     CurlHttpClient& operator=(const CurlHttpClient&) = delete;
 
     std::shared_ptr<HttpCall> send(HttpRequest request, HttpCompletion completion) override;
+    void dropConnections() override;
 
 private:
     std::shared_ptr<CurlInbox> inbox_;

@@ -20,6 +20,12 @@ void CurlInbox::cancel(std::uint64_t id) {
     wakeLocked();
 }
 
+void CurlInbox::dropConnections() {
+    const std::scoped_lock lock(mutex_);
+    mail_.lastDropped = lastId_;
+    wakeLocked();
+}
+
 void CurlInbox::stop() {
     const std::scoped_lock lock(mutex_);
     mail_.stopping = true;

@@ -18,6 +18,7 @@ public:
     struct Mail {
         std::vector<std::pair<std::uint64_t, std::unique_ptr<CurlExchange>>> added;
         std::vector<std::uint64_t> cancelled;  ///< may name what has ended long ago
+        std::uint64_t lastDropped = 0;  ///< none up to this one may go on, nor any connection; 0: nothing to drop
         bool stopping = false;
     };
 
@@ -26,6 +27,7 @@ public:
 
     std::uint64_t submit(std::unique_ptr<CurlExchange> exchange);
     void cancel(std::uint64_t id);
+    void dropConnections();
     void stop();
 
     /// Everything that came in since the last call, in its order.

@@ -23,6 +23,19 @@ HttpResult cancelled() {
     return std::unexpected(HttpError{HttpError::Kind::Cancelled, curl_easy_strerror(CURLE_ABORTED_BY_CALLBACK)});
 }
 
+HttpResult dropped() {
+    return std::unexpected(HttpError{HttpError::Kind::Connection, "The connection was given up"});
+}
+
+CURLM* newMulti() {
+    CURLM* const multi = curl_multi_init();
+    if (multi == nullptr) {
+        throw std::bad_alloc();
+    }
+    curl_multi_setopt(multi, CURLMOPT_MAXCONNECTS, kKeptConnections);
+    return multi;
+}
+
 /// Never undone: other threads may still be inside a name look-up that curl began.
 void initializeCurl() {
     static const CURLcode code = curl_global_init(CURL_GLOBAL_DEFAULT);
@@ -35,12 +48,11 @@ void initializeCurl() {
 
 CurlLoop::CurlLoop(CurlInbox& inbox) : inbox_(inbox) {
     initializeCurl();
-    multi_ = curl_multi_init();
     share_ = curl_share_init();
-    if (multi_ == nullptr || share_ == nullptr) {
+    if (share_ == nullptr) {
         throw std::bad_alloc();
     }
-    curl_multi_setopt(multi_, CURLMOPT_MAXCONNECTS, kKeptConnections);
+    multi_ = newMulti();
     curl_share_setopt(share_, CURLSHOPT_SHARE, CURL_LOCK_DATA_SSL_SESSION);
     inbox_.wake(multi_);
 }
@@ -86,7 +98,27 @@ bool CurlLoop::takeMail() {
     for (const std::uint64_t id : mail.cancelled) {
         end(id, cancelled());
     }
+    if (mail.lastDropped != 0) {
+        dropConnections(mail.lastDropped);
+    }
     return true;
+}
+
+/// The connections belong to the multi handle, and so does what was learnt of names.
+void CurlLoop::dropConnections(std::uint64_t lastDropped) {
+    while (!active_.empty() && active_.begin()->first <= lastDropped) {
+        end(active_.begin()->first, dropped());
+    }
+    for (auto& [id, active] : active_) {
+        curl_multi_remove_handle(multi_, active.handle.get());
+    }
+    CURLM* const old = std::exchange(multi_, newMulti());
+    inbox_.wake(multi_);
+    curl_multi_cleanup(old);
+    for (auto& [id, active] : active_) {
+        curl_multi_add_handle(multi_, active.handle.get());
+    }
+    curl_multi_wakeup(multi_);  // mail that came meanwhile woke the old one
 }
 
 void CurlLoop::start(std::uint64_t id, std::unique_ptr<CurlExchange> exchange) {

@@ -36,6 +36,7 @@ private:
     };
 
     bool takeMail();
+    void dropConnections(std::uint64_t lastDropped);
     void start(std::uint64_t id, std::unique_ptr<CurlExchange> exchange);
     void launch(Active& active);
     void readMessages();

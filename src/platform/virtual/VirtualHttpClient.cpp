@@ -4,11 +4,9 @@
 
 namespace glintar::platform {
 
-namespace {
-
-class VirtualCall final : public HttpCall {
+class VirtualHttpClient::Call final : public HttpCall {
 public:
-    explicit VirtualCall(HttpCompletion completion) : completion_(std::move(completion)) {}
+    explicit Call(HttpCompletion completion) : completion_(std::move(completion)) {}
 
     void complete(HttpResult result) {
         if (auto completion = std::exchange(completion_, nullptr)) {
@@ -21,8 +19,6 @@ public:
 private:
     HttpCompletion completion_;
 };
-
-}  // namespace
 
 void VirtualHttpClient::answer(std::string_view addressPart, std::string body, int status) {
     rules_.push_back({std::string(addressPart), HttpResponse{status, std::move(body)}});
@@ -46,7 +42,7 @@ int VirtualHttpClient::asked(std::string_view addressPart) const {
 }
 
 std::shared_ptr<HttpCall> VirtualHttpClient::send(HttpRequest request, HttpCompletion completion) {
-    auto call = std::make_shared<VirtualCall>(std::move(completion));
+    auto call = std::make_shared<Call>(std::move(completion));
     Duration delay = latency;
     if (!latencies.empty()) {
         delay = latencies.front();
@@ -54,7 +50,18 @@ std::shared_ptr<HttpCall> VirtualHttpClient::send(HttpRequest request, HttpCompl
     }
     runLoop_.postAfter(delay, [call, result = resultFor(request.url)]() mutable { call->complete(std::move(result)); });
     requests.push_back(std::move(request));
+    std::erase_if(underWay_, [](const auto& earlier) { return earlier.expired(); });
+    underWay_.push_back(call);
     return call;
+}
+
+void VirtualHttpClient::dropConnections() {
+    ++drops;
+    for (const auto& weak : std::exchange(underWay_, {})) {
+        if (const auto call = weak.lock()) {
+            call->complete(std::unexpected(HttpError{HttpError::Kind::Connection, "dropped"}));
+        }
+    }
 }
 
 HttpResult VirtualHttpClient::resultFor(std::string_view address) {

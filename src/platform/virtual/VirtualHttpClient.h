@@ -32,17 +32,21 @@ public:
     std::vector<Duration> latencies;                  ///< of the next requests, one each, before `latency` counts again
 
     std::shared_ptr<HttpCall> send(HttpRequest request, HttpCompletion completion) override;
+    void dropConnections() override;
+    int drops = 0;  ///< how often connections were dropped
 
 private:
     struct Rule {
         std::string addressPart;
         HttpResult result;
     };
+    class Call;
     HttpResult resultFor(std::string_view address);
 
     RunLoop& runLoop_;
     std::deque<Rule> once_;
     std::vector<Rule> rules_;
+    std::vector<std::weak_ptr<Call>> underWay_;
 };
 
 }  // namespace glintar::platform

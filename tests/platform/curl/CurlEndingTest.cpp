@@ -169,6 +169,28 @@ TEST_F(CurlEndingTest, CancelEndsACallOnceAndThenDoesNothing) {
     EXPECT_EQ(outcome.count(), 1);
 }
 
+TEST_F(CurlEndingTest, DroppingConnectionsEndsWhatIsUnderWayAndBeginsWithNewOnes) {
+    server_.on("/silent", {.manner = Manner::Silent});
+    ASSERT_TRUE(fetch({.url = server_.url("/")}));
+    Outcome silent;
+    Outcome other;
+    bool isFirst = true;
+    auto again = [&, first = silent.completion()](HttpResult result) mutable {
+        if (std::exchange(isFirst, false)) {  // asked while connections are being dropped
+            client_->send({.url = server_.url("/other")}, other.completion());
+        }
+        first(std::move(result));
+    };
+    client_->send({.url = server_.url("/silent")}, std::move(again));
+    ASSERT_TRUE(server_.waitForRequests(2));
+    client_->dropConnections();
+    const HttpResult result = silent.wait();
+    ASSERT_FALSE(result);
+    EXPECT_EQ(result.error().kind, Kind::Connection);
+    EXPECT_TRUE(other.wait());
+    EXPECT_NE(server_.requests().back().connection, 1) << "one kept from before";
+}
+
 TEST_F(CurlEndingTest, AHungLookUpHoldsUpNothing) {
     HungLookUps hung;
     Outcome timedOut;
