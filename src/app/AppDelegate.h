@@ -7,6 +7,7 @@
 
 #include <functional>
 #include <optional>
+#include <string>
 
 namespace glintar::platform {
 struct Desktop;
@@ -20,6 +21,7 @@ class AppDelegate {
 public:
     struct Options {
         bool checksForDocuments = true;  ///< the configuration server is asked for newer ones
+        std::string mark;                ///< before what the line says of itself
         std::function<void()> terminate;
     };
 

@@ -25,7 +25,7 @@ std::string_view usage() {
            "       glintar line [--once] [--format text|json] [--demo]\n"
            "       glintar --help | --version\n"
            "\n"
-           "Live crypto prices in the status bar; without a display, in this terminal.\n"
+           "Live crypto prices in the status bar; without an X display, in this terminal.\n"
            "\n"
            "  line             print the price line at each refresh, for terminals and text bars\n"
            "  --once           refresh once and end: status 0 with at least one price, 1 with none\n"

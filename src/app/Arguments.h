@@ -7,6 +7,9 @@
 
 namespace glintar::app {
 
+/// Before prices that are none, in every door.
+inline constexpr const char* kSimulatedMark = "[simulated] ";
+
 enum class Format { Text, Json };
 
 /// What the user asked the program to do.

@@ -18,8 +18,13 @@ std::string hostOf(std::string_view rest) {
 
 }  // namespace
 
-std::expected<std::string, std::string> configServer(std::optional<std::string_view> fromEnvironment) {
-    const std::string_view address = fromEnvironment.value_or(GLINTAR_BUILT_IN_CONFIG_SERVER);
+std::string_view builtInConfigServer() {
+    return GLINTAR_BUILT_IN_CONFIG_SERVER;
+}
+
+std::expected<std::string, std::string> configServer(std::optional<std::string_view> fromEnvironment,
+                                                     std::string_view builtIn) {
+    const std::string_view address = fromEnvironment.value_or(builtIn);
     if (address.empty()) {
         return std::string();
     }

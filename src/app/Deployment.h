@@ -7,11 +7,13 @@
 
 namespace glintar::app {
 
-/// What is decided where the program is built and deployed.
-///
-/// The configuration server's address: the environment's choice (GLINTAR_CONFIG_SERVER) when there is one, else the one
-/// built in; empty means none. It must be https, or http to a loopback address, and must not end with a slash; the
-/// error is a sentence for the user.
-[[nodiscard]] std::expected<std::string, std::string> configServer(std::optional<std::string_view> fromEnvironment);
+/// The address that was given when the program was built; empty means none.
+[[nodiscard]] std::string_view builtInConfigServer();
+
+/// The configuration server's address: the environment's choice (GLINTAR_CONFIG_SERVER) when there is one, be it empty,
+/// else the one built in; empty means none. It must be https, or http to a loopback address, and must not end with a
+/// slash; the error is a sentence for the user.
+[[nodiscard]] std::expected<std::string, std::string> configServer(std::optional<std::string_view> fromEnvironment,
+                                                                   std::string_view builtIn = builtInConfigServer());
 
 }  // namespace glintar::app

@@ -12,6 +12,13 @@ void DesktopSurface::show(menubar::DisplayMode mode) {
     }
 }
 
+void DesktopSurface::showLine(const menubar::StatusLine& line, std::optional<std::string> tooltip) {
+    if (tooltip) {
+        tooltip->insert(0, mark_);
+    }
+    items_.renderStatusItem(line, std::move(tooltip));
+}
+
 void DesktopSurface::updatePanel(menubar::PanelData data) {
     floatingController_.updateData(std::move(data.coins), std::move(data.quotes), data.gasPrice, data.nextFetchTime);
 }

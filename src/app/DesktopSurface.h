@@ -5,6 +5,9 @@
 #include "menubar/StatusSurface.h"
 
 #include <functional>
+#include <optional>
+#include <string>
+#include <utility>
 
 namespace glintar::app {
 
@@ -13,16 +16,17 @@ class DesktopSurface final : public menubar::StatusSurface {
 public:
     using Requests = menubar::StatusItems::Callbacks;
 
-    DesktopSurface(platform::Platform& platform, platform::Desktop& desktop, Requests requests)
-        : items_(platform, desktop, std::move(requests)), floatingController_(platform, desktop) {}
+    /// `mark` stands before what the line says of itself; empty for real prices.
+    DesktopSurface(platform::Platform& platform, platform::Desktop& desktop, Requests requests, std::string mark)
+        : items_(platform, desktop, std::move(requests)),
+          floatingController_(platform, desktop),
+          mark_(std::move(mark)) {}
 
     void show(menubar::DisplayMode mode) override;
-    void showLine(const menubar::StatusLine& line, std::optional<std::string> tooltip) override {
-        items_.renderStatusItem(line, std::move(tooltip));
-    }
+    void showLine(const menubar::StatusLine& line, std::optional<std::string> tooltip) override;
     void updatePanel(menubar::PanelData data) override;
     void refreshCompleted() override {}
-    bool showsProgress() const override { return true; }
+    bool showsProgress() const override { return items_.showsProgress(); }
     platform::Seconds showProgress(const menubar::RefreshProgress& progress) override {
         return items_.showProgress(progress.elapsed, progress.interval);
     }
@@ -35,6 +39,7 @@ public:
 private:
     menubar::StatusItems items_;
     floating::FloatingPriceController floatingController_;
+    std::string mark_;
 };
 
 }  // namespace glintar::app

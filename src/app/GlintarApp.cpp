@@ -16,7 +16,9 @@ GlintarApp::GlintarApp(platform::DesktopPlatform& machine, const Arguments& argu
     : machine_(machine),
       instance_(arguments.demo ? kDemoIdentifier : kIdentifier),
       _appDelegate(machine.platform(), machine.desktop(),
-                   {.checksForDocuments = !arguments.demo, .terminate = [&machine] { machine.exit(0); }}) {
+                   {.checksForDocuments = !arguments.demo,
+                    .mark = arguments.demo ? kSimulatedMark : "",
+                    .terminate = [&machine] { machine.exit(0); }}) {
     machine.onTerminate([&machine] { machine.exit(0); });
     instance_.onSecondStart = [this] { _appDelegate.applicationWasReopened(); };
 }

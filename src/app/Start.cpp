@@ -60,7 +60,8 @@ std::expected<Start, int> readStart(int argc, char** argv) {
     if (arguments->command == Arguments::Command::Version) {
         return std::unexpected(say(fmt::format("glintar {}\n", platform::InstalledBundle({}).version())));
     }
-    auto server = configServer(environment("GLINTAR_CONFIG_SERVER"));
+    const char* const named = std::getenv("GLINTAR_CONFIG_SERVER");
+    auto server = configServer(named ? std::optional<std::string_view>(named) : std::nullopt);
     if (!server) {
         platform::complain(fmt::format("glintar: {}\n", server.error()));
         return std::unexpected(kWrongUsage);

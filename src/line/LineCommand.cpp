@@ -17,7 +17,7 @@ constexpr int kFailed = 1;
 TextStatusBar::Options barOptions(const app::Arguments& arguments, const platform::TextOutput& output) {
     return {.format = arguments.format,
             .isLive = output.isTerminal() && arguments.format == app::Format::Text && !arguments.once,
-            .prefix = arguments.demo ? "[simulated] " : ""};
+            .prefix = arguments.demo ? app::kSimulatedMark : ""};
 }
 
 }  // namespace

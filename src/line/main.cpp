@@ -19,8 +19,9 @@ using namespace glintar;
 
 /// Becomes the desktop program where that makes sense; returns why it does not.
 std::string_view becomeDesktop(char** argv) {
-    if (!app::environment("DISPLAY") && !app::environment("WAYLAND_DISPLAY")) {
-        return "no display";
+    if (!app::environment("DISPLAY")) {
+        return app::environment("WAYLAND_DISPLAY") ? "no X display, and this Wayland session has no XWayland"
+                                                   : "no display";
     }
     const auto desktop = platform::InstalledBundle::program("glintar-desktop");
     if (desktop) {

@@ -68,7 +68,10 @@ TEST(DeploymentTest, AConfigurationServerIsSecureOrThisMachine) {
         EXPECT_EQ(server.has_value(), isAccepted) << address;
         EXPECT_EQ(server.value_or(""), isAccepted ? address : "");
     }
-    EXPECT_TRUE(app::configServer(std::nullopt).has_value());
+    const char* const builtIn = "https://built.in";
+    EXPECT_EQ(app::configServer(std::nullopt, builtIn), builtIn);
+    EXPECT_EQ(app::configServer("https://named.example", builtIn), "https://named.example");
+    EXPECT_EQ(app::configServer("", builtIn), "") << "whoever wants none can say so";
 }
 
 }  // namespace

@@ -51,7 +51,9 @@ QVariant QtPreferences::value(std::string_view key) const {
 }
 
 bool QtPreferences::boolean(std::string_view key) const {
-    return value(key).toBool();
+    const QVariant stored = value(key);
+    const QString word = stored.toString().toLower();
+    return stored.toBool() && word != u"no" && word != u"off";  // people write these into the file, and mean them
 }
 
 std::int64_t QtPreferences::integer(std::string_view key) const {

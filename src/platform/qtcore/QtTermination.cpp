@@ -38,7 +38,7 @@ QtTermination::QtTermination(std::function<void()> onTerminate) : onTerminate_(s
         notifier_->setEnabled(false);
         onTerminate_();
     });
-    for (const int signal : {SIGINT, SIGTERM}) {
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
         struct sigaction before{};
         ::sigaction(signal, nullptr, &before);
         if (before.sa_handler != SIG_IGN) {  // whoever started us may want it ignored, as shells do in the background
@@ -49,7 +49,7 @@ QtTermination::QtTermination(std::function<void()> onTerminate) : onTerminate_(s
 }
 
 QtTermination::~QtTermination() {
-    for (const int signal : {SIGINT, SIGTERM}) {
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
         struct sigaction now{};
         ::sigaction(signal, nullptr, &now);
         if (now.sa_handler == onSignal) {

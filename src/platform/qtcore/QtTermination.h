@@ -7,8 +7,8 @@
 
 namespace glintar::platform {
 
-/// Turns SIGINT and SIGTERM into a call on the main thread; SIGPIPE is ignored, so that writing to a closed pipe is
-/// an error like any other. One per process, made after the QCoreApplication.
+/// Turns SIGINT, SIGTERM and SIGHUP into a call on the main thread; SIGPIPE is ignored, so that writing to a closed
+/// pipe is an error like any other. One per process, made after the QCoreApplication.
 class QtTermination {
 public:
     explicit QtTermination(std::function<void()> onTerminate);

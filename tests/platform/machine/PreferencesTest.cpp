@@ -69,6 +69,11 @@ TEST_F(PreferencesTest, AFileWrittenByHandIsRead) {
     EXPECT_EQ(preferences.integer("gasSource"), 1);
     EXPECT_EQ(preferences.data("savedCoins"), "[{\"a\":1}]");
     EXPECT_EQ(preferences.integer("selectedSourceID"), 0) << "a text is no number";
+    for (const auto& [word, isOn] :
+         {std::pair{"yes", true}, {"True", true}, {"1", true}, {"No", false}, {"off", false}, {"0", false}}) {
+        write(std::string("[General]\nshowGasFee=") + word + "\n");
+        EXPECT_EQ(QtPreferences(file, console).boolean("showGasFee"), isOn) << word;
+    }
 }
 
 TEST_F(PreferencesTest, ADamagedFileIsReadAsFarAsItGoesAndNeverLost) {
