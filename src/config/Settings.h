@@ -19,6 +19,12 @@ inline constexpr std::string_view kShowSparkline = "showSparkline";
 inline constexpr std::string_view kFloatTransparent = "floatTransparent";
 inline constexpr std::string_view kFloatOffset = "floatOffset";
 
+/// Posted after the display settings have been saved.
+inline constexpr std::string_view kDisplaySettingsChanged = "DisplaySettingsChanged";
+
+/// Posted after that when the display mode may be another one.
+inline constexpr std::string_view kDisplayModeChanged = "DisplayModeChanged";
+
 /// The market-data source in use.
 [[nodiscard]] inline std::string selectedSourceID(const platform::Preferences& preferences) {
     return preferences.string(kSelectedSource).value_or("coingecko");

@@ -2,22 +2,52 @@
 
 #include "platform/RunLoop.h"
 
-namespace glintar::floating::ring {
+#include <cstdint>
+#include <optional>
 
-// The ring that empties towards the next refresh. It moves by whole pixels of its circumference, so that it costs
-// nothing while it looks the same.
+namespace glintar::floating {
 
-inline constexpr double kDiameter = 18;  ///< points, its line included
-inline constexpr double kLineWidth = 2;
-inline constexpr double kRadius = (kDiameter - kLineWidth) / 2;  ///< of the middle of the line
+/// The ring that empties towards the next refresh. Once a second it looks how much of the interval is left, and moves
+/// there evenly within the next second, so that a steady countdown looks continuous and a refill can be followed by the
+/// eye. It moves by whole pixels of its circumference, and knows when the next of them is due, so that it costs nothing
+/// while it looks the same. Has no timer of its own: what nobody asked for meanwhile is made up for.
+class CountdownRing {
+public:
+    static constexpr double kDiameter = 18;  ///< points, of the middle of the line
+    static constexpr double kLineWidth = 2;
 
-/// Of the interval, from 0 (due) to 1.
-[[nodiscard]] double timeProgress(platform::Seconds remaining, platform::Seconds interval);
+    /// Full until the first look, a second after `start`.
+    explicit CountdownRing(platform::Instant start) : start_(start), due_(start) {}
 
-/// The progress as it is drawn with so many pixels to a point; empty only when the refresh is due.
-[[nodiscard]] double shownProgress(double progress, double scale);
+    /// Counts from the first look after `now`; `interval` lies between two refreshes.
+    void setNextRefresh(platform::Instant now, platform::Instant due, platform::Seconds interval);
 
-/// How long the ring will look the same; none is left when it is empty.
-[[nodiscard]] platform::Seconds unchangedFor(platform::Seconds remaining, platform::Seconds interval, double scale);
+    /// How much of the ring is there, from 0 to 1. No question goes back behind the last `setNextRefresh`.
+    [[nodiscard]] double progress(platform::Instant now) const;
 
-}  // namespace glintar::floating::ring
+    /// The progress as it is drawn with so many pixels to a point; nothing only when nothing is left.
+    [[nodiscard]] static double shownProgress(double progress, double scale);
+
+    /// How long to wait until the ring looks different, but not so briefly that it would be drawn more than fifty times
+    /// a second; none when it stays as it is until the next refresh is set.
+    [[nodiscard]] std::optional<platform::Duration> unchangedFor(platform::Instant now, double scale) const;
+
+private:
+    /// Between two looks.
+    struct Movement {
+        double from = 1;
+        double to = 1;
+    };
+
+    [[nodiscard]] std::int64_t looksUntil(platform::Instant time) const;
+    [[nodiscard]] Movement movementAfter(std::int64_t look) const;
+    [[nodiscard]] double seenAt(std::int64_t look) const;
+
+    platform::Instant start_;
+    platform::Instant due_;
+    platform::Seconds interval_{60.0};
+    std::int64_t look_ = 0;  ///< the one before the last `setNextRefresh`
+    Movement movement_;      ///< after it
+};
+
+}  // namespace glintar::floating

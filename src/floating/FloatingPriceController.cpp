@@ -1,9 +1,8 @@
 #include "floating/FloatingPriceController.h"
 
 #include "config/Settings.h"
-#include "floating/CountdownRing.h"
+#include "floating/PanelPlaces.h"
 #include "menubar/RefreshState.h"
-#include "menubar/StatusBarController.h"
 #include "platform/Desktop.h"
 #include "platform/DesktopEvents.h"
 #include "platform/Platform.h"
@@ -12,9 +11,8 @@
 #include "platform/StatusBar.h"
 #include "platform/Window.h"
 
-#include <algorithm>
 #include <chrono>
-#include <cmath>
+#include <string_view>
 #include <utility>
 
 namespace glintar::floating {
@@ -28,28 +26,8 @@ namespace {
 
 constexpr auto kFollowInterval = 20ms;
 constexpr auto kRestInterval = 1s;
-constexpr std::int64_t kStillTicks = 500;  // ten seconds
-constexpr double kFadeStep = 0.05;
-constexpr double kPointerSize = 12;
-constexpr double kDefaultOffset = 16;
-constexpr double kLargestOffset = 100'000;  // beyond all screens
-constexpr double kRestDistance = 4;
-
 /// Whether the user has been told that the panel cannot follow.
 constexpr std::string_view kPointerNoticeShown = "pointerNoticeShown";
-
-double readOffset(const platform::Preferences& preferences) {
-    const double offset = preferences.real(config::kFloatOffset);
-    return offset != 0 && std::isfinite(offset) ? std::clamp(offset, -kLargestOffset, kLargestOffset) : kDefaultOffset;
-}
-
-/// Below the right end of the status bar, or above it where the bar stands at the bottom of the screen. Beyond the left
-/// edge of the primary screen it reaches no farther than the bar does.
-Point restingPlace(const Rect& bar, const Size& panel) {
-    const double x = std::max(bar.right() - panel.width, std::min(bar.x, 0.0));
-    const double below = bar.y - kRestDistance - panel.height;
-    return {x, below < 0 && bar.y >= 0 ? bar.top() + kRestDistance : below};
-}
 
 }  // namespace
 
@@ -61,8 +39,11 @@ FloatingPriceController::FloatingPriceController(platform::Platform& platform, p
              .isTransparent = platform.preferences.boolean(config::kFloatTransparent)},
       offsetDistance_(readOffset(platform.preferences)) {
     auto& notifications = platform.notifications;
-    observations_.push_back(notifications.observe(menubar::kDisplaySettingsChanged, [this] { reloadSettings(); }));
-    observations_.push_back(notifications.observe(platform::kAppearanceChanged, [this] { refresh(); }));
+    observations_.push_back(notifications.observe(config::kDisplaySettingsChanged, [this] { reloadSettings(); }));
+    observations_.push_back(notifications.observe(platform::kAppearanceChanged, [this] {
+        view_.forgetLook();
+        present();
+    }));
 }
 
 FloatingPriceController::~FloatingPriceController() = default;
@@ -75,18 +56,31 @@ void FloatingPriceController::updateData(std::vector<config::Coin> coins, market
     state_.nextFetchTime = nextFetchTime;
     state_.sourceID = config::selectedSourceID(platform_.preferences);
     countDown();
+    const auto wait = nextUpdate_ - platform_.runLoop.now();
+    if (wait <= platform::Duration::zero()) {
+        presentUpdate();
+    } else if (canBeSeen()) {
+        nextDrawing_ = platform_.runLoop.after(wait, [this] { presentUpdate(); });
+    }
 }
 
 void FloatingPriceController::showPanel() {
-    setupWindow();
+    if (timer_) {
+        return;
+    }
+    const bool isNew = !window_;
+    if (isNew) {
+        setupWindow();
+    }
     const bool canFollow = desktop_.pointer.isSeenEverywhere();
     timer_ = platform_.runLoop.every(canFollow ? platform::Duration(kFollowInterval) : kRestInterval,
                                      [this] { trackMouse(); });
-    catchUp(desktop_.pointer.position());
-    if (belongsOnScreen()) {
-        window_->orderFront();
+    if (const auto pointer = desktop_.pointer.position(); pointer && (isNew || fade_.isElsewhere(*pointer))) {
+        moveBeside(*pointer);
+        present(Corner::TopLeft);
+    } else {
+        present();
     }
-    arrange();
     if (!canFollow) {
         tellThatPointerIsHidden();
     }
@@ -94,69 +88,66 @@ void FloatingPriceController::showPanel() {
 
 void FloatingPriceController::hidePanel() {
     timer_.reset();
-    countdownTimer_.reset();
-    if (window_) {
-        window_->orderOut();
-    }
+    present();
 }
 
 void FloatingPriceController::reloadSettings() {
     state_.isTransparent = platform_.preferences.boolean(config::kFloatTransparent);
     offsetDistance_ = readOffset(platform_.preferences);
-    refresh();
-    if (timer_ && alpha_ < 1) {
-        setAlpha(1);
+    if (!window_) {
+        return;
+    }
+    const bool returns = timer_ && fade_.alpha() < 1;
+    if (returns) {
+        fade_.restore();
+    }
+    present();
+    if (returns) {
         window_->orderFront();
     }
     trackMouse();
 }
 
 void FloatingPriceController::setupWindow() {
-    if (window_) {
-        return;
-    }
     window_ = desktop_.windows.makeOverlay("Glintar panel");
-    window_->onSurroundingsChanged = [this] {
-        // The scale is that of the top left corner: if that moved, it could go to and fro between two screens.
-        refresh(Corner::TopLeft);
-        arrange();
-    };
-    countdownTimer_ = platform_.runLoop.after(1s, [this] { countDown(); });
+    // The scale is that of the top left corner: if that moved, it could go to and fro between two screens.
+    window_->onSurroundingsChanged = [this] { present(Corner::TopLeft); };
+    ring_.emplace(platform_.runLoop.now());
 }
 
-/// Lets nothing flash up that is out of date, nor anything at a place that is.
-void FloatingPriceController::catchUp(const std::optional<Point>& pointer) {
-    place(pointer);  // the picture depends on the screen
-    countdownTimer_ ? refresh() : countDown();
-    place(pointer);  // the place depends on the size
-}
+// ---- Where it is
 
 void FloatingPriceController::trackMouse() {
-    if (!window_) {
+    if (!desktop_.pointer.isSeenEverywhere()) {
+        restBelowBar();
         return;
     }
-    if (!desktop_.pointer.isSeenEverywhere()) {
-        if (timer_) {
-            place(std::nullopt);
-        }
-    } else if (const auto pointer = desktop_.pointer.position()) {
-        follow(*pointer);
+    const auto pointer = desktop_.pointer.position();
+    if (!pointer) {
+        return;  // out of sight for a while
+    }
+    const bool hasMoved = fade_.look(*pointer);
+    if (hasMoved) {
+        moveBeside(*pointer);
+    }
+    if (fade_.alpha() != window_->alpha()) {
+        present(hasMoved ? Corner::TopLeft : Corner::BottomLeft);
     }
 }
 
-void FloatingPriceController::follow(const Point& pointer) {
-    if (pointer != lastMouseLocation_) {
-        lastMouseLocation_ = pointer;
-        idleCounter_ = 0;
-        place(pointer);
-        setAlpha(1);
-        place(pointer);  // what became visible may be larger than before
-        return;
+void FloatingPriceController::moveTo(const Point& origin) {
+    if (origin != window_->frame().origin()) {
+        window_->setFrameOrigin(origin);
     }
-    ++idleCounter_;
-    if (idleCounter_ > kStillTicks && alpha_ > 0) {
-        const double alpha = alpha_ - kFadeStep;
-        setAlpha(alpha < kFadeStep / 2 ? 0 : alpha);  // twenty steps end at 0, whatever the rounding
+}
+
+void FloatingPriceController::moveBeside(const Point& pointer) {
+    moveTo(placeBesidePointer(pointer, offsetDistance_, window_->frame().size()));
+}
+
+void FloatingPriceController::restBelowBar() {
+    if (const Rect bar = desktop_.statusBar.frame(); bar.width > 0) {
+        moveTo(placeBesideBar(bar, window_->frame().size()));
     }
 }
 
@@ -169,84 +160,64 @@ void FloatingPriceController::tellThatPointerIsHidden() {
     }
 }
 
-void FloatingPriceController::place(const std::optional<Point>& pointer) {
-    if (pointer) {
-        const double distance = offsetDistance_ + kPointerSize;
-        moveTo({pointer->x + distance, pointer->y - window_->frame().height - distance});
-    } else if (const Rect bar = desktop_.statusBar.frame(); bar.width > 0) {
-        moveTo(restingPlace(bar, window_->frame().size()));
-    }
-}
+// ---- What it shows
 
-void FloatingPriceController::moveTo(const Point& origin) {
-    if (window_->frame().origin() != origin) {
-        window_->setFrameOrigin(origin);
-    }
-}
-
-void FloatingPriceController::setAlpha(double alpha) {
-    if (alpha == alpha_) {
+/// Brings the window up to date, in an order in which nothing flashes up that is out of date: its picture and size,
+/// how opaque it is, whether it is on the screen at all.
+void FloatingPriceController::present(Corner kept) {
+    nextDrawing_.reset();
+    countDown();
+    if (!window_) {
         return;
     }
-    const bool wasFaded = std::exchange(alpha_, alpha) <= 0;
-    if (wasFaded) {
-        countDown();
+    if (canBeSeen()) {
+        draw(kept);
     }
-    window_->setAlpha(alpha);
-    if (wasFaded || alpha <= 0) {
-        arrange();
+    if (window_->alpha() != fade_.alpha()) {
+        window_->setAlpha(fade_.alpha());
+    }
+    if (belongsOnScreen() != window_->isShown()) {
+        window_->isShown() ? window_->orderOut() : window_->orderFront();
+    }
+    if (canBeSeen()) {
+        if (const auto wait = ring_->unchangedFor(platform_.runLoop.now(), window_->scale())) {
+            nextDrawing_ = platform_.runLoop.after(*wait, [this] { present(); });
+        }
+    }
+}
+
+void FloatingPriceController::draw(Corner kept) {
+    const FloatingView::Surroundings surroundings{.appearance = desktop_.events.appearance(),
+                                                  .scale = window_->scale(),
+                                                  .isTranslucent = window_->isTranslucent()};
+    if (view_.update(state_, surroundings, ring_->progress(platform_.runLoop.now()))) {
+        window_->setPicture(view_.picture(), view_.margin());
+    }
+    const Rect frame = window_->frame();
+    if (const Size size = view_.fittingSize(); size != frame.size()) {
+        const double y = kept == Corner::TopLeft ? frame.top() - size.height : frame.y;
+        window_->setFrame({frame.x, y, size.width, size.height});
+    }
+    if (!desktop_.pointer.isSeenEverywhere()) {
+        restBelowBar();
+    }
+}
+
+void FloatingPriceController::presentUpdate() {
+    nextUpdate_ = platform_.runLoop.now() + kFollowInterval;
+    present();
+}
+
+void FloatingPriceController::countDown() {
+    if (ring_) {
+        ring_->setNextRefresh(platform_.runLoop.now(), state_.nextFetchTime,
+                              menubar::RefreshState::shared(platform_).currentInterval);
     }
 }
 
 bool FloatingPriceController::belongsOnScreen() const {
     // Without a compositor there is no opacity.
-    return timer_ && (alpha_ > 0 || window_->isTranslucent());
-}
-
-/// Puts the window on the screen or takes it off, and lets the countdown run while it can be seen.
-void FloatingPriceController::arrange() {
-    if (belongsOnScreen() != window_->isShown()) {
-        window_->isShown() ? window_->orderOut() : window_->orderFront();
-    }
-    if (!canBeSeen()) {
-        countdownTimer_.reset();
-    } else if (!countdownTimer_) {
-        countDown();
-    }
-}
-
-void FloatingPriceController::countDown() {
-    countdownTimer_.reset();
-    const auto interval = menubar::RefreshState::shared(platform_).currentInterval;
-    const platform::Seconds remaining = state_.nextFetchTime - platform_.runLoop.now();
-    timeProgress_ = ring::timeProgress(remaining, interval);
-    refresh();
-    if (canBeSeen() && timeProgress_ > 0) {
-        // A little late, so that the step is surely due by then.
-        const auto wait = ring::unchangedFor(remaining, interval, window_->scale()) + 1ms;
-        countdownTimer_ = platform_.runLoop.after(std::chrono::ceil<platform::Duration>(wait), [this] { countDown(); });
-    }
-}
-
-void FloatingPriceController::refresh(Corner kept) {
-    if (!canBeSeen()) {
-        return;
-    }
-    const FloatingView::Surroundings surroundings{.appearance = desktop_.events.appearance(),
-                                                  .scale = window_->scale(),
-                                                  .isTranslucent = window_->isTranslucent()};
-    if (!view_.update(state_, surroundings, timeProgress_)) {
-        return;
-    }
-    window_->setPicture(view_.picture(), view_.margin());
-    const Rect frame = window_->frame();
-    if (const Size size = view_.fittingSize(); size != frame.size()) {
-        const double y = kept == Corner::TopLeft ? frame.top() - size.height : frame.y;
-        window_->setFrame({frame.x, y, size.width, size.height});
-        if (!desktop_.pointer.isSeenEverywhere()) {
-            place(std::nullopt);
-        }
-    }
+    return timer_ && (!fade_.isComplete() || window_->isTranslucent());
 }
 
 }  // namespace glintar::floating

@@ -1,12 +1,13 @@
 #pragma once
 
+#include "floating/CountdownRing.h"
 #include "floating/FloatingContent.h"
 #include "floating/FloatingView.h"
+#include "floating/PanelFade.h"
 #include "platform/Geometry.h"
 #include "platform/NotificationCenter.h"
 #include "platform/RunLoop.h"
 
-#include <cstdint>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -31,12 +32,13 @@ public:
     FloatingPriceController& operator=(const FloatingPriceController&) = delete;
     ~FloatingPriceController();
 
-    /// What a refresh brought. The panel takes on the size of its content; its bottom left corner stays. Drawn once it
-    /// can be seen.
+    /// What a refresh brought, drawn at once where it can be seen; of many within a fiftieth of a second the first and
+    /// the last. The panel takes on the size of its content; its bottom left corner stays.
     void updateData(std::vector<config::Coin> coins, market::MarketDataMap quotes, std::optional<double> gasPrice,
                     platform::Instant nextFetchTime);
 
-    /// Leaves the panel as faded as it was: then it becomes visible when the pointer next moves.
+    /// Leaves the panel as faded as it was: then it becomes visible when the pointer next moves. Does nothing to one
+    /// that is shown.
     void showPanel();
 
     /// The window is kept for the next time.
@@ -46,35 +48,36 @@ public:
     void reloadSettings();
 
 private:
-    void setupWindow();
-    void catchUp(const std::optional<platform::Point>& pointer);
-    void trackMouse();
-    void follow(const platform::Point& pointer);
-    void tellThatPointerIsHidden();
-    void place(const std::optional<platform::Point>& pointer);
-    void moveTo(const platform::Point& origin);
-    void setAlpha(double alpha);
-    void arrange();
-    [[nodiscard]] bool belongsOnScreen() const;
-    [[nodiscard]] bool canBeSeen() const { return timer_ && alpha_ > 0; }
-    void countDown();
+    /// The one that stays when the panel takes on another size.
     enum class Corner { BottomLeft, TopLeft };
-    void refresh(Corner kept = Corner::BottomLeft);
+
+    void setupWindow();
+    void trackMouse();
+    void moveTo(const platform::Point& origin);
+    void moveBeside(const platform::Point& pointer);
+    void restBelowBar();
+    void tellThatPointerIsHidden();
+
+    void present(Corner kept = Corner::BottomLeft);
+    void draw(Corner kept);
+    void presentUpdate();
+    void countDown();
+    [[nodiscard]] bool canBeSeen() const { return timer_ && !fade_.isComplete(); }
+    [[nodiscard]] bool belongsOnScreen() const;
 
     platform::Platform& platform_;
     platform::Desktop& desktop_;
     FloatingView view_;
     std::unique_ptr<platform::Window> window_;
-    platform::Point lastMouseLocation_;
-    std::int64_t idleCounter_ = 0;
+    std::optional<CountdownRing> ring_;  ///< as old as the window
+    PanelFade fade_;
     FloatingState state_;
     double offsetDistance_ = 0;
-    double timeProgress_ = 1;
-    double alpha_ = 1;
+    platform::Instant nextUpdate_;  ///< when the next update may be drawn
 
     // Each of these calls us and ends with us.
-    platform::TimerHandle timer_;           ///< only while the panel is shown
-    platform::TimerHandle countdownTimer_;  ///< for the next pixel of the ring, only while it can be seen
+    platform::TimerHandle timer_;        ///< only while the panel is shown
+    platform::TimerHandle nextDrawing_;  ///< of the ring's next pixel or of an update, only while it can be seen
     std::vector<std::unique_ptr<platform::NotificationCenter::Observation>> observations_;
 };
 

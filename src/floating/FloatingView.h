@@ -4,7 +4,7 @@
 #include "floating/PanelLayout.h"
 #include "platform/Graphics.h"
 
-#include <optional>
+#include <functional>
 
 namespace glintar::platform {
 class Preferences;
@@ -27,9 +27,12 @@ public:
     FloatingView(const platform::Preferences& preferences, const platform::Graphics& graphics)
         : preferences_(preferences), graphics_(graphics) {}
 
-    /// Draws the picture; false, and nothing is drawn, when it looks as before. `timeProgress` is what is left of the
-    /// refresh interval, from 0 to 1.
+    /// Draws the picture; false, and nothing is drawn, when it looks as before. `timeProgress` is how much of the ring
+    /// is there, from 0 to 1.
     bool update(const FloatingState& state, const Surroundings& surroundings, double timeProgress);
+
+    /// The desktop draws texts or colours differently: what the same content looks like is no longer known.
+    void forgetLook() { picture_.reset(); }
 
     /// Of the panel itself, without the shadow's margin.
     [[nodiscard]] platform::Size fittingSize() const { return layout_.plate.size(); }
@@ -37,10 +40,13 @@ public:
     [[nodiscard]] const platform::ImagePtr& picture() const { return picture_; }
 
 private:
-    void drawBase();
+    [[nodiscard]] platform::ImagePtr draw(const std::function<void(platform::Canvas&)>& paint) const;
+    [[nodiscard]] platform::ImagePtr drawBase() const;
+    [[nodiscard]] platform::ImagePtr withShadow(const platform::ImagePtr& image) const;
+    void paintArc(platform::Canvas& canvas, const platform::Rect& frame) const;
+    void paintArcShadow(platform::Canvas& canvas) const;
     void paintPlate(platform::Canvas& canvas) const;
-    void paintContent(platform::Canvas& canvas) const;
-    void paintInOneColor(platform::Canvas& canvas, const platform::Color& color) const;
+    void paintOutline(platform::Canvas& canvas) const;
 
     const platform::Preferences& preferences_;
     const platform::Graphics& graphics_;

@@ -3,15 +3,14 @@
 #include "floating/CountdownRing.h"
 
 #include <algorithm>
-#include <cmath>
+#include <iterator>
+#include <utility>
 
 namespace glintar::floating {
 
 namespace {
 
 using platform::Graphics;
-using platform::ImagePtr;
-using platform::Rect;
 using platform::Size;
 
 constexpr double kPadding = 4;
@@ -27,222 +26,231 @@ constexpr double kRowPaddingX = 6;
 constexpr double kRowPaddingY = 4;
 constexpr double kDividerHeight = 1;
 constexpr Size kSparklineSize{40, 20};
-constexpr double kSourceImageSide = 10;
+constexpr Size kSourceImageSize{10, 10};
+constexpr double kSourceSymbolSize = 8;
 
 /// Beyond this width lies nothing but nonsense, which is cut off.
 constexpr double kLargestWidth = 4096;
 
-Size measure(const std::vector<StyledText>& texts, const Graphics& graphics, bool isColumn) {
+/// Which share of the room that is left lies before a part.
+constexpr double kLeading = 0;
+constexpr double kCenter = 0.5;
+constexpr double kTrailing = 1;
+
+double before(double room, double length, double share) {
+    return (room - length) * share;
+}
+
+/// A part of the panel: what it holds, by the distance from its top left corner, and how large it is. Every size comes
+/// from what was put where, so that sizes and places agree.
+struct Part {
     Size size;
-    for (const auto& text : texts) {
-        const Size one = graphics.measure(text.text, text.font);
-        size.width = isColumn ? std::max(size.width, one.width) : size.width + one.width;
-        size.height = isColumn ? size.height + one.height : std::max(size.height, one.height);
-    }
-    return size;
-}
+    std::vector<PanelLayout::Item> items;  ///< their y grows downwards
 
-Size measure(const Cell& cell, const Graphics& graphics) {
-    return cell.sparkline ? kSparklineSize : measure(cell.lines, graphics, true);
-}
-
-/// A part of the header as it was measured.
-struct Box {
-    const HeaderItem* item = nullptr;
-    ImagePtr image;  ///< of a symbol
-    Size size;
-};
-
-std::vector<Box> measureFee(const std::vector<HeaderItem>& items, const Graphics& graphics) {
-    std::vector<Box> boxes;
-    for (const auto& item : items) {
-        if (const auto* texts = std::get_if<std::vector<StyledText>>(&item)) {
-            boxes.push_back({&item, nullptr, measure(*texts, graphics, false)});
-        } else {
-            const auto& symbol = std::get<StyledSymbol>(item);
-            if (auto image = graphics.symbol(symbol.name, symbol.fontSize, symbol.color)) {
-                const Size size = image->size();
-                boxes.push_back({&item, std::move(image), size});
-            }
+    /// Makes room for it where there is none.
+    void put(Part part, double left, double down) {
+        for (auto& item : part.items) {
+            item.frame.x += left;
+            item.frame.y += down;
         }
-    }
-    return boxes;
-}
-
-struct Grid {
-    std::vector<double> columns;  ///< widths
-    std::vector<double> rows;     ///< heights, without padding
-
-    [[nodiscard]] Size size() const {
-        Size size{0, 2 * kGridPaddingY};
-        for (const double width : columns) {
-            size.width += width + (size.width > 0 ? kColumnSpacing : 2 * kRowPaddingX);
-        }
-        for (std::size_t i = 0; i < rows.size(); ++i) {
-            size.height += (i > 0 ? kRowSpacing : 0) + kDividerHeight + kRowSpacing + rows[i] + 2 * kRowPaddingY;
-        }
-        return size;
+        std::ranges::move(part.items, std::back_inserter(items));
+        size.width = std::max(size.width, left + part.size.width);
+        size.height = std::max(size.height, down + part.size.height);
     }
 };
 
-Grid measureGrid(const std::vector<std::vector<Cell>>& rows, const Graphics& graphics) {
-    Grid grid;
-    for (const auto& row : rows) {
-        grid.columns.resize(std::max(grid.columns.size(), row.size()));
-        double height = 0;
-        for (std::size_t column = 0; column < row.size(); ++column) {
-            const Size size = measure(row[column], graphics);
-            grid.columns[column] = std::max(grid.columns[column], size.width);
-            height = std::max(height, size.height);
-        }
-        grid.rows.push_back(height);
-    }
-    return grid;
+Part single(auto what, const Size& size) {
+    return {size, {{std::move(what), {0, 0, size.width, size.height}}}};
 }
 
-/// Places things by their distance from the panel's top left corner, on whole pixels.
-class Placer {
+Part padded(Part part, double x, double y) {
+    const Size size{part.size.width + 2 * x, part.size.height + 2 * y};
+    Part result;
+    result.put(std::move(part), x, y);
+    result.size = size;
+    return result;
+}
+
+/// One beside the other, with their middles on a line.
+Part beside(std::vector<Part> parts, double spacing) {
+    double height = 0;
+    for (const auto& part : parts) {
+        height = std::max(height, part.size.height);
+    }
+    Part result;
+    for (auto& part : parts) {
+        const double down = before(height, part.size.height, kCenter);
+        result.put(std::move(part), result.size.width + (&part == &parts.front() ? 0 : spacing), down);
+    }
+    return result;
+}
+
+double widest(const std::vector<Part>& parts) {
+    double width = 0;
+    for (const auto& part : parts) {
+        width = std::max(width, part.size.width);
+    }
+    return width;
+}
+
+/// One below the other.
+Part stacked(std::vector<Part> parts, double spacing, double share) {
+    const double width = widest(parts);
+    Part result;
+    for (auto& part : parts) {
+        const double left = before(width, part.size.width, share);
+        result.put(std::move(part), left, result.size.height + (&part == &parts.front() ? 0 : spacing));
+    }
+    return result;
+}
+
+Part cutOff(Part part) {
+    part.size.width = std::min(part.size.width, kLargestWidth - 2 * kPadding);
+    return part;
+}
+
+/// Makes the parts from what they say. Each text is measured once.
+class PartMaker {
 public:
-    Placer(PanelLayout& layout, const Graphics& graphics, double scale, double margin)
-        : layout_(layout), graphics_(graphics), scale_(scale), margin_(margin) {}
+    PartMaker(const Graphics& graphics, const PixelGrid& pixels) : graphics_(graphics), pixels_(pixels) {}
 
-    [[nodiscard]] Rect at(double left, double down, Size size) const {
-        return {margin_ + snapped(left), margin_ + snapped(layout_.plate.height - down - size.height), size.width,
-                size.height};
+    [[nodiscard]] Part header(const FloatingContent& content) const {
+        std::vector<Part> parts{ring(content), text(content.sourceName)};
+        if (!content.fee.empty()) {
+            parts.push_back(fee(content.fee));
+        }
+        return padded(beside(std::move(parts), kHeaderSpacing), kHeaderPaddingX, kHeaderPaddingY);
     }
 
-    void text(const StyledText& text, double left, double down) {
-        layout_.texts.push_back({text, at(left, down, graphics_.measure(text.text, text.font))});
-    }
-
-    void symbol(const StyledSymbol& symbol, ImagePtr image, double left, double down) {
-        const Rect frame = at(left, down, image->size());
-        layout_.symbols.push_back({symbol, std::move(image), frame});
-    }
-
-    void cell(const Cell& cell, double left, double down, double columnWidth, double rowHeight) {
-        const Size size = measure(cell, graphics_);
-        // On a whole pixel once, so that the lines of every row are equally far apart.
-        down = snapped(down + (rowHeight - size.height) / 2);
-        const auto offset = [&](double width) {
-            return cell.alignment == Cell::Alignment::Center ? (columnWidth - width) / 2 : columnWidth - width;
-        };
-        if (cell.sparkline) {
-            layout_.sparklines.push_back({*cell.sparkline, at(left + offset(size.width), down, size)});
-            return;
-        }
-        for (const auto& line : cell.lines) {
-            const Size one = graphics_.measure(line.text, line.font);
-            text(line, left + offset(one.width), down);
-            down += one.height;
-        }
-    }
-
-    void sourceImage(const FloatingContent& content) {
-        const double middleX = layout_.ring.x + ring::kDiameter / 2;
-        const double middleY = layout_.ring.y + ring::kDiameter / 2;
-        const auto centered = [&](Size size) {
-            return Rect{middleX - size.width / 2, middleY - size.height / 2, size.width, size.height};
-        };
-        if (auto image = graphics_.image(content.sourceID)) {
-            const Size whole = image->size();
-            const double shrink = kSourceImageSide / std::max({whole.width, whole.height, 1.0});
-            layout_.sourceImageFrame = centered({whole.width * shrink, whole.height * shrink});
-            layout_.sourceImage = std::move(image);
-            return;
-        }
-        const StyledSymbol network{"network", 8, content.palette.primary};
-        if (auto image = graphics_.symbol(network.name, network.fontSize, network.color)) {
-            const Rect frame = centered(image->size());
-            layout_.symbols.push_back({network, std::move(image), frame});
-        }
+    [[nodiscard]] Part body(const FloatingContent& content) const {
+        return content.loading ? padded(text(*content.loading), kLoadingPadding, kLoadingPadding) : grid(content.rows);
     }
 
 private:
-    [[nodiscard]] double snapped(double length) const { return std::round(length * scale_) / scale_; }
+    /// Whole pixels high, so that the lines of every row are equally far apart.
+    [[nodiscard]] Part text(const StyledText& text) const {
+        const Size size = graphics_.measure(text.text, text.font);
+        return single(text, {size.width, pixels_.nearest(size.height)});
+    }
 
-    PanelLayout& layout_;
-    const Graphics& graphics_;
-    double scale_;
-    double margin_;
-};
+    /// Nothing where there is no such symbol.
+    [[nodiscard]] std::vector<Part> symbol(const StyledSymbol& symbol) const {
+        auto image = graphics_.symbol(symbol.name, symbol.fontSize, symbol.color);
+        if (!image) {
+            return {};
+        }
+        const Size size = image->size();
+        return {single(PanelLayout::Symbol{symbol, std::move(image)}, size)};
+    }
 
-void placeFee(Placer& placer, const std::vector<Box>& boxes, double left, double middle, const Graphics& graphics) {
-    for (const auto& box : boxes) {
-        const double down = middle - box.size.height / 2;
-        if (box.image) {
-            placer.symbol(std::get<StyledSymbol>(*box.item), box.image, left, down);
+    /// The pieces of one text, on one base line whatever their sizes.
+    [[nodiscard]] Part run(const std::vector<StyledText>& pieces) const {
+        std::vector<Part> parts;
+        std::vector<double> ascents;
+        for (const auto& piece : pieces) {
+            parts.push_back(text(piece));
+            ascents.push_back(parts.back().size.height - platform::kDescent * piece.font.size);
+        }
+        Part result;
+        for (std::size_t i = 0; i < parts.size(); ++i) {
+            result.put(std::move(parts[i]), result.size.width, std::ranges::max(ascents) - ascents[i]);
+        }
+        return result;
+    }
+
+    [[nodiscard]] Part ring(const FloatingContent& content) const {
+        constexpr double kSide = CountdownRing::kDiameter;
+        Part result = single(PanelLayout::Ring{}, {kSide, kSide});
+        std::vector<Part> source;
+        if (auto image = graphics_.image(content.sourceID)) {
+            const Size size = platform::fittedSize(image->size(), kSourceImageSize);
+            source.push_back(single(std::move(image), size));
         } else {
-            double start = left;
-            for (const auto& piece : std::get<std::vector<StyledText>>(*box.item)) {
-                const Size size = graphics.measure(piece.text, piece.font);
-                // On one base line, whatever their sizes.
-                const double higher = (box.size.height - size.height) * platform::kDescent / platform::kLineHeight;
-                placer.text(piece, start, down + box.size.height - size.height - higher);
-                start += size.width;
+            source = symbol({"network", kSourceSymbolSize, content.palette.primary});
+        }
+        for (auto& part : source) {
+            const Size size = part.size;
+            result.put(std::move(part), before(kSide, size.width, kCenter), before(kSide, size.height, kCenter));
+        }
+        return result;
+    }
+
+    [[nodiscard]] Part fee(const std::vector<HeaderItem>& items) const {
+        std::vector<Part> parts;
+        for (const auto& item : items) {
+            if (const auto* pieces = std::get_if<std::vector<StyledText>>(&item)) {
+                parts.push_back(run(*pieces));
+            } else {
+                std::ranges::move(symbol(std::get<StyledSymbol>(item)), std::back_inserter(parts));
             }
         }
-        left += box.size.width + kFeeSpacing;
+        return beside(std::move(parts), kFeeSpacing);
     }
-}
 
-void placeGrid(Placer& placer, PanelLayout& layout, const FloatingContent& content, const Grid& grid, double left,
-               double down) {
-    down += kGridPaddingY;
-    for (std::size_t i = 0; i < content.rows.size(); ++i) {
-        down += i > 0 ? kRowSpacing : 0;
-        layout.dividers.push_back(placer.at(left, down, {grid.size().width, kDividerHeight}));
-        down += kDividerHeight + kRowSpacing + kRowPaddingY;
-        double start = left + kRowPaddingX;
-        for (std::size_t column = 0; column < content.rows[i].size(); ++column) {
-            placer.cell(content.rows[i][column], start, down, grid.columns[column], grid.rows[i]);
-            start += grid.columns[column] + kColumnSpacing;
+    [[nodiscard]] Part cell(const Cell& cell) const {
+        if (cell.sparkline) {
+            return single(*cell.sparkline, kSparklineSize);
         }
-        down += grid.rows[i] + kRowPaddingY;
+        std::vector<Part> lines;
+        for (const auto& line : cell.lines) {
+            lines.push_back(text(line));
+        }
+        return stacked(std::move(lines), 0, shareOf(cell));
     }
-}
+
+    [[nodiscard]] Part grid(const std::vector<std::vector<Cell>>& rows) const {
+        std::vector<std::vector<Part>> cells;
+        std::vector<double> columns;  // widths
+        for (const auto& row : rows) {
+            cells.emplace_back();
+            columns.resize(std::max(columns.size(), row.size()));
+            for (std::size_t i = 0; i < row.size(); ++i) {
+                cells.back().push_back(cell(row[i]));
+                columns[i] = std::max(columns[i], cells.back()[i].size.width);
+            }
+        }
+        std::vector<Part> lines;
+        for (std::size_t row = 0; row < rows.size(); ++row) {
+            std::vector<Part> placed;
+            for (std::size_t i = 0; i < rows[row].size(); ++i) {
+                const double left = before(columns[i], cells[row][i].size.width, shareOf(rows[row][i]));
+                placed.emplace_back().put(std::move(cells[row][i]), left, 0);
+                placed.back().size.width = columns[i];
+            }
+            lines.push_back(padded(beside(std::move(placed), kColumnSpacing), kRowPaddingX, kRowPaddingY));
+        }
+        const Size divider{widest(lines), pixels_.line(kDividerHeight)};
+        for (auto& line : lines) {
+            line = stacked({single(PanelLayout::Divider{}, divider), std::move(line)}, kRowSpacing, kLeading);
+        }
+        return padded(stacked(std::move(lines), kRowSpacing, kLeading), 0, kGridPaddingY);
+    }
+
+    [[nodiscard]] static double shareOf(const Cell& cell) {
+        return cell.alignment == Cell::Alignment::Center ? kCenter : kTrailing;
+    }
+
+    const Graphics& graphics_;
+    const PixelGrid& pixels_;
+};
 
 }  // namespace
 
-PanelLayout layOutPanel(const FloatingContent& content, const Graphics& graphics, double scale, double margin) {
-    const auto fee = measureFee(content.fee, graphics);
-    double feeWidth = 0;
-    double headerHeight = ring::kDiameter;
-    for (const auto& box : fee) {
-        feeWidth += box.size.width + (&box == &fee.front() ? 0 : kFeeSpacing);
-        headerHeight = std::max(headerHeight, box.size.height);
-    }
-    const Size name = graphics.measure(content.sourceName.text, content.sourceName.font);
-    headerHeight = std::max(headerHeight, name.height) + 2 * kHeaderPaddingY;
-    const double headerWidth = 2 * kHeaderPaddingX + ring::kDiameter + kHeaderSpacing + name.width +
-                               (fee.empty() ? 0 : kHeaderSpacing + feeWidth);
-
-    const Grid grid = measureGrid(content.rows, graphics);
-    Size body = grid.size();
-    if (content.loading) {
-        const Size words = graphics.measure(content.loading->text, content.loading->font);
-        body = {words.width + 2 * kLoadingPadding, words.height + 2 * kLoadingPadding};
-    }
-
-    const auto wholePixels = [&](double length) { return std::ceil(length * scale - 1e-6) / scale; };
-    const double width = wholePixels(std::min(std::max(headerWidth, body.width) + 2 * kPadding, kLargestWidth));
-    PanelLayout layout{.plate = {margin, margin, width, wholePixels(headerHeight + body.height + 2 * kPadding)}};
-    Placer placer(layout, graphics, scale, margin);
-
-    const double middle = kPadding + headerHeight / 2;
-    double left = (width - headerWidth) / 2 + kHeaderPaddingX;
-    layout.ring = placer.at(left, middle - ring::kDiameter / 2, {ring::kDiameter, ring::kDiameter});
-    placer.sourceImage(content);
-    left += ring::kDiameter + kHeaderSpacing;
-    placer.text(content.sourceName, left, middle - name.height / 2);
-    placeFee(placer, fee, left + name.width + kHeaderSpacing, middle, graphics);
-
-    const double bodyLeft = (width - body.width) / 2;
-    const double bodyDown = kPadding + headerHeight;
-    if (content.loading) {
-        placer.text(*content.loading, bodyLeft + kLoadingPadding, bodyDown + kLoadingPadding);
-    } else {
-        placeGrid(placer, layout, content, grid, bodyLeft, bodyDown);
+PanelLayout layOutPanel(const FloatingContent& content, const Graphics& graphics, const PixelGrid& pixels,
+                        double margin) {
+    const PartMaker maker(graphics, pixels);
+    Part panel = stacked({cutOff(maker.header(content)), cutOff(maker.body(content))}, 0, kCenter);
+    panel = padded(std::move(panel), kPadding, kPadding);
+    PanelLayout layout{.plate = {margin, margin, pixels.covering(panel.size.width), pixels.covering(panel.size.height)},
+                       .ring = {},
+                       .items = std::move(panel.items)};
+    for (auto& [what, frame] : layout.items) {
+        frame.x = margin + pixels.nearest(frame.x);
+        // From the top, since of two places that are equally near the lower one keeps texts on one base line.
+        frame.y = margin + layout.plate.height - pixels.nearest(frame.y + frame.height);
+        if (std::holds_alternative<PanelLayout::Ring>(what)) {
+            layout.ring = frame;
+        }
     }
     return layout;
 }

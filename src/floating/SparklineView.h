@@ -8,7 +8,7 @@ namespace glintar::floating {
 
 /// A coin's recent prices as a line: the oldest at the left edge, the highest at the top.
 struct SparklineView {
-    std::vector<double> prices;  ///< finite, oldest first
+    std::vector<double> prices;  ///< oldest first
     platform::Color color;
     bool operator==(const SparklineView&) const = default;
 

@@ -3,18 +3,11 @@
 #include "menubar/Pill.h"
 #include "menubar/StatusLine.h"
 
-#include <string>
-#include <string_view>
-
 namespace glintar::menubar {
 
 /// The picture of one coin: its icon, or a badge with its name while there is none (null); the price, above a reference
 /// price if it has one; the change and the range of the day; and a sparkline. 24 points high, at least 40 wide.
 [[nodiscard]] platform::ImagePtr renderCoinPill(const platform::Graphics& graphics, const CoinPart& part,
                                                 const platform::ImagePtr& icon, const Look& look);
-
-/// What stands on the badge: the first 8 characters of the name, in upper case, fit for one line. At most 1.5 kB,
-/// however many marks the user heaps upon one character.
-[[nodiscard]] std::string badgeText(std::string_view displayName);
 
 }  // namespace glintar::menubar

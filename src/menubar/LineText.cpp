@@ -1,8 +1,8 @@
 #include "menubar/LineText.h"
 
+#include "menubar/Sparkline.h"
 #include "text/Unicode.h"
 
-#include <algorithm>
 #include <array>
 #include <cmath>
 
@@ -10,17 +10,9 @@ namespace glintar::menubar {
 
 std::string sparklineText(std::span<const double> values) {
     static constexpr std::array<std::string_view, 8> kBlocks{"▁", "▂", "▃", "▄", "▅", "▆", "▇", "█"};
-    if (values.size() < 2) {
-        return {};
-    }
-    const auto [low, high] = std::ranges::minmax(values);
-    // Halves, or the range of two huge values of opposite sign would be infinite.
-    const double range = high / 2 - low / 2;
     std::string text;
-    for (const double value : values) {
-        const double height = range > 0 ? (value / 2 - low / 2) / range : 0;
-        const auto block = std::lround(height * (kBlocks.size() - 1));
-        text += kBlocks[static_cast<std::size_t>(std::clamp(block, 0L, 7L))];
+    for (const double height : sparklineHeights(values)) {
+        text += kBlocks.at(static_cast<std::size_t>(std::lround(height * (kBlocks.size() - 1))));
     }
     return text;
 }

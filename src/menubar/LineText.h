@@ -10,7 +10,8 @@ namespace glintar::menubar {
 // The price line in words: for text bars, and for those who cannot see the pills. Display names are the user's, so
 // control characters in them do not get through.
 
-/// One block character (U+2581 to U+2588) for each value, from the lowest to the highest; empty for fewer than two.
+/// One block character (U+2581 to U+2588) for each finite value, from the lowest to the highest; empty for fewer than
+/// two.
 [[nodiscard]] std::string sparklineText(std::span<const double> values);
 
 /// "BTC 64012.55 (60000.00) +1.20% 64500.0/63000.0 ▁▃▇".

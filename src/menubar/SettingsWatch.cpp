@@ -2,7 +2,6 @@
 
 #include "config/Coin.h"
 #include "config/Settings.h"
-#include "menubar/StatusBarController.h"
 #include "platform/NotificationCenter.h"
 #include "platform/Platform.h"
 #include "platform/Preferences.h"
@@ -36,10 +35,10 @@ SettingsWatch::Snapshot SettingsWatch::read() const {
 void SettingsWatch::onPreferencesChanged() {
     const auto before = std::exchange(last_, read());
     if (before.display != last_.display) {
-        platform_.notifications.post(kDisplaySettingsChanged);
+        platform_.notifications.post(config::kDisplaySettingsChanged);
     }
     if (before.displayMode != last_.displayMode) {
-        platform_.notifications.post(kDisplayModeChanged);
+        platform_.notifications.post(config::kDisplayModeChanged);
     }
     if (before.coins != last_.coins || before.source != last_.source) {
         platform_.notifications.post(config::kCoinsUpdated);

@@ -51,8 +51,8 @@ StatusBarController::StatusBarController(platform::Platform& platform, StatusSur
     };
     observe(market::kCoolDownEnded, &StatusBarController::forceFullUpdate);
     observe(config::kCoinsUpdated, &StatusBarController::onSettingsChanged);
-    observe(kDisplayModeChanged, &StatusBarController::onDisplayModeChanged);
-    observe(kDisplaySettingsChanged, &StatusBarController::onDisplaySettingsChanged);
+    observe(config::kDisplayModeChanged, &StatusBarController::onDisplayModeChanged);
+    observe(config::kDisplaySettingsChanged, &StatusBarController::onDisplaySettingsChanged);
     observe(platform::kMachineResumed, &StatusBarController::onResumed);
     observe(platform::kNetworkCameBack, &StatusBarController::onNetworkBack);
 }

@@ -11,7 +11,6 @@
 #include <memory>
 #include <optional>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace glintar::platform {
@@ -24,12 +23,6 @@ enum class DisplayMode;
 class StatusSurface;
 struct RefreshProgress;
 struct RefreshState;
-
-/// Posted after the display settings have been saved.
-inline constexpr std::string_view kDisplaySettingsChanged = "DisplaySettingsChanged";
-
-/// Posted after that when the display mode may be another one.
-inline constexpr std::string_view kDisplayModeChanged = "DisplayModeChanged";
 
 /// The presenter: decides when quotes are fetched, joins them with the network fee, keeps the last good answer and
 /// hands it to the surface. Every 60 seconds, or 30 when the user has an API key for the selected source. At most one

@@ -1,30 +1,17 @@
 #include "menubar/StatusItems.h"
 
 #include "config/Settings.h"
-#include "menubar/CoinIcons.h"
-#include "menubar/LineText.h"
 #include "menubar/PillColors.h"
-#include "menubar/PillPainter.h"
 #include "platform/Desktop.h"
 #include "platform/DesktopEvents.h"
 #include "platform/Platform.h"
-#include "platform/WorkQueue.h"
+#include "platform/Preferences.h"
 
-#include <algorithm>
 #include <utility>
-#include <vector>
 
 namespace glintar::menubar {
 
 namespace {
-
-constexpr platform::Font kTitleFont{.size = 14, .digits = platform::Font::Digits::AsDesigned};
-constexpr platform::Font kMessageFont{.size = 12, .digits = platform::Font::Digits::AsDesigned};
-
-/// A picture that stands on the line of the text beside it.
-platform::PictureRun pill(platform::ImagePtr picture, std::string description) {
-    return {.image = std::move(picture), .offset = {0, -7.5}, .description = std::move(description)};
-}
 
 void popUpMenu(platform::StatusItem& item) {
     item.popUpMenu({-10, item.frame().height - 40});
@@ -32,25 +19,14 @@ void popUpMenu(platform::StatusItem& item) {
 
 }  // namespace
 
-/// One line on its way to the screen. Each picture is written by one piece of work, before it leaves the group; they
-/// are read after the group has emptied.
-struct StatusItems::Render {
-    StatusLine line;
-    std::optional<std::string> tooltip;
-    Look look;
-    std::uint64_t generation = 0;
-    std::vector<platform::ImagePtr> coins;
-    platform::ImagePtr gas;
-};
-
 StatusItems::StatusItems(platform::Platform& platform, platform::Desktop& desktop, Callbacks callbacks)
     : platform_(platform),
       desktop_(desktop),
       callbacks_(std::move(callbacks)),
       anchorItem_(desktop.statusBar.addItem(platform::StatusItem::Length::Square)),
       displayItem_(desktop.statusBar.addItem(platform::StatusItem::Length::Variable)),
+      renderer_(platform, desktop, [this] { callbacks_.redisplay(); }),
       countdown_(desktop.graphics) {
-    painter_ = makePainter();
     anchorItem_->setToolTip("Glintar");
     displayItem_->setToolTip("Waiting for data...");
     setUpMenu();
@@ -88,7 +64,8 @@ void StatusItems::drawAnchor() {
     const auto& graphics = desktop_.graphics;
     auto icon = graphics.image("AppIcon");
     if (!icon) {
-        icon = graphics.symbol("bitcoinsign.circle.fill", kSize.height, colorNamed("text", look().appearance));
+        icon =
+            graphics.symbol("bitcoinsign.circle.fill", kSize.height, colorNamed("text", renderer_.look().appearance));
     }
     if (icon) {
         anchorItem_->setImage(graphics.fitted(icon, kSize));
@@ -97,79 +74,33 @@ void StatusItems::drawAnchor() {
 
 void StatusItems::showLoading() {
     static constexpr const char* kText = "Loading...";
-    displayItem_->setTitle({platform::TextRun{kText, kTitleFont, colorNamed("text", look().appearance)}}, kText);
+    displayItem_->setTitle({platform::TextRun{kText, kTitleFont, colorNamed("text", renderer_.look().appearance)}},
+                           kText);
 }
 
 void StatusItems::renderStatusItem(StatusLine line, std::optional<std::string> tooltip) {
     isHidden_ = false;
-    const auto render = std::make_shared<Render>(std::move(line), std::move(tooltip), look(), ++generation_);
-    wanted_ = render;
-    render->coins.resize(render->line.coins.size());
-    platform::DispatchGroup group;
-    for (std::size_t i = 0; i < render->coins.size(); ++i) {
-        const auto& part = render->line.coins[i];
-        renderPart(render, group, part, painter_->renderKey(render->line, part), render->coins[i]);
-    }
-    if (render->line.gas) {
-        renderPart(render, group, *render->line.gas, painter_->renderKey(*render->line.gas), render->gas);
-    }
-    group.notify(platform_.runLoop, lifetime_.guard([this, render] { compose(*render); }));
+    wanted_ = std::make_shared<const StatusLine>(std::move(line));
+    tooltip_ = std::move(tooltip);
+    renderer_.render(wanted_, [this](LineTitle title) { showTitle(std::move(title)); });
 }
 
-/// Takes the finished picture, or has it drawn. Part and picture belong to the render.
-template <class Part>
-void StatusItems::renderPart(const std::shared_ptr<Render>& render, platform::DispatchGroup group, const Part& part,
-                             const std::string& key, platform::ImagePtr& picture) {
-    picture = painter_->finishedPill(key);
-    if (picture) {
-        return;
-    }
-    group.enter();
-    platform_.workQueue.async([render, group, &part, &picture, key, weak = std::weak_ptr(painter_)]() mutable {
-        if (const auto painter = weak.lock()) {
-            picture = painter->drawPill(key, part);
-        }
-        group.leave();
-    });
-}
-
-void StatusItems::compose(const Render& render) {
-    if (render.generation != generation_) {
-        return;
-    }
-    const auto& line = render.line;
-    const platform::TextRun separator{"   ", kTitleFont,
-                                      systemColor(SystemColor::TertiaryLabel, render.look.appearance)};
-    platform::AttributedText title;
-    if (line.emptyText) {
-        title.emplace_back(platform::TextRun{*line.emptyText, kMessageFont,
-                                             systemColor(SystemColor::SecondaryLabel, render.look.appearance)});
-    }
-    for (std::size_t i = 0; i < line.coins.size(); ++i) {
-        if (!title.empty()) {
-            title.emplace_back(separator);
-        }
-        title.emplace_back(pill(render.coins[i], plainText(line.coins[i])));
-    }
-    if (line.gas) {
-        title.emplace_back(separator);
-        title.emplace_back(pill(render.gas, plainText(*line.gas)));
-    }
-    if (title.empty()) {
+void StatusItems::showTitle(LineTitle title) {
+    if (isLineEmpty()) {
         displayItem_->setLength(platform::StatusItem::Length::Collapsed);
         return;
     }
     displayItem_->setLength(platform::StatusItem::Length::Variable);
-    displayItem_->setTitle(std::move(title), plainText(line));
+    displayItem_->setTitle(std::move(title.text), std::move(title.description));
     displayItem_->setVisible(true);
-    if (render.tooltip) {
-        displayItem_->setToolTip(*render.tooltip);
+    if (tooltip_) {
+        displayItem_->setToolTip(*tooltip_);
     }
 }
 
 void StatusItems::hide() {
     isHidden_ = true;
-    ++generation_;
+    renderer_.cancel();
     displayItem_->setVisible(false);
     displayItem_->setLength(platform::StatusItem::Length::Collapsed);
 }
@@ -185,7 +116,7 @@ void StatusItems::show() {
 }
 
 platform::Seconds StatusItems::showProgress(double elapsed, platform::Seconds interval) {
-    const auto now = look();
+    const Look now = renderer_.look();
     if (auto picture = countdown_.pictureAt(elapsed, config::selectedSourceID(platform_.preferences), now)) {
         displayItem_->setImage(std::move(picture));
     }
@@ -193,37 +124,19 @@ platform::Seconds StatusItems::showProgress(double elapsed, platform::Seconds in
 }
 
 void StatusItems::onLookChanged() {
-    painter_ = makePainter();
+    renderer_.onLookChanged();
     drawAnchor();
-    const auto before = generation_;
+    const auto before = wanted_;
     callbacks_.redisplay();
     // Without quotes there is nothing to display again, but what stands there in words has a colour too.
-    if (generation_ != before) {
+    if (wanted_ != before) {
         return;
     }
-    if (wanted_) {
-        if (isHidden_) {
-            return;
-        }
-        const auto last = wanted_;
-        renderStatusItem(last->line, last->tooltip);
-    } else {
+    if (!wanted_) {
         showLoading();
+    } else if (!isHidden_) {
+        renderStatusItem(*wanted_, tooltip_);
     }
-}
-
-bool StatusItems::isLineEmpty() const {
-    return wanted_ && wanted_->line.isEmpty();
-}
-
-Look StatusItems::look() const {
-    return {.appearance = desktop_.events.appearance(), .scale = desktop_.statusBar.scale()};
-}
-
-std::shared_ptr<PillPainter> StatusItems::makePainter() {
-    return std::make_shared<PillPainter>(desktop_.graphics,
-                                         CoinIcons::shared(platform_, desktop_.graphics).shared_from_this(), look(),
-                                         lifetime_.guard([this] { callbacks_.redisplay(); }));
 }
 
 }  // namespace glintar::menubar

@@ -1,15 +1,12 @@
 #pragma once
 
-#include "menubar/Pill.h"
+#include "menubar/LineRenderer.h"
 #include "menubar/ProgressImage.h"
 #include "menubar/StatusLine.h"
-#include "platform/DispatchGroup.h"
-#include "platform/Lifetime.h"
 #include "platform/NotificationCenter.h"
 #include "platform/RunLoop.h"
 #include "platform/StatusBar.h"
 
-#include <cstdint>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -21,8 +18,6 @@ struct Platform;
 }  // namespace glintar::platform
 
 namespace glintar::menubar {
-
-class PillPainter;
 
 /// The two items in the status bar: at its right end the program's icon, which opens the menu, and to its left the
 /// price line, a row of pictures with the countdown before them. Main thread only; the pictures are drawn on the work
@@ -58,32 +53,24 @@ public:
     platform::Seconds showProgress(double elapsed, platform::Seconds interval);
 
 private:
-    struct Render;
-
     void setUpMenu();
     void drawAnchor();
     void showLoading();
-    template <class Part>
-    void renderPart(const std::shared_ptr<Render>& render, platform::DispatchGroup group, const Part& part,
-                    const std::string& key, platform::ImagePtr& picture);
-    void compose(const Render& render);
+    void showTitle(LineTitle title);
     void onLookChanged();
-    [[nodiscard]] bool isLineEmpty() const;
-    [[nodiscard]] Look look() const;
-    [[nodiscard]] std::shared_ptr<PillPainter> makePainter();
+    [[nodiscard]] bool isLineEmpty() const { return wanted_ && wanted_->isEmpty(); }
 
     platform::Platform& platform_;
     platform::Desktop& desktop_;
     Callbacks callbacks_;
     std::unique_ptr<platform::StatusItem> anchorItem_;
     std::unique_ptr<platform::StatusItem> displayItem_;
-    std::shared_ptr<PillPainter> painter_;  ///< held weakly by what is under way; another one for every look
+    LineRenderer renderer_;
     Countdown countdown_;
-    std::shared_ptr<const Render> wanted_;  ///< the newest line; none before the first
-    std::uint64_t generation_ = 0;          ///< of `wanted_`; what is under way for an older one comes to nothing
+    std::shared_ptr<const StatusLine> wanted_;  ///< the newest line; none before the first
+    std::optional<std::string> tooltip_;        ///< that goes with it
     bool isHidden_ = false;
     std::unique_ptr<platform::NotificationCenter::Observation> appearanceObservation_;
-    platform::Lifetime lifetime_;  // last member
 };
 
 }  // namespace glintar::menubar

@@ -9,7 +9,8 @@ namespace glintar::platform {
 // What happens to the machine and its desktop, as notices of the notification centre. They tell that something is so,
 // not how often: the same one may come twice.
 
-/// `DesktopEvents::appearance` answers differently.
+/// `DesktopEvents::appearance` answers differently, or the desktop has another font: whatever was drawn or measured by
+/// them may look different.
 inline constexpr std::string_view kAppearanceChanged = "AppearanceChanged";
 
 /// The user turned to another program.

@@ -118,10 +118,10 @@ protected:
 
     const Document& document = GetParam();
     platform::VirtualPlatform machine;
-    std::vector<std::string> announcements;  // what the file held at each
+    std::vector<std::string> announcements;  // what was there at each: the last log line, number, file
     std::unique_ptr<platform::NotificationCenter::Observation> observation =
         machine.notifications.observe(document.notification, [this] {
-            announcements.push_back(fmt::format("v{} {}", machine.preferences.integer(document.key),
+            announcements.push_back(fmt::format("{} v{} {}", log().back(), machine.preferences.integer(document.key),
                                                 machine.files.contents[document.file]));
         });
 };
@@ -134,7 +134,7 @@ TEST_P(UpdaterTest, TheFirstVersionIsStoredByteForByteAndThenAnnouncedOnce) {
     machine.preferences.remove(document.key);
     offer(R"({"version":1})");
     check();
-    EXPECT_THAT(announcements, ElementsAre("v1 " + document.body)) << "file and number are there when it is told";
+    EXPECT_THAT(announcements, ElementsAre(document.stored + " v1 " + document.body)) << "all is there when it is told";
     EXPECT_THAT(log(), ElementsAre(document.started, compared(0, 1), found(1), document.stored));
 
     ASSERT_THAT(machine.http.requests, SizeIs(2));

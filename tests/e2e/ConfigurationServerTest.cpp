@@ -85,12 +85,10 @@ class ConfigurationServerTest : public ProgramTest {
 protected:
     /// Runs the line until the text has been logged.
     std::string runUntil(const std::string& server, const std::string& authority, const std::string& text) const {
-        auto environment = this->environment();
-        environment["GLINTAR_CONFIG_SERVER"] = server;
-        environment["SSL_CERT_FILE"] = authority;
-        environment["SSL_CERT_DIR"] = std::nullopt;
-        environment["NO_PROXY"] = "*";
-        Program program({GLINTAR_PROGRAM, "line"}, environment);
+        auto program = start({"line"}, {{"GLINTAR_CONFIG_SERVER", server},
+                                        {"SSL_CERT_FILE", authority},
+                                        {"SSL_CERT_DIR", std::nullopt},
+                                        {"NO_PROXY", "*"}});
         EXPECT_TRUE(program.waitForErrors(text)) << program.errors();
         program.signal(SIGTERM);
         EXPECT_EQ(program.wait(), 0);

@@ -1,24 +1,21 @@
 // `glintar line` against a market on loopback: the real program, its real network and its real files.
 
-#include "demo/DemoSession.h"
 #include "e2e/ProgramTest.h"
 #include "json/Json.h"
 #include "platform/secret/PrivateBus.h"
 #include "support/LoopbackServer.h"
-#include "support/Program.h"
 #include "support/TemporaryFolder.h"
 #include "support/TestFiles.h"
 
 #include <fmt/format.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <httplib.h>
 #include <signal.h>
 #include <sys/socket.h>
 #include <sys/un.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <fstream>
 
 namespace glintar::test {
@@ -29,14 +26,7 @@ using testing::HasSubstr;
 using testing::Not;
 using testing::StartsWith;
 
-class LineTest : public ProgramTest {
-protected:
-    Program start(const std::vector<std::string>& arguments, Program::Output output = Program::Output::Pipe) const {
-        std::vector<std::string> command{GLINTAR_PROGRAM};
-        command.insert(command.end(), arguments.begin(), arguments.end());
-        return Program(command, environment(), output);
-    }
-};
+class LineTest : public ProgramTest {};
 
 TEST_F(LineTest, EachShapeOfServiceIsPricedAndAllAgree) {
     std::vector<double> prices;
@@ -95,7 +85,7 @@ TEST_F(LineTest, AServerErrorThatPassesIsNotSeen) {
 
 TEST_F(LineTest, WithoutANetworkItSaysSoAndSaysItAgain) {
     preferences("");
-    std::ofstream(session->dataHome() / "glintar" / "remote_api_endpoints.json")
+    std::ofstream(dataFolder() / "remote_api_endpoints.json")
         << R"({"sources":[{"id":"coingecko","name":"C","supports_batch":true,"url_template":"http://127.0.0.1:9/{ID}",)"
         << R"("response_type":"array","id_mapping_path":"id","price_path":"p"}]})";
     auto program = start({"line", "--once", "--format=json"});
@@ -114,7 +104,7 @@ TEST_F(LineTest, ALineComesIntoThePipeASecondAfterTheStart) {
 }
 
 TEST_F(LineTest, ATerminalShowsTheLineInPlaceAndTheShellFindsAFreshOne) {
-    auto program = start({"line"}, Program::Output::Terminal);
+    auto program = start({"line"}, {}, Program::Output::Terminal);
     ASSERT_TRUE(program.waitForOutput("BTC ")) << program.output();
     ASSERT_TRUE(program.waitForOutput("58s ")) << program.output();
     EXPECT_THAT(program.output(), HasSubstr("\r\x1b[2K"));
@@ -124,96 +114,11 @@ TEST_F(LineTest, ATerminalShowsTheLineInPlaceAndTheShellFindsAFreshOne) {
     EXPECT_THAT(program.output(), EndsWith("\n"));
 }
 
-TEST_F(LineTest, SignalsEndItAtOnceEvenWhileAServiceHangs) {
-    struct Row {
-        int signal;
-        std::vector<std::string> arguments;
-        int status;
-    };
-    fault("hang");
-    for (const auto& [signal, arguments, status] :
-         {Row{SIGINT, {"line"}, 0}, Row{SIGTERM, {"line"}, 0}, Row{SIGTERM, {"line", "--once"}, 1}}) {
-        auto program = start(arguments);
-        const auto asked = log().size();
-        for (int i = 0; i < 300 && log().size() == asked; ++i) {
-            std::this_thread::sleep_for(std::chrono::milliseconds{20});  // until the request is under way
-        }
-        const auto before = std::chrono::steady_clock::now();
-        program.signal(signal);
-        EXPECT_EQ(program.wait(), status) << program.errors();
-        EXPECT_LT(std::chrono::steady_clock::now() - before, std::chrono::seconds{2});
-    }
-}
-
-/// Whether it ends by itself, with this status, although nobody reads what it writes.
-bool endsUnread(const Program& program, int expected) {
-    int status = 0;
-    for (int i = 0; i < 150; ++i) {
-        if (::waitpid(program.id(), &status, WNOHANG) == program.id()) {
-            return WIFEXITED(status) && WEXITSTATUS(status) == expected;
-        }
-        std::this_thread::sleep_for(std::chrono::milliseconds{20});
-    }
-    return false;
-}
-
-TEST_F(LineTest, SignalsEndItEvenWhileNobodyReadsWhatItWrites) {
-    struct Row {
-        const char* name;
-        std::vector<std::string> arguments;
-        Program::Output output;
-        const char* fault;
-        int status;
-    };
-    using Output = Program::Output;
-    for (const auto& row : {Row{"full pipe", {"line"}, Output::FullPipe, "off", 0},
-                            Row{"errors full, request under way", {"line"}, Output::FullErrors, "hang", 0},
-                            Row{"errors full, once", {"line", "--once"}, Output::FullErrors, "hang", 1},
-                            Row{"stopped terminal", {"line"}, Output::Terminal, "off", 0}}) {
-        SCOPED_TRACE(row.name);
-        fault(row.fault);
-        const auto asked = log().size();
-        auto program = start(row.arguments, row.output);
-        for (int i = 0; i < 300 && log().size() == asked; ++i) {
-            std::this_thread::sleep_for(std::chrono::milliseconds{20});
-        }
-        if (row.output == Output::Terminal) {
-            ASSERT_TRUE(program.waitForOutput("BTC "));
-            program.stopTerminal();
-        }
-        std::this_thread::sleep_for(std::chrono::milliseconds{300});  // until it waits for room
-        program.signal(SIGTERM);
-        EXPECT_TRUE(endsUnread(program, row.status));
-    }
-}
-
-TEST_F(LineTest, StreamsThatCannotBeWrittenAreNoReasonToCrash) {
-    struct Row {
-        std::string command;
-        int status;
-    };
-    const std::string program = GLINTAR_PROGRAM;
-    for (const auto& [command, status] :
-         {Row{" lien 2>/dev/full", 2}, Row{" lien 2>&-", 2}, Row{" --help >/dev/full", 1},
-          Row{" line --once >/dev/full", 1}, Row{" line --once >&- 2>&-", 0}, Row{" line --once 2>/dev/full", 0}}) {
-        Program shell({"sh", "-c", program + command}, environment());
-        EXPECT_EQ(shell.wait(), status) << command << shell.errors();
-    }
-}
-
-TEST_F(LineTest, AReaderThatGoesAwayEndsItBeforeTheNextLine) {
-    auto program = start({"line"});
-    ASSERT_TRUE(program.waitForOutput("\n"));
-    program.closeOutput();
-    EXPECT_EQ(program.wait(), 0);
-}
-
 TEST_F(LineTest, SettingsChangedMeanwhileTakeEffectWithoutARestart) {
     preferences("");
     auto program = start({"line"});
     ASSERT_TRUE(program.waitForOutput("BTC "));
-    std::filesystem::rename(session->configHome() / "glintar" / "glintar.conf",
-                            session->configHome() / "glintar" / "old");
+    std::filesystem::rename(preferencesFile(), session->configHome() / "old");
     preferences(
         R"(savedCoins="[{\"id\":\"6F9619FF-8B86-4011-B42D-00C04FC964FF\",\"displayName\":\"doge\",\"apiId\":\"dogecoin\"}]")"
         "\n");
@@ -222,7 +127,7 @@ TEST_F(LineTest, SettingsChangedMeanwhileTakeEffectWithoutARestart) {
 
 TEST_F(LineTest, DamagedFilesAndMissingFoldersAreSurvived) {
     // A configuration document that is cut off: the shipped one counts, whose services are out of reach here.
-    const auto document = session->dataHome() / "glintar" / "remote_api_endpoints.json";
+    const auto document = dataFolder() / "remote_api_endpoints.json";
     const auto good = readFile(document);
     std::ofstream(document) << good.substr(0, good.size() / 2);
     preferences("selectedSourceID=nobody\n");
@@ -232,8 +137,7 @@ TEST_F(LineTest, DamagedFilesAndMissingFoldersAreSurvived) {
     EXPECT_THAT(cut.errors(), HasSubstr("📦 [Config] 首次启动，加载内部初始配置"));
 
     std::ofstream(document) << good;
-    std::ofstream(session->configHome() / "glintar" / "glintar.conf")
-        << "\x01\xff]]garbage\n[General\nsavedCoins=@Byte";
+    std::ofstream(preferencesFile()) << "\x01\xff]]garbage\n[General\nsavedCoins=@Byte";
     auto damaged = start({"line", "--once"});
     EXPECT_EQ(damaged.wait(), 0) << damaged.errors();
     EXPECT_THAT(damaged.output(), StartsWith("BTC ")) << "the default list";
@@ -250,7 +154,7 @@ TEST_F(LineTest, DamagedFilesAndMissingFoldersAreSurvived) {
 }
 
 TEST_F(LineTest, ANewConfigurationOfTheServersCountsFromTheNextRefreshOn) {
-    const auto document = session->dataHome() / "glintar" / "remote_api_endpoints.json";
+    const auto document = dataFolder() / "remote_api_endpoints.json";
     const auto good = readFile(document);
     std::filesystem::remove(document);
     preferences("selectedSourceID=simulated\n");
@@ -259,13 +163,9 @@ TEST_F(LineTest, ANewConfigurationOfTheServersCountsFromTheNextRefreshOn) {
     auto renamed = good;
     renamed.replace(renamed.find("\"coingecko\""), 11, "\"simulated\"");
     server.on("/x/api/api_endpoints.json", {.body = renamed});
-    auto where = environment();
-    where["GLINTAR_CONFIG_SERVER"] = server.url("/x");
-    Program program({GLINTAR_PROGRAM, "line", "--format=json"}, where);
+    auto program = start({"line", "--format=json"}, {{"GLINTAR_CONFIG_SERVER", server.url("/x")}});
     ASSERT_TRUE(program.waitForOutput("Config Missing")) << "the shipped document has no such source";
-    for (int i = 0; i < 500 && !std::filesystem::exists(document); ++i) {
-        std::this_thread::sleep_for(std::chrono::milliseconds{20});
-    }
+    EXPECT_TRUE(eventually([&] { return std::filesystem::exists(document); }));
     EXPECT_EQ(readFile(document), renamed);
     program.signal(SIGTERM);
     EXPECT_EQ(program.wait(), 0);
@@ -289,7 +189,7 @@ TEST_F(LineTest, WordsItDoesNotKnowAreRefusedAndItsOwnExplained) {
     auto version = start({"--version"});
     EXPECT_EQ(version.wait(), 0);
     EXPECT_THAT(version.output(), StartsWith("glintar "));
-    auto server = Program({GLINTAR_PROGRAM, "line"}, {{"GLINTAR_CONFIG_SERVER", "http://config.example"}});
+    auto server = start({"line"}, {{"GLINTAR_CONFIG_SERVER", "http://config.example"}});
     EXPECT_EQ(server.wait(), 2);
     EXPECT_THAT(server.errors(), HasSubstr("plain http is for loopback addresses only"));
 }
@@ -320,14 +220,9 @@ TEST_F(LineTest, OnlyTheDemonstrationLeavesTheUsersKeyRingAlone) {
     path.string().copy(place.sun_path, sizeof place.sun_path - 1);
     ASSERT_EQ(::bind(bus, reinterpret_cast<const sockaddr*>(&place), sizeof place), 0);
     ASSERT_EQ(::listen(bus, 8), 0);
-    auto where = environment();
-    where["DBUS_SESSION_BUS_ADDRESS"] = "unix:path=" + path.string();
     for (const bool isDemo : {true, false}) {
-        std::vector<std::string> command{GLINTAR_PROGRAM, "line", "--once"};
-        if (isDemo) {
-            command.emplace_back("--demo");
-        }
-        Program program(command, where);
+        auto program = start({"line", isDemo ? "--demo" : "--format=text", "--once"},
+                             {{"DBUS_SESSION_BUS_ADDRESS", "unix:path=" + path.string()}});
         EXPECT_EQ(program.wait(), 0) << program.errors();
         const int caller = ::accept(bus, nullptr, nullptr);
         EXPECT_EQ(caller < 0, isDemo) << "without the demonstration it asks";
@@ -341,9 +236,7 @@ TEST_F(LineTest, TheKeyOfTheUsersKeyRingGoesToItsService) {
     bus.start();
     bus.startKeyRing(platform::PrivateBus::Ring::Open);
     bus.writeElsewhere("apiKey_coingecko", "GlintarUser", "CG-e2e");
-    auto where = environment();
-    where["DBUS_SESSION_BUS_ADDRESS"] = bus.address();
-    Program program({GLINTAR_PROGRAM, "line", "--once"}, where);
+    auto program = start({"line", "--once"}, {{"DBUS_SESSION_BUS_ADDRESS", bus.address()}});
     EXPECT_EQ(program.wait(), 0) << program.errors();
     EXPECT_THAT(log(), HasSubstr(" CG-e2e"));
 }
@@ -358,48 +251,6 @@ TEST_F(LineTest, WhatIsInstalledRunsFromWhereItWasPut) {
     EXPECT_TRUE(std::ranges::any_of(std::filesystem::recursive_directory_iterator(prefix.path()), [](const auto& file) {
         return file.path().filename() == "coingecko_coins_list.json";
     }));
-}
-
-TEST_F(LineTest, TheDemonstrationLeavesNothingBehindHoweverEarlyItEnds) {
-    TemporaryFolder temporary;
-    auto where = environment();
-    where["TMPDIR"] = temporary.path();
-    for (int i = 0; i < 20; ++i) {
-        Program program({GLINTAR_PROGRAM, "line", "--demo"}, where);
-        std::this_thread::sleep_for(std::chrono::milliseconds{i * 5});
-        program.signal(i % 2 == 0 ? SIGTERM : SIGINT);
-        static_cast<void>(program.wait());
-    }
-    for (int i = 0; i < 500 && !std::filesystem::is_empty(temporary.path()); ++i) {
-        std::this_thread::sleep_for(std::chrono::milliseconds{20});
-    }
-    EXPECT_TRUE(std::filesystem::is_empty(temporary.path()));
-}
-
-TEST_F(LineTest, AnInterruptFromTheKeyboardLeavesTheDemonstrationsLineAsItWas) {
-    Program program({GLINTAR_PROGRAM, "line", "--demo"}, environment(), Program::Output::Terminal);
-    ASSERT_TRUE(program.waitForOutput("[simulated] BTC ")) << program.errors();
-    program.type("\x03");
-    EXPECT_EQ(program.wait(), 0);
-    const auto last = program.output().substr(program.output().rfind("[simulated]"));
-    EXPECT_THAT(last, HasSubstr(" | SOL ")) << "the market must not end before the line";
-}
-
-TEST_F(LineTest, TheDemonstrationIsMarkedAndLeavesNothingBehind) {
-    TemporaryFolder temporary;
-    auto where = environment();
-    where["TMPDIR"] = temporary.path();
-    for (const int signal : {SIGTERM, SIGKILL}) {
-        Program program({GLINTAR_PROGRAM, "line", "--demo"}, where);
-        ASSERT_TRUE(program.waitForOutput("[simulated] BTC ")) << program.errors();
-        EXPECT_FALSE(std::filesystem::is_empty(temporary.path()));
-        program.signal(signal);
-        EXPECT_EQ(program.wait(), signal == SIGTERM ? std::optional(0) : std::nullopt);
-        for (int i = 0; i < 500 && !std::filesystem::is_empty(temporary.path()); ++i) {
-            std::this_thread::sleep_for(std::chrono::milliseconds{20});  // the market notices by itself
-        }
-        EXPECT_TRUE(std::filesystem::is_empty(temporary.path()));
-    }
 }
 
 }  // namespace

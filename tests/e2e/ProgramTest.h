@@ -1,6 +1,7 @@
 #pragma once
 
 #include "demo/DemoSession.h"
+#include "support/Child.h"
 #include "support/Program.h"
 
 #include <gtest/gtest.h>
@@ -11,6 +12,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace glintar::test {
 
@@ -26,11 +28,20 @@ protected:
     void SetUp() override { ASSERT_TRUE(session) << "the market does not start"; }
 
     /// The profile's; without a display, a bus or a configuration server.
-    Environment environment() const {
+    virtual Environment environment() const {
         return {{"XDG_CONFIG_HOME", session->configHome()}, {"XDG_DATA_HOME", session->dataHome()},
                 {"XDG_CACHE_HOME", session->cacheHome()},   {"XDG_RUNTIME_DIR", session->cacheHome()},
                 {"DBUS_SESSION_BUS_ADDRESS", std::nullopt}, {"DISPLAY", std::nullopt},
                 {"WAYLAND_DISPLAY", std::nullopt},          {"GLINTAR_CONFIG_SERVER", std::nullopt}};
+    }
+
+    /// `extra` goes before the environment above.
+    Program start(const std::vector<std::string>& arguments, Environment extra = {},
+                  Program::Output output = Program::Output::Pipe) const {
+        std::vector<std::string> command{GLINTAR_PROGRAM};
+        command.insert(command.end(), arguments.begin(), arguments.end());
+        extra.merge(environment());
+        return Program(command, extra, output);
     }
 
     /// The folder of its documents and preferences.

@@ -1,5 +1,4 @@
 #include "config/Settings.h"
-#include "floating/CountdownRing.h"
 #include "floating/FloatingView.h"
 #include "floating/PanelLayout.h"
 #include "platform/virtual/VirtualGraphics.h"
@@ -9,6 +8,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <limits>
 
 namespace glintar::floating {
@@ -17,19 +17,20 @@ namespace {
 using platform::Drawn;
 using platform::Point;
 using platform::Rect;
-using platform::Seconds;
 using platform::Size;
 using Kind = Drawn::Kind;
 
 class FloatingViewTest : public testing::Test {
 protected:
-    PanelLayout layOut() const {
-        return layOutPanel(composeContent(state, preferences, platform::Appearance::Dark), graphics, 1, 0);
+    PanelLayout layOut(double scale = 1, double margin = 0) const {
+        return layOutPanel(composeContent(state, preferences, platform::Appearance::Dark), graphics, PixelGrid(scale),
+                           margin);
     }
     /// All of the picture but the green of its ring.
     const platform::VirtualImage& update(FloatingView::Surroundings surroundings) {
         view.update(state, surroundings, 1);
-        return *platform::drawn(view.picture()).operations.at(0).image;
+        const auto images = platform::drawn(view.picture()).all(Kind::Image);
+        return *images.back().image;
     }
     void showTwoCoins() {
         for (const auto key : {config::kShowChange, config::kShowHighLow, config::kShowSparkline}) {
@@ -44,8 +45,22 @@ protected:
         state.marketData["ethereum"] = {.price = 0.5, .change24h = -0.3};
     }
     static Point at(const PanelLayout& layout, std::string_view words) {
-        const auto text = std::ranges::find(layout.texts, words, [](const auto& placed) { return placed.text.text; });
-        return text == layout.texts.end() ? Point{-1, -1} : text->frame.origin();
+        for (const auto& [what, frame] : layout.items) {
+            if (const auto* text = std::get_if<StyledText>(&what); text && text->text == words) {
+                return frame.origin();
+            }
+        }
+        return {-1, -1};
+    }
+    template <typename What>
+    static std::vector<Rect> frames(const PanelLayout& layout) {
+        std::vector<Rect> found;
+        for (const auto& [what, frame] : layout.items) {
+            if (std::holds_alternative<What>(what)) {
+                found.push_back(frame);
+            }
+        }
+        return found;
     }
 
     platform::VirtualGraphics graphics;
@@ -54,13 +69,14 @@ protected:
     FloatingView view{preferences, graphics};
 };
 
-// The numbers below are worked out by hand: a character is 0.6 of its font's size wide, a line 1.2 of it high.
+// The numbers below are worked out by hand: a character is 0.6 of its font's size wide, a line 1.2 of it high
+// and then a whole number of pixels.
 
 TEST_F(FloatingViewTest, AnEmptyPanelIsItsHeaderAboveOneLine) {
     const auto layout = layOut();
     EXPECT_EQ(layout.plate, (Rect{0, 0, 114, 66}));  // 105.4 x 30 over 76 x 28, and 4 around them
     EXPECT_EQ(layout.ring, (Rect{14, 38, 18, 18}));
-    EXPECT_EQ(layout.sourceImageFrame, (Rect{18, 42, 10, 10}));
+    EXPECT_EQ(frames<platform::ImagePtr>(layout).at(0), (Rect{18, 42, 10, 10}));
     EXPECT_EQ(at(layout, "Coingecko"), (Point{40, 40}));
     EXPECT_EQ(at(layout, "Loading..."), (Point{27, 12}));
 }
@@ -71,9 +87,9 @@ TEST_F(FloatingViewTest, AFeeStandsBesideTheName) {
     state.currentGasPrice = 12.7;
     auto layout = layOut();
     EXPECT_EQ(layout.plate.size(), (Size{227, 66}));
-    EXPECT_EQ(at(layout, "BTC"), (Point{108, 41}));
-    EXPECT_EQ(layout.symbols.at(0).frame, (Rect{130, 42, 11, 11}));
-    EXPECT_EQ(at(layout, " 12"), (Point{145, 40}));
+    EXPECT_EQ(at(layout, "BTC"), (Point{107, 41}));
+    EXPECT_EQ(frames<PanelLayout::Symbol>(layout).at(0), (Rect{129, 41, 11, 11}));
+    EXPECT_EQ(at(layout, " 12"), (Point{144, 40}));
     EXPECT_EQ(at(layout, " sat/vB"), (Point{166, 40}));
 
     graphics.missingSymbols = {"fuelpump.fill"};
@@ -84,24 +100,56 @@ TEST_F(FloatingViewTest, AFeeStandsBesideTheName) {
 TEST_F(FloatingViewTest, CoinsStandInAGridWithAlignedColumns) {
     showTwoCoins();
     const auto layout = layOut();
-    EXPECT_EQ(layout.plate.size(), (Size{289, 128}));  // 288.6 x 127.6 in whole pixels
-    EXPECT_THAT(layout.dividers, testing::ElementsAre(testing::Field(&Rect::y, 89), testing::Field(&Rect::y, 39)));
-    EXPECT_EQ(layout.dividers[0].x, 4);
-    EXPECT_NEAR(layout.dividers[0].width, 280.6, 1e-9);
-    EXPECT_EQ(at(layout, "BITC"), (Point{10, 58}));
-    EXPECT_EQ(at(layout, "64250.50"), (Point{68, 63}));
-    EXPECT_EQ(at(layout, "Ref: 60000.00"), (Point{55, 52}));
-    EXPECT_EQ(at(layout, "+2.5%"), (Point{193, 63}));
-    EXPECT_EQ(at(layout, "71234.50/69000.00"), (Point{141, 53}));
-    EXPECT_EQ(layout.sparklines.at(0).frame, (Rect{239, 54, 40, 20}));
-    EXPECT_EQ(at(layout, "ETH"), (Point{14, 13}));
-    EXPECT_EQ(at(layout, "0.5000"), (Point{82, 13}));
+    EXPECT_EQ(layout.plate.size(), (Size{289, 127}));  // 288.6 x 127 in whole pixels
+    const auto dividers = frames<PanelLayout::Divider>(layout);
+    EXPECT_THAT(dividers, testing::ElementsAre(testing::Field(&Rect::y, 88), testing::Field(&Rect::y, 38)));
+    EXPECT_EQ(dividers[0].x, 4);
+    EXPECT_NEAR(dividers[0].width, 280.6, 1e-9);
+    EXPECT_EQ(dividers[0].height, 1);
+    EXPECT_EQ(at(layout, "BITC"), (Point{10, 56}));
+    EXPECT_EQ(at(layout, "64250.50"), (Point{67, 62}));
+    EXPECT_EQ(at(layout, "Ref: 60000.00"), (Point{55, 51}));
+    EXPECT_EQ(at(layout, "+2.5%"), (Point{193, 62}));
+    EXPECT_EQ(at(layout, "71234.50/69000.00"), (Point{141, 52}));
+    EXPECT_EQ(frames<SparklineView>(layout).at(0), (Rect{239, 53, 40, 20}));
+    EXPECT_EQ(at(layout, "ETH"), (Point{14, 12}));
+    EXPECT_EQ(at(layout, "0.5000"), (Point{82, 12}));
+}
+
+TEST_F(FloatingViewTest, AGridWithoutAQuoteIsItsPadding) {
+    showTwoCoins();
+    state.marketData.clear();
+    EXPECT_EQ(layOut().plate, (Rect{0, 0, 114, 46}));  // 105.4 x 30 over 0 x 8, and 4 around them
+}
+
+TEST_F(FloatingViewTest, EverythingBeginsOnAWholePixelWhateverTheRatio) {
+    showTwoCoins();
+    preferences.setBoolean(config::kShowGasFee, true);
+    state.currentGasPrice = 12.7;
+    for (const double scale : {1.25, 1.5, 1.75, 2.25}) {
+        const auto isWhole = [scale](double length) {
+            return std::abs(length * scale - std::round(length * scale)) < 1e-9;
+        };
+        view.update(state, {.scale = scale}, 1);
+        EXPECT_TRUE(isWhole(view.margin())) << scale;
+        EXPECT_GE(view.margin(), 10) << scale;
+        EXPECT_TRUE(isWhole(view.fittingSize().width) && isWhole(view.fittingSize().height)) << scale;
+        const auto layout = layOut(scale, view.margin());
+        for (const auto& [what, frame] : layout.items) {
+            EXPECT_TRUE(isWhole(frame.x) && isWhole(frame.y)) << scale << ", item " << what.index();
+        }
+        const double divider = frames<PanelLayout::Divider>(layout).at(0).height;
+        EXPECT_TRUE(isWhole(divider) && divider > 0) << scale;
+    }
+    EXPECT_EQ(frames<PanelLayout::Divider>(layOut(0.25)).at(0).height, 4) << "one pixel is the least";
 }
 
 TEST_F(FloatingViewTest, ASourceWithoutAnImageHasTheNetworkSymbolInItsRing) {
     graphics.images.clear();
-    EXPECT_EQ(layOut().symbols.at(0).symbol.name, "network");
-    EXPECT_EQ(layOut().symbols.at(0).frame, (Rect{19, 43, 8, 8}));
+    EXPECT_EQ(frames<PanelLayout::Symbol>(layOut()).at(0), (Rect{19, 43, 8, 8}));
+    EXPECT_TRUE(frames<platform::ImagePtr>(layOut()).empty());
+    graphics.missingSymbols = {"network"};
+    EXPECT_EQ(layOut().ring, (Rect{14, 38, 18, 18}));
 }
 
 TEST_F(FloatingViewTest, AbsurdPricesDoNotAskForAnAbsurdPicture) {
@@ -115,19 +163,23 @@ TEST_F(FloatingViewTest, AbsurdPricesDoNotAskForAnAbsurdPicture) {
 TEST_F(FloatingViewTest, OverWhatShowsThroughThePlateHasAShadow) {
     showTwoCoins();
     const auto& picture = update({.appearance = platform::Appearance::Dark, .scale = 1});
-    EXPECT_EQ(picture.size(), (Size{309, 148}));
-    EXPECT_EQ(picture.operations.at(0).frame, (Rect{10, 10, 289, 128}));
+    EXPECT_EQ(picture.size(), (Size{309, 147}));
+    EXPECT_EQ(picture.operations.at(0).frame, (Rect{10, 10, 289, 127}));
     EXPECT_EQ(picture.operations.at(0).color, platform::Color::white(0, 0.85));
     EXPECT_EQ(picture.operations.at(0).radius, 8);
     EXPECT_EQ(picture.shadow.radius, 4);
     EXPECT_EQ(picture.shadow.offset, (Point{0, -2}));
     EXPECT_EQ(picture.shadow.color, platform::Color::white(0, 0.6));
-    EXPECT_EQ(picture.text("64250.50").frame.origin(), (Point{78, 73}));
+    EXPECT_EQ(picture.text("64250.50").frame.origin(), (Point{77, 72}));
 
     state.isTransparent = true;
     const auto& bare = update({.appearance = platform::Appearance::Dark, .scale = 1});
     EXPECT_EQ(bare.all(Kind::Fill).size(), 2U) << "the dividers";
     EXPECT_EQ(bare.shadow.radius, 4);
+    const auto& arc = platform::drawn(view.picture()).operations.at(0);  // beneath it, for its shadow alone
+    EXPECT_EQ(arc.frame, (Rect{101, 98, 40, 40}));
+    EXPECT_EQ(arc.image->shadow.radius, 4);
+    EXPECT_EQ(arc.image->operations.at(0).arc.center, (Point{20, 20}));
 }
 
 TEST_F(FloatingViewTest, WithoutACompositorThePlateIsOpaqueAndBareContentIsOutlined) {
@@ -136,6 +188,10 @@ TEST_F(FloatingViewTest, WithoutACompositorThePlateIsOpaqueAndBareContentIsOutli
     EXPECT_EQ(picture.size(), (Size{114, 66}));
     EXPECT_EQ(picture.operations.at(0).color, platform::Color::white(0, 1));
     EXPECT_EQ(picture.shadow.radius, 0);
+    const auto& rim = picture.operations.at(1);
+    EXPECT_EQ(rim.frame, (Rect{0.5, 0.5, 113, 65}));
+    EXPECT_EQ(rim.lineWidth, 1);
+    EXPECT_EQ(rim.color, platform::Color::white(1, 0.2));
 
     state.isTransparent = true;
     const auto images = update(opaque).all(Kind::Image);
@@ -150,20 +206,15 @@ TEST_F(FloatingViewTest, TheRingEmptiesClockwiseByPixels) {
         view.update(state, {}, progress);
         return platform::drawn(view.picture()).all(Kind::Arc);
     };
-    EXPECT_EQ(arcs(0.5).at(0).arc,
-              (platform::Canvas::Arc{.center = {33, 57}, .radius = 8, .start = 90, .sweep = -180}));
+    EXPECT_EQ(arcs(18 / 57.0).at(0).arc,
+              (platform::Canvas::Arc{.center = {33, 57}, .radius = 9, .start = 90, .sweep = -360 * (18 / 57.0)}));
+    EXPECT_EQ(arcs(0.001).at(0).arc.sweep, -360 / 57.0) << "57 pixels around";
     const int drawings = graphics.drawings;
     EXPECT_TRUE(arcs(0).empty()) << "nothing is left of a refresh that is due";
     EXPECT_EQ(graphics.drawings, drawings + 1) << "the rest, with its shadow, is not drawn anew";
-
-    // 50 pixels around: a step of 1.2 s in a minute. At twice the pixels there are 101.
-    EXPECT_EQ(ring::shownProgress(0.001, 1), 0.02);
-    EXPECT_EQ(ring::shownProgress(0.001, 2), 1 / 101.0);
-    EXPECT_NEAR(ring::unchangedFor(Seconds(60), Seconds(60), 1).count(), 1.2, 1e-9);
-    EXPECT_NEAR(ring::unchangedFor(Seconds(59), Seconds(60), 1).count(), 0.2, 1e-9);
-    EXPECT_NEAR(ring::unchangedFor(Seconds(70), Seconds(60), 1).count(), 11.2, 1e-9);
-    EXPECT_EQ(ring::timeProgress(Seconds(-1), Seconds(60)), 0);
-    EXPECT_EQ(ring::timeProgress(Seconds(70), Seconds(60)), 1);
+    EXPECT_FALSE(view.update(state, {}, 0));
+    view.forgetLook();
+    EXPECT_TRUE(view.update(state, {}, 0));
 }
 
 TEST_F(FloatingViewTest, SparklinesSpanTheirFrame) {

@@ -3,7 +3,6 @@
 #include "config/Settings.h"
 #include "floating/FloatingPriceController.h"
 #include "menubar/RefreshState.h"
-#include "menubar/StatusBarController.h"
 #include "platform/virtual/VirtualDesktop.h"
 #include "platform/virtual/VirtualPlatform.h"
 #include "support/Market.h"
@@ -37,7 +36,18 @@ protected:
         }
         controller.updateData(list, quotes, std::nullopt, machine.runLoop.now() + until);
     }
-    void settingsChanged() { machine.notifications.post(menubar::kDisplaySettingsChanged); }
+    /// What happens whenever the settings are saved: two notices, of which the second shows or hides what the display
+    /// mode says.
+    void settingsSaved() {
+        const bool isChosen = window().isShown();
+        machine.notifications.post(config::kDisplaySettingsChanged);
+        isChosen ? controller.showPanel() : controller.hidePanel();
+    }
+    /// Degrees of the ring, clockwise.
+    double sweep() {
+        const auto arcs = platform::drawn(window().picture).all(platform::Drawn::Kind::Arc);
+        return arcs.empty() ? 0 : -arcs[0].arc.sweep;
+    }
     Point topLeft() { return {window().frame().x, window().frame().top()}; }
 
     platform::VirtualPlatform machine;

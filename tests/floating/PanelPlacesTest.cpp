@@ -13,6 +13,7 @@ TEST_F(PanelPlacesTest, WithoutACompositorAFadedPanelLeavesTheScreen) {
     follow({10, 10});
     fadeAway();
     EXPECT_FALSE(window().isShown());
+    controller.hidePanel();
     controller.showPanel();
     EXPECT_FALSE(window().isShown());
     follow({20, 20});
@@ -101,16 +102,19 @@ TEST_F(PanelPlacesTest, BetweenTwoScreensItComesToRest) {
     controller.showPanel();
     update(1);
     follow({300, 200});
-    const double tall = window().frame().height;
-    window().pixelsPerPoint = 2;
-    window().onSurroundingsChanged();
     const double low = window().frame().height;
-    ASSERT_LT(low, tall) << "half pixels let it fit more closely";
-    window().pixelsPerPoint = 1;
-    window().onSurroundingsChanged();
+    const auto turnTo = [this](double scale) {  // a screen comes or goes
+        window().pixelsPerPoint = scale;
+        window().onSurroundingsChanged();
+        EXPECT_EQ(topLeft(), (Point{328, 172}));
+        return window().frame().height;
+    };
+    const double tall = turnTo(2);
+    ASSERT_GT(tall, low) << "texts are whole pixels high";
+    EXPECT_EQ(turnTo(1), low);
 
-    const double edge = topLeft().y - (tall - low) / 2;  // of a screen with twice the pixels, above
-    window().scaleAt = [edge](const Rect& frame) { return frame.top() > edge ? 2 : 1; };
+    const double edge = topLeft().y + (tall - low) / 2;  // of a screen with twice the pixels, below
+    window().scaleAt = [edge](const Rect& frame) { return frame.top() < edge ? 2 : 1; };
     double told = 1;
     int changes = 0;
     for (; told != window().scale() && changes < 10; ++changes) {
@@ -118,6 +122,10 @@ TEST_F(PanelPlacesTest, BetweenTwoScreensItComesToRest) {
         window().onSurroundingsChanged();
     }
     EXPECT_EQ(changes, 1);
+    follow({310, 900});
+    window().onSurroundingsChanged();
+    EXPECT_EQ(topLeft(), (Point{338, 872})) << "and it follows on";
+    EXPECT_EQ(window().frame().height, low);
 }
 
 TEST_F(PanelPlacesTest, WhatWasSavedBeforeTheStartCounts) {
@@ -128,7 +136,7 @@ TEST_F(PanelPlacesTest, WhatWasSavedBeforeTheStartCounts) {
     EXPECT_EQ(window().title, "Glintar panel") << "window rules go by it";
     follow({300, 200});
     EXPECT_EQ(topLeft(), (Point{412, 88}));
-    const auto& base = *platform::drawn(window().picture).operations.at(0).image;
+    const auto& base = *platform::drawn(window().picture).all(platform::Drawn::Kind::Image).back().image;
     EXPECT_TRUE(std::ranges::none_of(base.all(platform::Drawn::Kind::Fill), [](const auto& fill) {
         return fill.frame.height > 20;
     })) << "without its plate";

@@ -124,7 +124,7 @@ TEST_F(CoinIconsTest, NoIdentifierReachesOutOfTheFolder) {
     machine.http.answer("icons.test", "image 9x9 fresh");
     int number = 0;
     for (const std::string& id : {std::string("../../x"), std::string("a/b"), std::string("/etc/x"), std::string(),
-                                  std::string("."), std::string(".."), std::string(300, 'x'), std::string("a\0b", 3)}) {
+                                  std::string("."), std::string(".."), std::string(241, 'x'), std::string("a\0b", 3)}) {
         const auto planted = kFolder / (id + ".png");
         machine.files.contents = {{planted, "image 9x9 planted"}};
         EXPECT_EQ(nameOf(id), "") << id;
@@ -133,10 +133,12 @@ TEST_F(CoinIconsTest, NoIdentifierReachesOutOfTheFolder) {
         EXPECT_EQ(nameOf(id), "fresh") << id;
         EXPECT_THAT(machine.files.contents, ElementsAre(testing::Pair(planted, "image 9x9 planted"))) << id;
     }
-    machine.files.contents.clear();
-    download("https://icons.test/last", "ビットコイン..\\x y");
-    settle();
-    EXPECT_THAT(machine.files.contents, ElementsAre(Key(kFolder / "ビットコイン..\\x y.png")));
+    for (const std::string& id : {std::string("ビットコイン..\\x y"), std::string(240, 'x')}) {
+        machine.files.contents.clear();
+        download(fmt::format("https://icons.test/{}", ++number), id);
+        settle();
+        EXPECT_THAT(machine.files.contents, ElementsAre(Key(kFolder / (id + ".png"))));
+    }
 }
 
 TEST_F(CoinIconsTest, WithoutAFolderIconsLiveInMemory) {
@@ -165,6 +167,16 @@ TEST_F(CoinIconsTest, AnIconTooLargeToKeepIsNotAskedForWithoutEnd) {
     show();
     settle();
     EXPECT_EQ(machine.http.asked("icons.test"), 1);
+}
+
+TEST_F(CoinIconsTest, AMegabyteOfIconsIsKeptInMemory) {
+    machine.files.writeFailure = "No space left on device";
+    for (const std::string id : {"a", "b", "c"}) {
+        machine.http.answer("icons.test/" + id, "image 500x250 " + id);  // 500,000 bytes
+        download("https://icons.test/" + id, id);
+        settle();
+    }
+    EXPECT_EQ(nameOf("a") + nameOf("b") + nameOf("c"), "bc");
 }
 
 TEST(ImageCacheTest, WhatWasNotUsedForLongestMakesRoom) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "config/Settings.h"
 #include "menubar/StatusBarController.h"
 #include "menubar/StatusSurface.h"
 #include "platform/virtual/VirtualPlatform.h"
@@ -83,7 +84,7 @@ protected:
     }
 
     void displaySettingsSaved() {
-        machine.notifications.post(kDisplaySettingsChanged);
+        machine.notifications.post(config::kDisplaySettingsChanged);
         machine.advance(1s);
     }
 

@@ -1,5 +1,6 @@
 // The refresh cycle as its user lives it, in virtual time.
 
+#include "config/Settings.h"
 #include "keystore/KeychainHelper.h"
 #include "menubar/RefreshCycle.h"
 #include "menubar/RefreshState.h"
@@ -202,7 +203,7 @@ TEST_F(RefreshCycleTest, ChangingTheFeeSettingsCostsOneFeeRequestAndNoQuotes) {
     EXPECT_EQ(surface.line.gas.value().text, "12G ($0.630)");
 
     showGas(1);
-    machine.notifications.post(kDisplaySettingsChanged);
+    machine.notifications.post(config::kDisplaySettingsChanged);
     EXPECT_FALSE(surface.line.gas) << "the other network's fee goes at once";
     machine.advance(1s);
     EXPECT_TRUE(machine.console.printed("⛽️ Gas Source Changed -> Cleared Cache & Fetching"));
@@ -233,7 +234,7 @@ TEST_F(RefreshCycleTest, AFeeOfANetworkDeselectedMeanwhileIsNotShown) {
     machine.http.latency = 5s;
     machine.advance(60s);  // a refresh is in flight
     machine.preferences.setInteger("gasSource", 1);
-    machine.notifications.post(kDisplaySettingsChanged);
+    machine.notifications.post(config::kDisplaySettingsChanged);
     machine.advance(5s);
     EXPECT_FALSE(surface.line.gas);
     machine.advance(6s);
@@ -285,7 +286,7 @@ TEST_F(RefreshCycleTest, TheDisplayModeChangesWhileTheProgramRunsWithoutAskingAg
     ASSERT_EQ(surface.mode, DisplayMode::Line);
     const auto ticks = surface.progress.size();
     machine.preferences.setInteger("displayMode", 1);
-    machine.notifications.post(kDisplayModeChanged);
+    machine.notifications.post(config::kDisplayModeChanged);
     EXPECT_EQ(surface.mode, DisplayMode::Panel);
     EXPECT_THAT(surface.panels, SizeIs(1));
     EXPECT_TRUE(machine.console.printed("🔄 [System] 模式切换 -> 1"));
@@ -294,7 +295,7 @@ TEST_F(RefreshCycleTest, TheDisplayModeChangesWhileTheProgramRunsWithoutAskingAg
 
     const int lines = surface.linesShown;
     machine.preferences.setInteger("displayMode", 2);
-    machine.notifications.post(kDisplayModeChanged);
+    machine.notifications.post(config::kDisplayModeChanged);
     EXPECT_EQ(surface.mode, DisplayMode::Line) << "only 1 is the panel";
     EXPECT_TRUE(machine.console.printed("🔄 [System] 模式切换 -> 2"));
     EXPECT_EQ(surface.linesShown, lines + 1);
@@ -306,7 +307,7 @@ TEST_F(RefreshCycleTest, TheDisplayModeChangesWhileTheProgramRunsWithoutAskingAg
 TEST_F(RefreshCycleTest, AModeChangeBeforeTheFirstQuotesAsksForThem) {
     make();
     machine.preferences.setInteger("displayMode", 1);
-    machine.notifications.post(kDisplayModeChanged);
+    machine.notifications.post(config::kDisplayModeChanged);
     machine.advance(100ms);
     EXPECT_EQ(quotesAsked(), 1);
 }

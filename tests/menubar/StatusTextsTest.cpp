@@ -51,17 +51,10 @@ TEST(StatusTextsTest, FeesReadAsOnThePill) {
 }
 
 TEST(StatusTextsTest, TheEthereumPriceIsFoundUnderEitherName) {
-    const auto quotes = [](std::initializer_list<std::pair<const char*, double>> prices) {
-        market::MarketDataMap map;
-        for (const auto& [id, price] : prices) {
-            map[id].price = price;
-        }
-        return map;
-    };
-    EXPECT_EQ(ethereumPrice(quotes({{"ETH", 5}})), 5);
-    EXPECT_EQ(ethereumPrice(quotes({{"ETH", 5}, {"ethereum", 6}})), 6);
-    EXPECT_EQ(ethereumPrice(quotes({{"ETH", 5}, {"ethereum", 0}})), std::nullopt);
-    EXPECT_EQ(ethereumPrice(quotes({{"eth", 5}})), std::nullopt);
+    EXPECT_EQ(ethereumPrice({{"ETH", {.price = 5}}}), 5);
+    EXPECT_EQ(ethereumPrice({{"ETH", {.price = 5}}, {"ethereum", {.price = 6}}}), 6);
+    EXPECT_EQ(ethereumPrice({{"ETH", {.price = 5}}, {"ethereum", {.price = 0}}}), std::nullopt);
+    EXPECT_EQ(ethereumPrice({{"eth", {.price = 5}}}), std::nullopt);
 }
 
 TEST(StatusTextsTest, ErrorsBecomeAFewWords) {
@@ -111,18 +104,12 @@ TEST_F(StatusLineTest, APartIsThereWhenItIsWantedAndKnown) {
     part = compose({.price = 2});
     EXPECT_FALSE(part.change || part.highLow || part.showsSparkline);
 
-    struct Switch {
-        const char* key;
-        bool change, highLow, sparkline;
-    };
-    for (const auto& [key, change, highLow, sparkline] :
-         {Switch{"showChange24h", false, true, true}, Switch{"showHighLow24h", true, false, true},
-          Switch{"showSparkline", true, true, false}}) {
+    for (const std::string_view key : {"showChange24h", "showHighLow24h", "showSparkline"}) {
         preferences.setBoolean(key, false);
         part = compose(whole);
-        EXPECT_EQ(part.change.has_value(), change) << key;
-        EXPECT_EQ(part.highLow.has_value(), highLow) << key;
-        EXPECT_EQ(part.showsSparkline, sparkline) << key;
+        EXPECT_EQ(part.change.has_value(), key != "showChange24h");
+        EXPECT_EQ(part.highLow.has_value(), key != "showHighLow24h");
+        EXPECT_EQ(part.showsSparkline, key != "showSparkline");
         preferences.setBoolean(key, true);
     }
 }

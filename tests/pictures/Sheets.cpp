@@ -117,26 +117,23 @@ QImage pills(const Graphics& graphics, Appearance appearance, double scale) {
         const auto line = menubar::composeStatusLine(preferences, {shown}, {{shown.apiId, its}}, {}, {});
         return renderCoinPill(graphics, line.coins.front(), head, look);
     };
-    std::vector<Row> rows;
-    show(preferences, true, true, true);
-    rows.push_back(
-        {pill(coin("BTC"), quote(64'012.55, 1.2), icon), pill(coin("ADA", 0.5), quote(0.4512, -12.34), icon)});
-
     const auto fee = [&](int source, double its) {
         preferences.setInteger(config::kGasSource, source);
         const auto line = menubar::composeStatusLine(preferences, {}, {{"ethereum", quote(3'105.2, 0)}}, its, {});
         return renderGasPill(graphics, *line.gas, look);
     };
-    rows.push_back({fee(0, 12.5), fee(1, 20), fee(0, 50)});
-
-    Row countdowns;
-    for (const auto& [source, elapsed] :
-         {std::pair("coingecko", 0.0), {"coingecko", 0.35}, {"binance", 0.8}, {"gate", 1.0}, {"unknown", 0.6}}) {
-        countdowns.push_back(menubar::Countdown(graphics).pictureAt(elapsed, source, look));
-    }
-    rows.push_back(countdowns);
-
-    if (scale == 1) {  // where it is hardest; more pixels of all of it would only make large files
+    const auto countdown = [&](const char* source, double elapsed) {
+        return menubar::Countdown(graphics).pictureAt(elapsed, source, look);
+    };
+    show(preferences, true, true, true);
+    std::vector<Row> rows{{pill(coin("BTC"), quote(64'012.55, 1.2), icon)}, {fee(0, 12.5)}};
+    if (scale > 1) {  // not all of it, which would only make large files
+        rows[1].push_back(countdown("coingecko", 0.35));
+    } else {
+        rows[0].push_back(pill(coin("ADA", 0.5), quote(0.4512, -12.34), icon));
+        rows[1].insert(rows[1].end(), {fee(1, 20), fee(0, 50)});
+        rows.push_back({countdown("coingecko", 0), countdown("coingecko", 0.35), countdown("binance", 0.8),
+                        countdown("gate", 1), countdown("unknown", 0.6)});
         show(preferences, true, false, false);
         rows.push_back({pill(coin("ETH"), quote(3'105.2, -2.5), icon)});
         show(preferences, false, true, true);
@@ -185,21 +182,24 @@ QImage panels(const Graphics& graphics, Appearance appearance, double scale) {
     state.currentGasPrice = 50;
     state.sourceID = "binance";
     state.isTransparent = true;
-    const ImagePtr transparent = panel(graphics, preferences, state, {appearance, scale}, 1);
+    const ImagePtr transparent = panel(graphics, preferences, state, {appearance, scale}, 0.6);
 
     show(preferences, false, false, false);
     state.sourceID = "my exchange";
     state.currentGasPrice = 20;
     const ImagePtr outlined = panel(graphics, preferences, state, {appearance, scale, false}, 0.2);
-    return arranged({{plate}, {transparent}, {outlined}}, ground, kGap, scale);
+    state.isTransparent = false;
+    const ImagePtr rimmed = panel(graphics, preferences, state, {appearance, scale, false}, 0.2);
+    return arranged({{plate}, {transparent}, {outlined}, {rimmed}}, ground, kGap, scale);
 }
 
 }  // namespace
 
 std::vector<Sheet> sheets() {
-    return {{"pills-light-1x", &pills, Appearance::Light, 1},   {"pills-dark-1x", &pills, Appearance::Dark, 1},
-            {"pills-dark-2x", &pills, Appearance::Dark, 2},     {"panels-light-1x", &panels, Appearance::Light, 1},
-            {"panels-light-2x", &panels, Appearance::Light, 2}, {"panels-dark-1x", &panels, Appearance::Dark, 1}};
+    return {{"pills-light-1x", &pills, Appearance::Light, 1},   {"pills-light-2x", &pills, Appearance::Light, 2},
+            {"pills-dark-1x", &pills, Appearance::Dark, 1},     {"pills-dark-2x", &pills, Appearance::Dark, 2},
+            {"panels-light-1x", &panels, Appearance::Light, 1}, {"panels-light-2x", &panels, Appearance::Light, 2},
+            {"panels-dark-1x", &panels, Appearance::Dark, 1}};
 }
 
 }  // namespace glintar::test

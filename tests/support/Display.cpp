@@ -2,117 +2,27 @@
 
 #include "platform/xcb/SelectionWatch.h"
 
-#include <fcntl.h>
 #include <fmt/format.h>
-#include <signal.h>
-#include <spawn.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <charconv>
-#include <chrono>
 #include <cstdlib>
+#include <fstream>
+#include <iterator>
+#include <ranges>
 #include <stdexcept>
-#include <thread>
+#include <string_view>
 
 namespace glintar::test {
 
 namespace {
 
-using namespace std::chrono_literals;
 using platform::XcbConnection;
 using platform::XcbOwned;
-
-constexpr auto kPatience = 15s;
-
-/// `pipe` is what the program finds as descriptor 3, `output` as its standard output; -1 is neither. No fork: a copy of
-/// a program with sanitizers takes tens of milliseconds.
-pid_t spawn(const std::vector<std::string>& command, int output, int pipe) {
-    std::vector<char*> words;
-    words.reserve(command.size() + 1);
-    for (const auto& word : command) {
-        words.push_back(const_cast<char*>(word.c_str()));
-    }
-    words.push_back(nullptr);
-    posix_spawn_file_actions_t files;
-    ::posix_spawn_file_actions_init(&files);
-    ::posix_spawn_file_actions_addopen(&files, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
-    ::posix_spawn_file_actions_addopen(&files, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
-    if (output >= 0) {
-        ::posix_spawn_file_actions_adddup2(&files, output, STDOUT_FILENO);
-    } else {
-        ::posix_spawn_file_actions_addopen(&files, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
-    }
-    if (pipe >= 0) {
-        ::posix_spawn_file_actions_adddup2(&files, pipe, 3);
-    }
-    pid_t child = -1;
-    const int error = ::posix_spawnp(&child, words[0], &files, nullptr, words.data(), environ);
-    ::posix_spawn_file_actions_destroy(&files);
-    if (error != 0) {
-        throw std::runtime_error(command.front() + " cannot be run");
-    }
-    return child;
-}
-
-/// It must not outlive a test that crashes.
-std::vector<std::string> dyingWithTheTest(std::vector<std::string> command) {
-    static const std::array<std::string, 4> first{"setpriv", "--pdeathsig", "KILL", "--"};
-    command.insert(command.begin(), first.begin(), first.end());
-    return command;
-}
-
-struct Pipe {
-    Pipe() {
-        if (::pipe2(ends.data(), O_CLOEXEC) != 0) {
-            throw std::runtime_error("no pipe");
-        }
-    }
-    ~Pipe() {
-        closeWriting();
-        ::close(ends[0]);
-    }
-    void closeWriting() {
-        if (ends[1] >= 0) {
-            ::close(std::exchange(ends[1], -1));
-        }
-    }
-    /// To the end, or to the end of the line.
-    std::string read(bool isOneLine) {
-        closeWriting();
-        std::string text;
-        char byte = 0;
-        while (::read(ends[0], &byte, 1) == 1 && !(isOneLine && byte == '\n')) {
-            text += byte;
-        }
-        return text;
-    }
-    std::array<int, 2> ends{-1, -1};
-};
-
-/// Starts a program that tells a word of its own through descriptor 3 once it is up.
-std::pair<Child, std::string> startTelling(const std::vector<std::string>& command, const std::string& what) {
-    Pipe pipe;
-    Child child(command, pipe.ends[1]);
-    auto word = pipe.read(true);
-    if (word.empty()) {
-        throw std::runtime_error(what + " does not start");
-    }
-    return {std::move(child), std::move(word)};
-}
 
 void await(const std::function<bool()>& condition, const std::string& what) {
     if (!eventually(condition)) {
         throw std::runtime_error(what);
     }
-}
-
-std::unique_ptr<XcbConnection> connect() {
-    auto connection = XcbConnection::open();
-    if (!connection) {
-        throw std::runtime_error("the screen cannot be reached");
-    }
-    return connection;
 }
 
 bool isOwned(XcbConnection& connection, const char* selection) {
@@ -152,38 +62,6 @@ int number(std::string_view text) {
 
 }  // namespace
 
-bool eventually(const std::function<bool()>& condition, const std::function<void()>& meanwhile) {
-    const auto end = std::chrono::steady_clock::now() + kPatience;
-    while (!condition()) {
-        if (std::chrono::steady_clock::now() > end) {
-            return false;
-        }
-        if (meanwhile) {
-            meanwhile();
-        } else {
-            std::this_thread::sleep_for(10ms);
-        }
-    }
-    return true;
-}
-
-std::string outputOf(const std::vector<std::string>& command) {
-    Pipe pipe;
-    const pid_t child = spawn(command, pipe.ends[1], -1);
-    auto text = pipe.read(false);
-    ::waitpid(child, nullptr, 0);
-    return text;
-}
-
-Child::Child(const std::vector<std::string>& command, int pipe) : id_(spawn(dyingWithTheTest(command), -1, pipe)) {}
-
-void Child::stop() {
-    if (id_ > 0) {
-        ::kill(id_, SIGKILL);
-        ::waitpid(std::exchange(id_, -1), nullptr, 0);
-    }
-}
-
 Display::Display(const std::string& screen, Bus bus) {
     const auto runtime = home_.path() / "run";
     std::filesystem::create_directory(runtime);
@@ -204,10 +82,13 @@ Display::Display(const std::string& screen, Bus bus) {
 
 Display::~Display() {
     background_.reset();
-    for (Child* const child : {&panel_, &tray_, &compositor_, &manager_, &server_, &bus_}) {
+    for (Child* const child : {&panel_, &tray_, &compositor_, &manager_, &bus_}) {
         child->stop();
     }
-    for (const auto& [variable, value] : before_) {
+    // They would leave their sockets and locks behind.
+    wayland_.terminate();
+    server_.terminate();
+    for (const auto& [variable, value] : before_ | std::views::reverse) {
         value ? ::setenv(variable.c_str(), value->c_str(), 1) : ::unsetenv(variable.c_str());
     }
 }
@@ -218,18 +99,28 @@ void Display::set(const char* variable, const std::optional<std::string>& value)
     value ? ::setenv(variable, value->c_str(), 1) : ::unsetenv(variable);
 }
 
+std::unique_ptr<XcbConnection> Display::connect() const {
+    auto connection = XcbConnection::open(name_);
+    if (!connection) {
+        throw std::runtime_error("the screen cannot be reached");
+    }
+    return connection;
+}
+
 void Display::startServer(const std::string& screen) {
     width_ = number(screen);
     height_ = number(std::string_view(screen).substr(screen.find('x') + 1));
     auto [server, told] =
-        startTelling({"Xvfb", "-displayfd", "3", "-screen", "0", screen, "-nolisten", "tcp", "-noreset"}, "Xvfb");
+        startTelling({"Xvfb", "-displayfd", "3", "-screen", "0", screen, "-nolisten", "tcp", "-noreset"});
     server_ = std::move(server);
     name_ = ":" + told;
     set("DISPLAY", name_);
 }
 
 void Display::startBus() {
-    auto [bus, told] = startTelling({"dbus-daemon", "--session", "--nofork", "--print-address=3"}, "dbus-daemon");
+    const auto socket = (home_.path() / "run" / "bus").string();
+    auto [bus, told] =
+        startTelling({"dbus-daemon", "--session", "--nofork", "--print-address=3", "--address=unix:path=" + socket});
     bus_ = std::move(bus);
     busAddress_ = told;
     set("DBUS_SESSION_BUS_ADDRESS", busAddress_);
@@ -261,18 +152,10 @@ void Display::startCompositor() {
     await([&] { return isOwned(*connection, "_NET_WM_CM_S0"); }, "the compositor does not start");
 }
 
-void Display::stopCompositor() {
-    compositor_.stop();
-}
-
 void Display::startTray() {
     tray_ = Child({"trayer", "--edge", "bottom", "--align", "left", "--widthtype", "pixel", "--width", "100"});
     const auto connection = connect();
     await([&] { return isOwned(*connection, "_NET_SYSTEM_TRAY_S0"); }, "the tray does not start");
-}
-
-void Display::stopTray() {
-    tray_.stop();
 }
 
 void Display::startPanel() {
@@ -286,12 +169,28 @@ void Display::startPanel() {
         "the panel does not start");
 }
 
-void Display::stopPanel() {
-    panel_.stop();
-}
-
-void Display::stop() {
-    server_.stop();
+/// In a window that is as large as the screen: there it has the screen's pointer, and shows what it composes.
+void Display::startWayland() {
+    const auto settings = home_.path() / "weston.ini";
+    const auto log = home_.path() / "weston.log";
+    constexpr Pixel kBackground{0x20, 0x40, 0x60};
+    std::ofstream(settings) << "[shell]\npanel-position=none\nlocking=false\nbackground-color=0xff204060\n";
+    wayland_ = Child({"weston", "--backend=x11-backend.so", "--use-pixman", fmt::format("--width={}", width_),
+                      fmt::format("--height={}", height_), "--xwayland", "--idle-time=0",
+                      "--config=" + settings.string(), "--log=" + log.string()});
+    await([&] { return pixel(width_ - 5, height_ - 5) == kBackground; }, "the Wayland compositor does not start");
+    // It follows the pointer by its steps, from a corner where it need not have begun.
+    input(
+        {"mousemove", std::to_string(width_ - 1), std::to_string(height_ - 1), "sleep", "0.1", "mousemove", "0", "0"});
+    std::ifstream file(log);
+    const std::string text{std::istreambuf_iterator<char>(file), {}};
+    constexpr std::string_view kGuest = "xserver listening on display ";
+    const auto at = text.find(kGuest);
+    if (at == std::string::npos) {
+        throw std::runtime_error("the Wayland compositor has no X server");
+    }
+    const auto from = at + kGuest.size();
+    set("DISPLAY", text.substr(from, text.find('\n', from) - from));
 }
 
 void Display::split(int leftWidth) {
@@ -321,10 +220,6 @@ void Display::paintBackground(Pixel color) {
     background_ = std::move(connection);
 }
 
-void Display::clearBackground() {
-    background_.reset();
-}
-
 std::vector<Pixel> Display::pixels(int x, int y, int width, int height) const {
     const auto connection = connect();
     const auto asked = xcb_get_image(connection->get(), XCB_IMAGE_FORMAT_Z_PIXMAP, connection->screen().root,
@@ -343,7 +238,7 @@ std::vector<Pixel> Display::pixels(int x, int y, int width, int height) const {
 }
 
 void Display::input(const std::vector<std::string>& words) const {
-    std::vector<std::string> command{"xdotool"};
+    std::vector<std::string> command{"env", "DISPLAY=" + name_, "xdotool"};
     command.insert(command.end(), words.begin(), words.end());
     outputOf(command);
 }

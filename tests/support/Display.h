@@ -1,44 +1,18 @@
 #pragma once
 
+#include "platform/xcb/XcbConnection.h"
+#include "support/Child.h"
 #include "support/TemporaryFolder.h"
-
-#include <sys/types.h>
 
 #include <array>
 #include <cstdint>
-#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
-namespace glintar::platform {
-class XcbConnection;
-}
-
 namespace glintar::test {
-
-/// Another program, which is killed with its owner and with the test. What it prints is dropped.
-class Child {
-public:
-    Child() = default;
-    /// The program finds `pipe` as its descriptor 3.
-    explicit Child(const std::vector<std::string>& command, int pipe = -1);
-    Child(Child&& other) noexcept : id_(std::exchange(other.id_, -1)) {}
-    Child& operator=(Child&& other) noexcept {
-        std::swap(id_, other.id_);
-        return *this;
-    }
-    ~Child() { stop(); }
-
-    void stop();
-    [[nodiscard]] bool isRunning() const { return id_ > 0; }
-    [[nodiscard]] pid_t id() const { return id_; }
-
-private:
-    pid_t id_ = -1;
-};
 
 using Pixel = std::array<std::uint8_t, 3>;  ///< red, green and blue
 
@@ -61,12 +35,16 @@ public:
     void startManager(Manager manager);
     void stopManager();
     void startCompositor();  ///< picom; openbox and xfwm4 are run without one of their own
-    void stopCompositor();
+    void stopCompositor() { compositor_.stop(); }
     void startTray();  ///< of the XEmbed kind, in the bottom left corner
-    void stopTray();
+    void stopTray() { tray_.stop(); }
     void startPanel();  ///< that of Xfce, along the top edge, with a tray of the D-Bus kind
-    void stopPanel();
-    void stop();  ///< the screen goes away
+    void stopPanel() { panel_.stop(); }
+    void stop() { server_.terminate(); }  ///< the screen goes away
+
+    /// A Wayland compositor over the whole screen. From then on $DISPLAY is the X server that it has as a guest, and no
+    /// longer the screen, on which pointer, keys and pixels stay.
+    void startWayland();
 
     /// As two monitors side by side, of which the left one is the primary and so many pixels wide.
     void split(int leftWidth);
@@ -75,7 +53,7 @@ public:
     /// Puts a window of that colour behind all others. (Of what is painted on the root window compositors know
     /// nothing.)
     void paintBackground(Pixel color);
-    void clearBackground();
+    void clearBackground() { background_.reset(); }
 
     /// What somebody in front of the screen sees, row by row.
     [[nodiscard]] std::vector<Pixel> pixels(int x, int y, int width, int height) const;
@@ -90,6 +68,7 @@ public:
 
 private:
     void set(const char* variable, const std::optional<std::string>& value);
+    [[nodiscard]] std::unique_ptr<platform::XcbConnection> connect() const;
     void startServer(const std::string& screen);
     void startBus();
 
@@ -100,13 +79,7 @@ private:
     int width_ = 0;
     int height_ = 0;
     std::unique_ptr<platform::XcbConnection> background_;
-    Child bus_, server_, manager_, compositor_, tray_, panel_;
+    Child bus_, server_, wayland_, manager_, compositor_, tray_, panel_;
 };
-
-/// Runs a program to its end; what it wrote to its standard output.
-std::string outputOf(const std::vector<std::string>& command);
-
-/// Whether the condition comes true within some seconds. `meanwhile` runs between two looks, and should wait a moment.
-[[nodiscard]] bool eventually(const std::function<bool()>& condition, const std::function<void()>& meanwhile = {});
 
 }  // namespace glintar::test

@@ -1,5 +1,7 @@
 #include "support/Program.h"
 
+#include "support/Child.h"
+
 #include <fcntl.h>
 #include <poll.h>
 #include <pty.h>
@@ -11,6 +13,7 @@
 
 #include <array>
 #include <cstdlib>
+#include <thread>
 #include <utility>
 
 namespace glintar::test {
@@ -108,19 +111,25 @@ bool Program::isRunning() {
     return !status_;
 }
 
+std::optional<int> Program::exitStatus() const {
+    return status_ && WIFEXITED(*status_) ? std::optional(WEXITSTATUS(*status_)) : std::nullopt;
+}
+
 std::optional<int> Program::wait() {
     const auto end = std::chrono::steady_clock::now() + kDeadline;
-    while (std::chrono::steady_clock::now() < end) {
-        const bool isOpen = readSome(20ms);
-        int status = 0;
-        if (::waitpid(child_, &status, isOpen ? WNOHANG : 0) == child_) {
-            while (readSome(0ms)) {
-            }
-            status_ = status;
-            return WIFEXITED(status) ? std::optional(WEXITSTATUS(status)) : std::nullopt;
+    while (isRunning() && std::chrono::steady_clock::now() < end) {
+        if (!readSome(20ms)) {
+            std::this_thread::sleep_for(1ms);  // both pipes are at their end
         }
     }
-    return std::nullopt;
+    while (status_ && readSome(0ms)) {
+    }
+    return exitStatus();
+}
+
+std::optional<int> Program::waitUnread() {
+    static_cast<void>(eventually([this] { return !isRunning(); }));
+    return exitStatus();
 }
 
 void Program::signal(int number) {

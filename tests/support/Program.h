@@ -33,6 +33,7 @@ public:
 
     /// Waits for the end: the exit status, or none when it was killed by a signal or takes longer than 15 seconds.
     [[nodiscard]] std::optional<int> wait();
+    [[nodiscard]] std::optional<int> waitUnread();  ///< the same, while nobody reads what it writes
 
     void signal(int number);
     void type(const std::string& keys) const;  ///< on the terminal
@@ -47,13 +48,14 @@ public:
 private:
     bool waitFor(const std::string& where, const std::string& text);
     bool readSome(std::chrono::milliseconds wait);
+    [[nodiscard]] std::optional<int> exitStatus() const;
 
     pid_t child_ = -1;
     int outputFd_ = -1;
     int errorFd_ = -1;
     std::string output_;
     std::string errors_;
-    std::optional<int> status_;
+    std::optional<int> status_;  ///< as waitpid tells it
 };
 
 }  // namespace glintar::test

@@ -5,7 +5,6 @@
 #include <openssl/pem.h>
 #include <openssl/x509v3.h>
 
-#include <cstdlib>
 #include <stdexcept>
 #include <string>
 
@@ -67,9 +66,6 @@ void writeKey(const std::filesystem::path& path, EVP_PKEY& key) {
 }  // namespace
 
 TestAuthority::TestAuthority() {
-    std::string folder = (std::filesystem::temp_directory_path() / "authority-XXXXXX").string();
-    check(mkdtemp(folder.data()) != nullptr, "temporary folder");
-    folder_ = folder;
     std::filesystem::create_directory(directory());
 
     const Key authorityKey(EVP_EC_gen("P-256"), &EVP_PKEY_free);
@@ -86,11 +82,6 @@ TestAuthority::TestAuthority() {
     check(context_ && SSL_CTX_use_certificate(context_.get(), server.get()) == 1 &&
               SSL_CTX_use_PrivateKey(context_.get(), key.get()) == 1,
           "server certificate");
-}
-
-TestAuthority::~TestAuthority() {
-    std::error_code ignored;
-    std::filesystem::remove_all(folder_, ignored);
 }
 
 }  // namespace glintar::support

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "support/TemporaryFolder.h"
+
 #include <openssl/ssl.h>
 
 #include <filesystem>
@@ -12,24 +14,21 @@ namespace glintar::support {
 class TestAuthority {
 public:
     TestAuthority();
-    ~TestAuthority();
-    TestAuthority(const TestAuthority&) = delete;
-    TestAuthority& operator=(const TestAuthority&) = delete;
 
     /// The authority's certificate (PEM), as SSL_CERT_FILE takes it.
-    [[nodiscard]] std::filesystem::path file() const { return folder_ / "authority.pem"; }
+    [[nodiscard]] std::filesystem::path file() const { return folder_.path() / "authority.pem"; }
 
     /// A folder that holds the certificate under the hash of its name, as SSL_CERT_DIR takes it.
-    [[nodiscard]] std::filesystem::path directory() const { return folder_ / "hashed"; }
+    [[nodiscard]] std::filesystem::path directory() const { return folder_.path() / "hashed"; }
 
     /// The server's certificate and its key (PEM), for servers of another program.
-    [[nodiscard]] std::filesystem::path serverCertificate() const { return folder_ / "server.pem"; }
-    [[nodiscard]] std::filesystem::path serverKey() const { return folder_ / "server.key"; }
+    [[nodiscard]] std::filesystem::path serverCertificate() const { return folder_.path() / "server.pem"; }
+    [[nodiscard]] std::filesystem::path serverKey() const { return folder_.path() / "server.key"; }
 
     [[nodiscard]] SSL_CTX* context() const { return context_.get(); }
 
 private:
-    std::filesystem::path folder_;
+    test::TemporaryFolder folder_;
     std::unique_ptr<SSL_CTX, decltype(&SSL_CTX_free)> context_{nullptr, &SSL_CTX_free};
 };
 

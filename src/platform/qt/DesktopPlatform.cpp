@@ -23,7 +23,9 @@ std::string_view variable(const char* name) {
 /// What must be said before there is an application.
 DesktopSettingsPolicy prepareApplication() {
     // Wayland gives no program a place on the screen; through XWayland it has one.
-    ::setenv("QT_QPA_PLATFORM", "xcb", 0);
+    if (!variable("QT_QPA_PLATFORM").starts_with("xcb")) {
+        ::setenv("QT_QPA_PLATFORM", "xcb", 1);
+    }
     prepareSessionBus();
     const auto policy = desktopSettingsPolicy(variable("XDG_CURRENT_DESKTOP"), variable("QT_QPA_PLATFORMTHEME"));
     QApplication::setDesktopSettingsAware(policy.isSettingsAware);
@@ -57,14 +59,16 @@ DesktopPlatform::DesktopPlatform(int& argc, char** argv, const RealPlatform::Opt
       events_(platform().runLoop, platform().notifications,
               {.display = connection_.get(), .session = session_, .policy = policy_}),
       compositor_(*connection_),
+      pointer_(*connection_, screens_),
       statusBar_({.connection = *connection_,
                   .compositor = compositor_,
+                  .screens = screens_,
                   .session = session_,
                   .graphics = graphics_,
                   .events = events_,
                   .notifications = platform().notifications,
-                  .preferences = platform().preferences}),
-      pointer_(*connection_, screens_),
+                  .preferences = platform().preferences,
+                  .isManaged = pointer_.isSeenEverywhere()}),
       windows_({.loop = platform().runLoop, .connection = *connection_, .compositor = compositor_, .screens = screens_},
                platform().console, session_),
       desktop_{graphics_, events_, statusBar_, pointer_, windows_} {

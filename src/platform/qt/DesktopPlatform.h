@@ -57,9 +57,9 @@ private:
     std::unique_ptr<NotificationCenter::Observation> fontChanges_;
     QtDesktopEvents events_;
     CompositorWatch compositor_;
-    QtStatusBar statusBar_;
     QtScreens screens_;
     QtPointer pointer_;
+    QtStatusBar statusBar_;
     QtWindowServer windows_;
     std::optional<LoginManager> loginManager_;
     Desktop desktop_;

@@ -1,5 +1,7 @@
 #include "platform/xcb/WorkAreaWatch.h"
 
+#include <cstdint>
+
 namespace glintar::platform {
 
 WorkAreaWatch::WorkAreaWatch(XcbConnection& connection)

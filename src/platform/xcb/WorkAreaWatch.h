@@ -1,20 +1,11 @@
 #pragma once
 
+#include "platform/xcb/Pixels.h"
 #include "platform/xcb/XcbConnection.h"
 
-#include <cstdint>
 #include <optional>
 
 namespace glintar::platform {
-
-/// Pixels of the X server from the top left.
-struct PixelArea {
-    int x = 0;
-    int y = 0;
-    int width = 0;
-    int height = 0;
-    bool operator==(const PixelArea&) const = default;
-};
 
 /// What panels leave free of all screens together, as the window manager says (`_NET_WORKAREA`). Main thread only.
 class WorkAreaWatch {

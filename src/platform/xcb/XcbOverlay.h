@@ -2,7 +2,7 @@
 
 #include "platform/RunLoop.h"
 #include "platform/xcb/LockWindows.h"
-#include "platform/xcb/PixelPoint.h"
+#include "platform/xcb/Pixels.h"
 #include "platform/xcb/XcbConnection.h"
 
 #include <cstdint>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/xcb/PixelPoint.h"
+#include "platform/xcb/Pixels.h"
 #include "platform/xcb/XcbConnection.h"
 
 #include <optional>

@@ -333,14 +333,14 @@ TEST_F(LibsecretStoreWithoutBusTest, TriesABusThatDoesNotAnswerAgainLater) {
 }
 
 TEST_F(LibsecretStoreWithoutBusTest, NeverStartsABus) {
-    const TemporaryFolder folder;
-    const auto mark = folder.path / "started";
+    const test::TemporaryFolder folder;
+    const auto mark = folder.path() / "started";
     for (const char* const program : {"dbus-launch", "dbus-daemon"}) {
-        std::ofstream(folder.path / program) << "#!/bin/sh\n: >" << mark.native() << "\nexit 1\n";
-        std::filesystem::permissions(folder.path / program, std::filesystem::perms::owner_all);
+        std::ofstream(folder.path() / program) << "#!/bin/sh\n: >" << mark.native() << "\nexit 1\n";
+        std::filesystem::permissions(folder.path() / program, std::filesystem::perms::owner_all);
     }
     const std::string path = std::getenv("PATH");
-    setenv("PATH", (folder.path.native() + ":" + path).c_str(), 1);
+    setenv("PATH", (folder.path().native() + ":" + path).c_str(), 1);
     setenv("DISPLAY", ":99", 1);
     for (const char* const address : {"", "autolaunch:", "disabled:", static_cast<const char*>(nullptr)}) {
         if (address == nullptr) {

@@ -67,21 +67,11 @@ bool waitFor(const std::function<bool()>& condition) {
     return true;
 }
 
-TemporaryFolder::TemporaryFolder() {
-    std::string name = std::filesystem::temp_directory_path() / "glintar-XXXXXX";
-    path = mkdtemp(name.data());
-}
-
-TemporaryFolder::~TemporaryFolder() {
-    std::error_code error;
-    std::filesystem::remove_all(path, error);
-}
-
 PrivateBus::PrivateBus() {
-    address_ = fmt::format("unix:path={}", (folder_.path / "socket").native());
+    address_ = fmt::format("unix:path={}", (folder_.path() / "socket").native());
     setenv("DBUS_SESSION_BUS_ADDRESS", address_.c_str(), 1);
     for (const char* const name : {"HOME", "XDG_DATA_HOME", "XDG_CONFIG_HOME", "XDG_RUNTIME_DIR"}) {
-        setenv(name, folder_.path.c_str(), 1);
+        setenv(name, folder_.path().c_str(), 1);
     }
     for (const char* const name : {"GNOME_KEYRING_CONTROL", "SSH_AUTH_SOCK"}) {
         unsetenv(name);
@@ -103,7 +93,7 @@ void PrivateBus::stop() {
 }
 
 void PrivateBus::start() {
-    const auto config = folder_.path / "bus.conf";
+    const auto config = folder_.path() / "bus.conf";
     std::ofstream(config) << fmt::format(R"(<busconfig><type>session</type><listen>{}</listen>
         <policy context="default"><allow send_destination="*"/><allow receive_sender="*"/>
         <allow own="*"/></policy></busconfig>)",

@@ -1,10 +1,10 @@
 #pragma once
 
 #include "platform/secret/GlibHandles.h"
+#include "support/TemporaryFolder.h"
 
 #include <gio/gio.h>
 
-#include <filesystem>
 #include <functional>
 #include <string>
 
@@ -12,14 +12,6 @@ namespace glintar::platform {
 
 /// Whether the condition comes true within some seconds.
 [[nodiscard]] bool waitFor(const std::function<bool()>& condition);
-
-/// A folder that is removed at the end.
-class TemporaryFolder {
-public:
-    TemporaryFolder();
-    ~TemporaryFolder();
-    std::filesystem::path path;
-};
 
 /// A message bus of one test's own, which starts no service by itself. While it lives, the environment names it as the
 /// session's bus, and an empty temporary folder as home and runtime directory.
@@ -50,7 +42,7 @@ private:
     /// The text as the service takes secrets: in a session, not encrypted.
     GVariant* secretOf(const char* text);
 
-    TemporaryFolder folder_;
+    test::TemporaryFolder folder_;
     std::string address_;
     GlibObject<GSubprocess> bus_;
     GlibObject<GSubprocess> ring_;

@@ -51,6 +51,7 @@ void ItemMenu::rebuild(std::size_t size) {
 
 void ItemMenu::fill(QMenu& menu) {
     menus_.push_back(&menu);
+    menu.setWindowTitle("Glintar menu");
     connect(&menu, &QObject::destroyed, this, [this, gone = &menu] { std::erase(menus_, gone); });
     for (QAction* const action : actions_) {
         menu.addAction(action);
@@ -65,7 +66,6 @@ void ItemMenu::popUp(const QPoint& topLeft, int above) {
     if (screen != nullptr && at.y() + size.height() > screen->availableGeometry().bottom()) {
         at.setY(above - size.height());
     }
-    menu_.setWindowTitle("Glintar menu");
     menu_.popup(at);
 }
 

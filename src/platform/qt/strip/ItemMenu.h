@@ -13,6 +13,8 @@ namespace glintar::platform {
 /// The menu of an item, as many times as it is shown: in the strip and in the tray.
 class ItemMenu final : public QObject {
 public:
+    ItemMenu() { fill(menu_); }
+
     /// The entries that are there already only change their texts where the new menu is built like the old one, so that
     /// a menu that is open stays so.
     void setMenu(Menu menu);
@@ -29,10 +31,10 @@ private:
     [[nodiscard]] bool isBuiltLike(const Menu& menu) const;
     void rebuild(std::size_t size);
 
-    QMenu menu_;
     std::vector<QAction*> actions_;
     std::vector<std::function<void()>> work_;
-    std::vector<QMenu*> menus_{&menu_};
+    std::vector<QMenu*> menus_;
+    QMenu menu_;  // after the list that it leaves when it ends
 };
 
 }  // namespace glintar::platform

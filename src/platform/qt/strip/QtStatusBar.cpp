@@ -2,10 +2,10 @@
 
 #include "platform/DesktopEvents.h"
 #include "platform/qt/strip/ItemMenu.h"
-#include "platform/qt/strip/ScreenPoints.h"
 #include "platform/qt/strip/StripAccessibility.h"
 #include "platform/qt/strip/StripItem.h"
 #include "platform/qt/strip/TrayIcon.h"
+#include "platform/qt/windows/QtScreens.h"
 
 #include <QCursor>
 #include <QPointer>
@@ -18,7 +18,8 @@ namespace {
 /// Outlives the bar if it must; then it does nothing.
 class QtStatusItem final : public StatusItem {
 public:
-    QtStatusItem(StripWindow& strip, Length length) : strip_(&strip), view_(&strip.addItem()) {
+    QtStatusItem(StripWindow& strip, const QtScreens& screens, Length length)
+        : screens_(screens), strip_(&strip), view_(&strip.addItem()) {
         view_->onMouseUp = [this](MouseButton button) { tell(button); };
         setLength(length);
     }
@@ -91,7 +92,7 @@ public:
         }
     }
 
-    Rect frame() const override { return view_ && view_->isVisible() ? fromQt(onScreen()) : Rect{}; }
+    Rect frame() const override { return view_ && view_->isVisible() ? screens_.map().fromQt(onScreen()) : Rect{}; }
 
 private:
     QRect onScreen() const { return view_->geometry().translated(strip_->place().topLeft()); }
@@ -102,6 +103,7 @@ private:
         }
     }
 
+    const QtScreens& screens_;
     QPointer<StripWindow> strip_;
     QPointer<StripItem> view_;
     ItemMenu menu_;
@@ -114,7 +116,11 @@ private:
 QtStatusBar::QtStatusBar(Surroundings surroundings)
     : around_(std::move(surroundings)),
       workArea_(around_.connection),
-      strip_(around_.graphics, around_.preferences, workArea_, look()) {
+      strip_({.graphics = around_.graphics,
+              .preferences = around_.preferences,
+              .screens = around_.screens,
+              .workArea = workArea_},
+             look(), around_.isManaged) {
     describeStripToAssistants();
     strip_.onScaleChanged = [this] {
         if (onScaleChanged) {
@@ -123,6 +129,9 @@ QtStatusBar::QtStatusBar(Surroundings surroundings)
     };
     compositorChanged_ = around_.compositor.onChange([this] { strip_.setLook(look()); });
     appearanceChanged_ = around_.notifications.observe(kAppearanceChanged, [this] { strip_.setLook(look()); });
+    if (!around_.isManaged) {
+        stayAbove();
+    }
 }
 
 QtStatusBar::~QtStatusBar() = default;
@@ -131,12 +140,25 @@ StripLook QtStatusBar::look() const {
     return {.isTranslucent = around_.compositor.isRunning(), .appearance = around_.events.appearance()};
 }
 
+/// A window that becomes active goes above all others; where it covers the strip, even if only for the X server, the
+/// strip gets no clicks.
+void QtStatusBar::stayAbove() {
+    around_.connection.selectRootEvents(XCB_EVENT_MASK_PROPERTY_CHANGE);
+    const auto activeWindow = around_.connection.atom("_NET_ACTIVE_WINDOW");
+    activeWindowChanged_ = around_.connection.onEvent([this, activeWindow](const xcb_generic_event_t& event) {
+        const auto& change = reinterpret_cast<const xcb_property_notify_event_t&>(event);
+        if ((event.response_type & 0x7f) == XCB_PROPERTY_NOTIFY && change.atom == activeWindow) {
+            strip_.raise();
+        }
+    });
+}
+
 Rect QtStatusBar::frame() const {
-    return strip_.isVisible() ? fromQt(strip_.place()) : Rect{};
+    return strip_.isVisible() ? around_.screens.map().fromQt(strip_.place()) : Rect{};
 }
 
 std::unique_ptr<StatusItem> QtStatusBar::addItem(StatusItem::Length length) {
-    auto item = std::make_unique<QtStatusItem>(strip_, length);
+    auto item = std::make_unique<QtStatusItem>(strip_, around_.screens, length);
     if (length == StatusItem::Length::Square && !hasTrayIcon_) {
         hasTrayIcon_ = true;
         item->putIntoTray(around_.connection, around_.session);

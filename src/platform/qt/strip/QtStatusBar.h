@@ -14,6 +14,7 @@ namespace glintar::platform {
 
 class DesktopEvents;
 class Preferences;
+class QtScreens;
 
 /// The status bar: a strip along the edge of a screen, and an icon in the desktop's tray for the first square item.
 /// Needs a QApplication on an X server. Where the user drags the strip is kept in the preferences (`StripPlacement.h`).
@@ -24,11 +25,14 @@ public:
     struct Surroundings {
         XcbConnection& connection;
         CompositorWatch& compositor;
+        QtScreens& screens;
         std::optional<QDBusConnection> session;
         const Graphics& graphics;  ///< what it draws is what the strip shows: a `QtGraphics`
         const DesktopEvents& events;
         NotificationCenter& notifications;
         Preferences& preferences;
+        /// Whether a window manager takes care of the strip. Under Wayland none may: it would choose the place.
+        bool isManaged = true;
     };
     explicit QtStatusBar(Surroundings surroundings);
     ~QtStatusBar() override;
@@ -45,12 +49,14 @@ public:
 
 private:
     [[nodiscard]] StripLook look() const;
+    void stayAbove();
 
     Surroundings around_;
     WorkAreaWatch workArea_;
     StripWindow strip_;
     bool hasTrayIcon_ = false;
     Listening compositorChanged_;
+    Listening activeWindowChanged_;
     std::unique_ptr<NotificationCenter::Observation> appearanceChanged_;
 };
 

@@ -27,10 +27,7 @@ void drawPlate(Canvas& canvas, double width, Appearance appearance) {
     canvas.strokeRounded(rect, kPlateRadius, Color::white(isDark ? 0.3 : 0.6), 1);
 }
 
-TitlePart partOf(const Texts& texts, const Graphics& graphics, double scale, Appearance appearance) {
-    if (texts.text.find_first_not_of(' ') == std::string::npos) {
-        return {.width = texts.width};
-    }
+TitlePart plateOf(const Texts& texts, const Graphics& graphics, double scale, Appearance appearance) {
     const Size size{texts.width + 2 * kPlateMargin, kPlateHeight};
     auto picture = graphics.draw(size, scale, [&](Canvas& canvas) {
         drawPlate(canvas, size.width, appearance);
@@ -55,13 +52,19 @@ std::vector<TitlePart> titleParts(const AttributedText& title, const Graphics& g
     Texts texts;
     const auto finishTexts = [&] {
         if (!texts.runs.empty()) {
-            parts.push_back(partOf(std::exchange(texts, {}), graphics, scale, appearance));
+            parts.push_back(plateOf(std::exchange(texts, {}), graphics, scale, appearance));
         }
     };
     for (const auto& run : title) {
         if (const auto* text = std::get_if<TextRun>(&run)) {
+            const Size size = graphics.measure(text->text, text->font);
+            if (text->text.find_first_not_of(' ') == std::string::npos) {
+                finishTexts();
+                parts.push_back({.width = size.width});
+                continue;
+            }
             texts.runs.push_back(text);
-            texts.sizes.push_back(graphics.measure(text->text, text->font));
+            texts.sizes.push_back(size);
             texts.width += texts.sizes.back().width;
             texts.text += text->text;
         } else if (const auto& picture = std::get<PictureRun>(run); picture.image) {

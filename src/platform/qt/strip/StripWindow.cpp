@@ -1,28 +1,25 @@
 #include "platform/qt/strip/StripWindow.h"
 
-#include "platform/qt/strip/ScreenPoints.h"
 #include "platform/qt/strip/StripItem.h"
 #include "platform/qt/strip/StripProperties.h"
+#include "platform/qt/windows/QtScreens.h"
 
 #include <QApplication>
+#include <QBackingStore>
 #include <QPaintEvent>
 #include <QPainter>
-#include <QScreen>
 #include <QWindow>
 
 #include <algorithm>
-#include <cmath>
 
 namespace glintar::platform {
 
-StripWindow::StripWindow(const Graphics& graphics, Preferences& preferences, WorkAreaWatch& workArea, StripLook look)
+StripWindow::StripWindow(const Surroundings& surroundings, StripLook look, bool isManaged)
     : QWidget(nullptr, Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint | Qt::WindowDoesNotAcceptFocus |
-                           Qt::NoDropShadowWindowHint),
-      graphics_(graphics),
-      preferences_(preferences),
-      workArea_(workArea),
+                           Qt::NoDropShadowWindowHint | (isManaged ? Qt::WindowFlags() : Qt::BypassWindowManagerHint)),
+      around_(surroundings),
       look_(look),
-      chosen_(loadPlace(preferences)) {
+      chosen_(loadPlace(surroundings.preferences)) {
     setAttribute(Qt::WA_ShowWithoutActivating);
     setAttribute(Qt::WA_TranslucentBackground);
     setAttribute(Qt::WA_AlwaysShowToolTips);  // its program is never the active one
@@ -31,12 +28,17 @@ StripWindow::StripWindow(const Graphics& graphics, Preferences& preferences, Wor
     winId();
     setAttribute(Qt::WA_X11NetWmWindowTypeDock);  // ignored before the window exists
     scale_ = devicePixelRatio();
-    followScreens();
-    workAreaChanged_ = workArea_.onChange([this] { putInPlace(); });
+    const auto follow = [this] {
+        putInPlace();
+        checkScale();
+    };
+    screensChanged_ = around_.screens.onChange(follow);
+    workAreaChanged_ = around_.workArea.onChange([this] { putInPlace(); });
+    connect(windowHandle(), &QWindow::screenChanged, this, follow);
 }
 
 StripItem& StripWindow::addItem() {
-    auto* const item = new StripItem(this, graphics_, look_);
+    auto* const item = new StripItem(this, around_.graphics, look_);
     item->onWidthChanged = [this] { arrange(); };
     item->onPressed = [this](const QPointF& at) { drag_ = Drag{.from = at, .held = place_.topLeft()}; };
     item->onDragged = [this](const QPointF& at) { return dragTo(at); };
@@ -66,46 +68,10 @@ void StripWindow::paintEvent(QPaintEvent* event) {
     painter.fillRect(event->rect(), look_.background());
 }
 
-/// Screens come one by one, and say how large they are before they say what of it is free: each is heard whenever it
-/// says anything.
-void StripWindow::followScreens() {
-    const auto follow = [this](QScreen* screen) {
-        connect(screen, &QScreen::availableGeometryChanged, this, &StripWindow::putInPlace);
-        connect(screen, &QScreen::geometryChanged, this, &StripWindow::putInPlace);
-        connect(screen, &QScreen::logicalDotsPerInchChanged, this, &StripWindow::checkScale);
-    };
-    for (QScreen* const screen : QGuiApplication::screens()) {
-        follow(screen);
-    }
-    connect(qApp, &QGuiApplication::screenAdded, this, [this, follow](QScreen* screen) {
-        follow(screen);
-        putInPlace();
-    });
-    connect(qApp, &QGuiApplication::primaryScreenChanged, this, &StripWindow::putInPlace);
-    connect(qApp, &QGuiApplication::screenRemoved, this, &StripWindow::putInPlace);
-    connect(windowHandle(), &QWindow::screenChanged, this, [this] {
-        putInPlace();
-        checkScale();
-    });
-}
-
-const QScreen* StripWindow::screenOf(const StripPlace& place) const {
-    const auto screens = QGuiApplication::screens();
-    const auto named = std::ranges::find(screens, QString::fromStdString(place.screen), &QScreen::name);
-    return named == screens.end() ? QGuiApplication::primaryScreen() : *named;
-}
-
-Rect StripWindow::freeAreaOf(const QScreen& screen) const {
-    const auto& area = workArea_.area();
-    if (!area) {
-        return fromQt(screen.availableGeometry());
-    }
-    // Screens have their top left corners where they have them in pixels.
-    const QPoint corner = screen.geometry().topLeft();
-    const double scale = screen.devicePixelRatio();
-    const auto points = [scale](int pixels) { return static_cast<int>(std::lround(pixels / scale)); };
-    const QPoint from = corner + QPoint(points(area->x - corner.x()), points(area->y - corner.y()));
-    return freeArea(fromQt(screen.geometry()), fromQt({from, QSize(points(area->width), points(area->height))}));
+Rect StripWindow::freeAreaOf(const ScreenMap::Screen& screen) const {
+    const ScreenMap& map = around_.screens.map();
+    const auto& area = around_.workArea.area();
+    return area ? freeArea(map.fromQt(screen.frame), map.toPoints(*area, screen)) : map.fromQt(screen.available);
 }
 
 void StripWindow::arrange() {
@@ -138,22 +104,39 @@ void StripWindow::layOutItems() {
 
 void StripWindow::putInPlace() {
     const StripPlace place = chosen_.value_or(StripPlace{});
-    const QScreen* const screen = screenOf(place);
-    if (screen == nullptr || contentWidth_ <= 0) {
+    const ScreenMap& map = around_.screens.map();
+    const Rect area = freeAreaOf(map.screenNamed(place.screen));
+    if (area.width <= 0 || contentWidth_ <= 0) {
         return;
     }
-    const Rect area = freeAreaOf(*screen);
     // What is wider than the screen is cut off at its left: the icon, which opens the menu, stays to be seen.
     const Size size{std::min(double(contentWidth_), area.width), double(StripLook::kHeight)};
-    place_ = toQt(stripFrame(place, size, area));
-    setFixedSize(place_.size());
-    move(place_.topLeft());
+    place_ = map.toQt(stripFrame(place, size, area));
+    fillPlace();
     layOutItems();
+}
+
+/// By one request to the X server for place and size together. By one for each, the end that is to stay where it is
+/// would be seen elsewhere in between. Window managers are told that the size is fixed, before and after.
+void StripWindow::fillPlace() {
+    // After a change of scale the window has kept its pixels and the widget its points.
+    const bool isWindowOfAnotherSize = windowHandle()->size() != size();
+    setMinimumSize(size().boundedTo(place_.size()));
+    setMaximumSize(size().expandedTo(place_.size()));
+    setGeometry(place_);
+    if (isWindowOfAnotherSize) {
+        windowHandle()->setGeometry(place_);
+    }
+    setFixedSize(place_.size());
 }
 
 void StripWindow::checkScale() {
     if (const double now = devicePixelRatio(); now != scale_) {
         scale_ = now;
+        if (QBackingStore* const pixels = backingStore()) {
+            pixels->resize(size());  // Qt does it for another number of points only
+        }
+        update();
         for (StripItem* const item : items_) {
             item->redraw();
         }
@@ -170,12 +153,12 @@ bool StripWindow::dragTo(const QPointF& pointer) {
     const QPointF way = pointer - drag_->from;
     drag_->isUnderWay |= way.manhattanLength() >= QApplication::startDragDistance();
     if (drag_->isUnderWay) {
-        const QScreen* screen = QGuiApplication::screenAt(pointer.toPoint());
-        screen = screen == nullptr ? QGuiApplication::primaryScreen() : screen;
+        const ScreenMap& map = around_.screens.map();
+        const auto& screen = map.screenAt(map.fromQt(QRect(pointer.toPoint(), QSize(0, 0))).origin());
         const QRect held(drag_->held + way.toPoint(), place_.size());
-        chosen_ = nearestPlace(fromQt(held), freeAreaOf(*screen));
-        if (screen != QGuiApplication::primaryScreen()) {
-            chosen_->screen = screen->name().toStdString();
+        chosen_ = nearestPlace(map.fromQt(held), freeAreaOf(screen));
+        if (!map.isPrimary(screen)) {
+            chosen_->screen = screen.name;
         }
         putInPlace();
     }
@@ -185,7 +168,7 @@ bool StripWindow::dragTo(const QPointF& pointer) {
 void StripWindow::drop() {
     drag_.reset();
     if (chosen_) {
-        savePlace(preferences_, *chosen_);
+        savePlace(around_.preferences, *chosen_);
     }
 }
 

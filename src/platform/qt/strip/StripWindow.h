@@ -2,6 +2,7 @@
 
 #include "platform/qt/strip/StripLook.h"
 #include "platform/qt/strip/StripPlacement.h"
+#include "platform/qt/windows/ScreenMap.h"
 #include "platform/xcb/WorkAreaWatch.h"
 
 #include <QPointF>
@@ -14,6 +15,7 @@
 namespace glintar::platform {
 
 class Graphics;
+class QtScreens;
 class StripItem;
 
 /// The window of the strip: it never has the focus, stays above others and on all desktops, and is in no list of
@@ -21,7 +23,14 @@ class StripItem;
 /// and follows when that screen changes. It is on screen while any of its items is.
 class StripWindow final : public QWidget {
 public:
-    StripWindow(const Graphics& graphics, Preferences& preferences, WorkAreaWatch& workArea, StripLook look);
+    /// What it needs, all of which outlives it.
+    struct Surroundings {
+        const Graphics& graphics;
+        Preferences& preferences;
+        QtScreens& screens;
+        WorkAreaWatch& workArea;
+    };
+    StripWindow(const Surroundings& surroundings, StripLook look, bool isManaged);
 
     /// The next item to the left; it is the window's.
     StripItem& addItem();
@@ -41,20 +50,16 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    void followScreens();
     void arrange();
     void layOutItems();
     void putInPlace();
+    void fillPlace();
     void checkScale();
     bool dragTo(const QPointF& pointer);
     void drop();
-    [[nodiscard]] const QScreen* screenOf(const StripPlace& place) const;
-    [[nodiscard]] Rect freeAreaOf(const QScreen& screen) const;
+    [[nodiscard]] Rect freeAreaOf(const ScreenMap::Screen& screen) const;
 
-    const Graphics& graphics_;
-    Preferences& preferences_;
-    WorkAreaWatch& workArea_;
-    Listening workAreaChanged_;
+    Surroundings around_;
     StripLook look_;
     std::vector<StripItem*> items_;  ///< from the right
     std::optional<StripPlace> chosen_;
@@ -68,6 +73,8 @@ private:
         bool isUnderWay = false;
     };
     std::optional<Drag> drag_;
+    Listening screensChanged_;
+    Listening workAreaChanged_;
 };
 
 }  // namespace glintar::platform

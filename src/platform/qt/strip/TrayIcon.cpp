@@ -55,6 +55,12 @@ QIcon iconOf(const ImagePtr& image) {
 TrayIcon::TrayIcon(XcbConnection& connection, std::optional<QDBusConnection> session, ItemMenu& menu)
     : itemMenu_(menu), host_(connection, std::move(session), [this] { begin(); }) {}
 
+TrayIcon::~TrayIcon() {
+    if (menu_) {
+        menu_->clear();  // Qt forgets its entries' counterparts in the tray when a menu ends with some left in it
+    }
+}
+
 void TrayIcon::begin() {
     menu_ = std::make_unique<QMenu>();
     itemMenu_.fill(*menu_);

@@ -20,6 +20,9 @@ class TrayIcon {
 public:
     /// `menu` is what its context menu shows. Both references outlive it.
     TrayIcon(XcbConnection& connection, std::optional<QDBusConnection> session, ItemMenu& menu);
+    ~TrayIcon();
+    TrayIcon(const TrayIcon&) = delete;
+    TrayIcon& operator=(const TrayIcon&) = delete;
 
     void setImage(ImagePtr image);
     void setToolTip(const std::string& text);

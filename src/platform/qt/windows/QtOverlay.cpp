@@ -67,7 +67,7 @@ void QtOverlay::orderOut() {
 }
 
 double QtOverlay::scale() const {
-    return around_.screens.map().scaleAt({frame_.x, frame_.top()});
+    return around_.screens.map().screenAt({frame_.x, frame_.top()}).scale;
 }
 
 bool QtOverlay::isTranslucent() const {

@@ -26,17 +26,19 @@ bool QtScreens::areOfWayland() const {
 }
 
 void QtScreens::watch(QScreen* screen) {
+    // A screen says how large it is before it says what of it is free. A new scale comes with a new size; when it says
+    // that its scale is new, it still has the old size.
     connect(screen, &QScreen::geometryChanged, this, [this] { look(); });
-    connect(screen, &QScreen::logicalDotsPerInchChanged, this, [this] { look(); });
+    connect(screen, &QScreen::availableGeometryChanged, this, [this] { look(); });
 }
 
 void QtScreens::look() {
     std::vector<ScreenMap::Screen> screens;
     for (const QScreen* screen : QGuiApplication::screens()) {
-        const QRectF place = screen->geometry();
-        screens.push_back({.topLeft = {place.x(), place.y()},
-                           .size = {place.width(), place.height()},
-                           .scale = screen->devicePixelRatio()});
+        screens.push_back({.frame = screen->geometry(),
+                           .available = screen->availableGeometry(),
+                           .scale = screen->devicePixelRatio(),
+                           .name = screen->name().toStdString()});
     }
     ScreenMap seen(std::move(screens));
     if (seen != map_) {

@@ -1,25 +1,31 @@
 #pragma once
 
 #include "platform/Geometry.h"
-#include "platform/xcb/PixelPoint.h"
+#include "platform/xcb/Pixels.h"
 
+#include <QPointF>
+#include <QRect>
 #include <xcb/xproto.h>
 
+#include <string>
+#include <string_view>
 #include <vector>
 
 namespace glintar::platform {
 
-/// How the points of the screens lie among the pixels of the X server.
+/// How places on the screens are counted: by us, in points from the bottom left corner of the primary screen, upwards;
+/// by Qt, in points from the top left, downwards; by the X server, in pixels from the top left.
 ///
 /// Qt keeps the top left corner of every screen where it is in pixels and makes only its size smaller. So there may be
 /// gaps between the points of neighbouring screens; a place in a gap belongs to the nearest of them.
 class ScreenMap {
 public:
-    /// As `QScreen` tells it: y grows downwards from the top left corner of the X server's picture.
+    /// As `QScreen` tells it.
     struct Screen {
-        Point topLeft;  ///< in points as in pixels
-        Size size;      ///< in points
-        double scale = 1;
+        QRect frame;         ///< its corner is that in pixels too
+        QRect available;     ///< what panels leave of it, which Qt tells right for a screen that is the only one
+        double scale = 1;    ///< pixels to a point
+        std::string name{};  ///< such as "HDMI-1"
         bool operator==(const Screen&) const = default;
     };
 
@@ -29,8 +35,17 @@ public:
     [[nodiscard]] Point toPoints(PixelPoint pixel) const;
     [[nodiscard]] PixelPoint toPixels(const Point& point) const;
 
-    /// Pixels to a point where that point is.
-    [[nodiscard]] double scaleAt(const Point& point) const;
+    /// All of it in the points of one screen, beyond its edges too.
+    [[nodiscard]] Rect toPoints(const PixelArea& area, const Screen& screen) const;
+
+    [[nodiscard]] Rect fromQt(const QRect& rect) const;
+    [[nodiscard]] QRect toQt(const Rect& rect) const;
+
+    [[nodiscard]] const Screen& screenAt(const Point& point) const;
+
+    /// The primary one where there is none of that name.
+    [[nodiscard]] const Screen& screenNamed(std::string_view name) const;
+    [[nodiscard]] bool isPrimary(const Screen& screen) const { return screen == screens_.front(); }
 
     /// What every screen has at least: Qt has rounded their sizes to whole points.
     [[nodiscard]] std::vector<xcb_rectangle_t> pixelFrames() const;
@@ -38,7 +53,8 @@ public:
     bool operator==(const ScreenMap&) const = default;
 
 private:
-    [[nodiscard]] Point fromTopLeft(const Point& point) const;
+    [[nodiscard]] Point fromQt(const QPointF& place) const;
+    [[nodiscard]] QPointF toQt(const Point& point) const;
 
     std::vector<Screen> screens_;  // at least one
 };

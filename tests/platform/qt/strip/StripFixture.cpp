@@ -2,6 +2,8 @@
 
 #include <fmt/format.h>
 
+#include <array>
+#include <bit>
 #include <charconv>
 
 namespace glintar::test {
@@ -31,13 +33,42 @@ void settle() {
     }
 }
 
+void DesktopSettings::setScale(double scale) {
+    xcb_connection_t* const xcb = connection_->get();
+    if (window_ == XCB_NONE) {
+        window_ = xcb_generate_id(xcb);
+        xcb_create_window(xcb, XCB_COPY_FROM_PARENT, window_, connection_->root(), 0, 0, 1, 1, 0,
+                          XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, 0, nullptr);
+        xcb_set_selection_owner(xcb, window_, connection_->atom("_XSETTINGS_S0"), XCB_CURRENT_TIME);
+    }
+    constexpr auto kName =
+        std::bit_cast<std::array<std::uint32_t, 2>>(std::array{'X', 'f', 't', '/', 'D', 'P', 'I', '\0'});
+    constexpr std::uint32_t kNumberWithNameOfSeven = 0x0007'0000;
+    const auto dpi = static_cast<std::uint32_t>(scale * 96 * 1024);
+    const std::array settings{0U, ++serial_, 1U, kNumberWithNameOfSeven, kName[0], kName[1], serial_, dpi};
+    const auto property = connection_->atom("_XSETTINGS_SETTINGS");
+    xcb_change_property(xcb, XCB_PROP_MODE_REPLACE, window_, property, property, 8, sizeof settings, settings.data());
+    connection_->flush();
+}
+
 StripFixture::StripFixture() = default;
+
+StripFixture::~StripFixture() {
+    stop();
+    display().clearBackground();
+    display().stopCompositor();
+    display().stopManager();
+    display().unsplit();
+    settings().setScale(1);
+    settle();
+}
 
 void StripFixture::start() {
     stop();
     bar = std::make_unique<platform::QtStatusBar>(platform::QtStatusBar::Surroundings{
         .connection = *connection,
         .compositor = compositor,
+        .screens = screens,
         .session = session,
         .graphics = graphics,
         .events = events,
@@ -98,6 +129,19 @@ std::optional<SeenWindow> StripFixture::seen() const {
 bool StripFixture::standsAt(const Rect& pixels) const {
     const auto window = seen();
     return window && window->frame == pixels;
+}
+
+testing::AssertionResult StripFixture::comesToEndAt(double right, double top) const {
+    std::optional<SeenWindow> window;
+    const bool comes = soon([&] {
+        window = seen();
+        return window && window->frame.right() == right && window->frame.y == top;
+    });
+    if (comes) {
+        return testing::AssertionSuccess();
+    }
+    return testing::AssertionFailure() << (window ? fmt::format("{}, {}", window->frame.right(), window->frame.y)
+                                                  : "not shown");
 }
 
 std::string StripFixture::property(const std::string& name) const {

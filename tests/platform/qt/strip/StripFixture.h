@@ -4,6 +4,7 @@
 #include "platform/qt/XcbReader.h"
 #include "platform/qt/graphics/QtGraphics.h"
 #include "platform/qt/strip/QtStatusBar.h"
+#include "platform/qt/windows/QtScreens.h"
 #include "platform/virtual/VirtualDesktop.h"
 #include "platform/virtual/VirtualStores.h"
 #include "support/Display.h"
@@ -25,6 +26,21 @@ public:
 /// The one screen of the test program, on which main made the QApplication.
 Display& display();
 
+/// A settings daemon of the XSETTINGS protocol (version 0.5) with the one setting that most desktops have.
+class DesktopSettings {
+public:
+    DesktopSettings() { setScale(1); }
+    void setScale(double scale);
+
+private:
+    std::unique_ptr<platform::XcbConnection> connection_ = platform::XcbConnection::open();
+    xcb_window_t window_ = XCB_NONE;
+    std::uint32_t serial_ = 0;
+};
+
+/// That of the screen: Qt looks for it only when it starts.
+DesktopSettings& settings();
+
 /// Runs Qt's loop until the condition holds; false when it does not within some seconds.
 [[nodiscard]] bool soon(const std::function<bool()>& condition);
 
@@ -41,6 +57,7 @@ struct SeenWindow {
 class StripFixture : public testing::Test {
 protected:
     StripFixture();
+    ~StripFixture() override;
 
     /// Makes the bar and its two items; what was there before goes.
     void start();
@@ -55,6 +72,9 @@ protected:
     std::optional<SeenWindow> seen() const;
     bool standsAt(const platform::Rect& pixels) const;
 
+    /// Whether the top right corner of the strip is soon there, in pixels from the top left.
+    [[nodiscard]] testing::AssertionResult comesToEndAt(double right, double top) const;
+
     /// Of the strip's window, as xprop prints it.
     std::string property(const std::string& name) const;
 
@@ -66,6 +86,7 @@ protected:
     std::unique_ptr<platform::XcbConnection> connection = platform::XcbConnection::open();
     platform::XcbReader reader{*connection};
     platform::CompositorWatch compositor{*connection};
+    platform::QtScreens screens;
     std::optional<QDBusConnection> session;
     std::unique_ptr<platform::QtStatusBar> bar;
     std::unique_ptr<platform::StatusItem> icon;

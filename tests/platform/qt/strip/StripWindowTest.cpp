@@ -24,33 +24,7 @@ using testing::HasSubstr;
 
 constexpr Pixel kRed{255, 0, 0}, kBlue{0, 0, 255}, kBlack{0, 0, 0}, kOrange{255, 128, 0};
 
-/// Whether the strip is on screen with its top right corner there, in pixels.
-testing::AssertionResult endsAt(const std::optional<SeenWindow>& window, double right, double top) {
-    if (window && window->frame.right() == right && window->frame.y == top) {
-        return testing::AssertionSuccess();
-    }
-    return testing::AssertionFailure() << (window ? testing::PrintToString(window->frame.right()) : "not shown") << ", "
-                                       << (window ? testing::PrintToString(window->frame.y) : "");
-}
-
-class StripWindow : public StripFixture {
-protected:
-    ~StripWindow() override {
-        stop();
-        display().clearBackground();
-        display().stopCompositor();
-        display().stopManager();
-        display().unsplit();
-        settle();
-    }
-    bool isSeenAt(double right, double top) {
-        return soon([&] { return bool(endsAt(seen(), right, top)); });
-    }
-    std::vector<Pixel> row() const {
-        const Rect frame = seen().value().frame;
-        return display().pixels(int(frame.x), int(frame.y + frame.height / 2), int(frame.width), 1);
-    }
-};
+using StripWindow = StripFixture;
 
 class StripUnderManager : public StripWindow, public testing::WithParamInterface<Display::Manager> {};
 
@@ -61,7 +35,7 @@ TEST_P(StripUnderManager, KeepsOutOfTheWayOfOtherWindows) {
 
     start();
     showPills();
-    ASSERT_TRUE(isSeenAt(1280, 0)) << endsAt(seen(), 1280, 0).message();
+    ASSERT_TRUE(comesToEndAt(1280, 0));
     EXPECT_EQ(outputOf({"xdotool", "getwindowfocus", "getwindowname"}), "other\n");
 
     std::vector<MouseButton> clicks;
@@ -85,7 +59,7 @@ TEST_P(StripUnderManager, KeepsOutOfTheWayOfOtherWindows) {
         ASSERT_TRUE(soon([&] { return !seen(); }));
         line->setVisible(true);
         icon->setVisible(true);
-        ASSERT_TRUE(isSeenAt(1280, 0)) << endsAt(seen(), 1280, 0).message();
+        ASSERT_TRUE(comesToEndAt(1280, 0));
     }
 }
 
@@ -96,14 +70,14 @@ INSTANTIATE_TEST_SUITE_P(Managers, StripUnderManager,
 TEST_F(StripWindow, FollowsThePrimaryScreen) {
     start();
     showPills();
-    ASSERT_TRUE(isSeenAt(1280, 0)) << endsAt(seen(), 1280, 0).message();
+    ASSERT_TRUE(comesToEndAt(1280, 0));
     display().split(640);
-    EXPECT_TRUE(isSeenAt(640, 0)) << endsAt(seen(), 640, 0).message();
+    EXPECT_TRUE(comesToEndAt(640, 0));
     const Rect frame = line->frame();
     EXPECT_EQ(frame.right(), 640 - 28) << "the line ends where the icon begins";
     EXPECT_EQ(frame.top(), 800) << "counted from the lower end of the screen";
     display().unsplit();
-    EXPECT_TRUE(isSeenAt(1280, 0)) << endsAt(seen(), 1280, 0).message();
+    EXPECT_TRUE(comesToEndAt(1280, 0));
 }
 
 TEST_F(StripWindow, KeepsItsIconOnTheScreenWhateverTheLength) {
@@ -118,24 +92,24 @@ TEST_F(StripWindow, StaysWhereTheUserDragsIt) {
     display().startManager(Display::Manager::Openbox);
     start();
     showPills();
-    ASSERT_TRUE(isSeenAt(1280, 0)) << endsAt(seen(), 1280, 0).message();
+    ASSERT_TRUE(comesToEndAt(1280, 0));
     int clicks = 0;
     icon->onMouseUp = [&](MouseButton) { ++clicks; };
 
     // By the icon, from the top right corner down to the bottom edge.
     display().input(
         {"mousemove", "1266", "14", "mousedown", "1", "mousemove", "1200", "300", "mousemove", "1066", "790"});
-    EXPECT_TRUE(isSeenAt(1080, 772)) << endsAt(seen(), 1080, 772).message();
+    EXPECT_TRUE(comesToEndAt(1080, 772));
     display().input({"mouseup", "1"});
     settle();
     EXPECT_EQ(clicks, 0) << "a drag is no click";
     EXPECT_TRUE(bar->isDraggedAway());
 
     showText("Loading...");
-    EXPECT_TRUE(isSeenAt(1080, 772)) << "the end near the corner stays: " << endsAt(seen(), 1080, 772).message();
+    EXPECT_TRUE(comesToEndAt(1080, 772)) << "the end near the corner stays";
     start();
     showPills();
-    EXPECT_TRUE(isSeenAt(1080, 772)) << "after a restart: " << endsAt(seen(), 1080, 772).message();
+    EXPECT_TRUE(comesToEndAt(1080, 772)) << "after a restart";
 
     display().input({"mousemove", "1066", "790", "click", "1"});
     icon->onMouseUp = [&](MouseButton) { ++clicks; };
@@ -147,7 +121,7 @@ TEST_F(StripWindow, IsTranslucentWhereThereIsACompositorAndOpaqueElsewhere) {
     display().paintBackground({0, 0xc0, 0});
     start();
     showPills();
-    ASSERT_TRUE(isSeenAt(1280, 0)) << endsAt(seen(), 1280, 0).message();
+    ASSERT_TRUE(comesToEndAt(1280, 0));
     const auto behind = [] { return display().pixel(1253, 2); };
     EXPECT_TRUE(soon([&] { return behind() == Pixel{0xf2, 0xf2, 0xf2}; }));
     events.setAppearance(Appearance::Dark);
@@ -164,7 +138,7 @@ TEST_F(StripWindow, ShowsPicturesPixelByPixel) {
     showPills();
     // Qt's screen has a whole number of points.
     const double end = 1280 - bar->scale();
-    ASSERT_TRUE(soon([&] { return seen() && seen()->frame.right() >= end; })) << endsAt(seen(), 1280, 0).message();
+    ASSERT_TRUE(soon([&] { return seen() && seen()->frame.right() >= end; }));
     const Rect frame = seen().value().frame;
     const auto shown = [&] {
         const int width = std::min(int(frame.width), 1280 - int(frame.x));
@@ -232,7 +206,7 @@ TEST_F(StripWindow, OpensAMenuThatWorksByMouse) {
                    {.isSeparator = true},
                    {.title = "Quit", .action = [&] { ++quits; }}});
     icon->onMouseUp = [&](MouseButton) { icon->popUpMenu({-10, -16}); };
-    ASSERT_TRUE(isSeenAt(1280, 0)) << endsAt(seen(), 1280, 0).message();
+    ASSERT_TRUE(comesToEndAt(1280, 0));
 
     display().input({"mousemove", "1266", "14", "click", "1"});
     ASSERT_TRUE(soon([] { return QApplication::activePopupWidget() != nullptr; }));
@@ -258,7 +232,7 @@ TEST_F(StripWindow, ShowsTheToolTipOfTheItemUnderThePointer) {
     showPills();
     line->setToolTip("Error: a & b <12:00:00>");
     icon->setToolTip("Glintar");
-    ASSERT_TRUE(isSeenAt(1280, 0)) << endsAt(seen(), 1280, 0).message();
+    ASSERT_TRUE(comesToEndAt(1280, 0));
     display().input({"mousemove", "1266", "14", "sleep", "0.1", "mousemove", "1267", "15"});
     EXPECT_TRUE(soon([&] { return shownTip() == "Glintar"; }));
     display().input({"mousemove", "1230", "14", "sleep", "0.1", "mousemove", "1229", "15"});

@@ -13,10 +13,7 @@ using platform::MouseButton;
 constexpr Pixel kOrange{255, 128, 0};
 
 /// Qt makes its choice of tray once a process, so each kind has a process of its own (CMakeLists.txt).
-class Tray : public StripFixture {
-protected:
-    ~Tray() override { stop(); }
-};
+using Tray = StripFixture;
 
 TEST_F(Tray, OfTheWindowKindMayComeLateAndGoAndComeAgain) {
     display().startManager(Display::Manager::Openbox);

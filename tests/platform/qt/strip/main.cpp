@@ -15,6 +15,7 @@ namespace glintar::test {
 namespace {
 
 Display* theDisplay = nullptr;
+DesktopSettings* theSettings = nullptr;
 
 /// A program with a tray icon that waits for its display to go away. Another process: the end of the display is that of
 /// the program.
@@ -39,6 +40,10 @@ Display& display() {
     return *theDisplay;
 }
 
+DesktopSettings& settings() {
+    return *theSettings;
+}
+
 }  // namespace glintar::test
 
 /// Of the tray's watcher, whose description Qt makes twice and frees once.
@@ -53,6 +58,9 @@ int main(int argc, char** argv) {
     testing::InitGoogleTest(&argc, argv);
     glintar::test::Display display;
     glintar::test::theDisplay = &display;
+    glintar::test::DesktopSettings settings;
+    glintar::test::theSettings = &settings;
+    qputenv("QT_SCREEN_SCALE_FACTORS", "RIGHT=2");
     QApplication::setDesktopSettingsAware(false);
     const QApplication application(argc, argv);
     return RUN_ALL_TESTS();

@@ -89,7 +89,7 @@ TEST_F(WindowsDesktop, ThePanelFollowsACompositorThatComesAndGoes) {
 
 TEST_F(WindowsDesktop, ThePanelTakesTheScaleOfTheScreenItIsOn) {
     display.split(640);
-    ASSERT_TRUE(test::eventually([&] { return screens.map().scaleAt({700, 700}) == 2; }, [] { runLoop(); }));
+    ASSERT_TRUE(test::eventually([&] { return screens.map().screenAt({700, 700}).scale == 2; }, [] { runLoop(); }));
     auto panel = showPanel(600, 100);
     int told = 0;
     panel->onSurroundingsChanged = [&] { ++told; };

@@ -6,8 +6,9 @@ namespace glintar::platform {
 
 namespace {
 
-ScreenMap::Screen screen(double x, double y, double width, double height, double scale) {
-    return {.topLeft = {x, y}, .size = {width, height}, .scale = scale};
+ScreenMap::Screen screen(int x, int y, int width, int height, double scale) {
+    const QRect frame(x, y, width, height);
+    return {.frame = frame, .available = frame, .scale = scale};
 }
 
 /// What X has in pixels as 1280x800, and beside it 1600x1200 at twice the size.
@@ -30,13 +31,63 @@ TEST_P(ScreenMapTest, CountsFromTheBottomLeftOfThePrimaryScreenInPointsOfTheScre
     const ScreenMap map(place.screens);
     EXPECT_EQ(map.toPoints(place.pixel), place.point);
     EXPECT_EQ(map.toPixels(place.point), place.pixel);
-    EXPECT_EQ(map.scaleAt(place.point), place.scale);
+    EXPECT_EQ(map.screenAt(place.point).scale, place.scale);
+}
+
+/// As Qt has it and as we have it, and in pixels.
+struct Area {
+    std::string name;
+    std::vector<ScreenMap::Screen> screens;
+    std::size_t of = 0;
+    PixelArea pixels;
+    QRect qt;
+    Rect ours;
+};
+
+class ScreenMapAreaTest : public testing::TestWithParam<Area> {};
+
+TEST_P(ScreenMapAreaTest, IsTheSameHoweverItIsCounted) {
+    const Area& area = GetParam();
+    const ScreenMap map(area.screens);
+    EXPECT_EQ(map.fromQt(area.qt), area.ours);
+    EXPECT_EQ(map.toQt(area.ours), area.qt);
+    EXPECT_EQ(map.toPoints(area.pixels, area.screens[area.of]), area.ours);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Areas, ScreenMapAreaTest,
+    testing::Values(
+        Area{"OneScreen", {screen(0, 0, 1280, 800, 1)}, 0, {980, 0, 300, 28}, {980, 0, 300, 28}, {980, 772, 300, 28}},
+        Area{"OneDenseScreen", {screen(0, 0, 640, 400, 2)}, 0, {0, 54, 1280, 746}, {0, 27, 640, 373}, {0, 0, 640, 373}},
+        // The work area of all screens, in the points of the dense one.
+        Area{"BeyondBothEdgesOfTheSecondScreen",
+             plainAndDense(),
+             1,
+             {0, 60, 2880, 1140},
+             {640, 30, 1440, 570},
+             {640, 200, 1440, 570}},
+        Area{"PrimaryIsNotAtTheOrigin",
+             {screen(1280, 200, 800, 600, 1), screen(0, 0, 640, 400, 2)},
+             1,
+             {20, 40, 600, 56},
+             {10, 20, 300, 28},
+             {-1270, 752, 300, 28}}),
+    [](const auto& area) { return area.param.name; });
+
+TEST(ScreenMapNameTest, AScreenThatIsNotThereIsThePrimaryOne) {
+    auto screens = plainAndDense();
+    screens[0].name = "left";
+    screens[1].name = "right";
+    const ScreenMap map(screens);
+    EXPECT_EQ(map.screenNamed("right"), screens[1]);
+    EXPECT_EQ(map.screenNamed("unplugged"), screens[0]);
+    EXPECT_EQ(map.screenNamed(""), screens[0]);
 }
 
 TEST(ScreenMapGapTest, WhatReachesOverTheEdgeOfADenseScreenStaysWithIt) {
     const ScreenMap map({screen(0, 0, 400, 400, 2), screen(800, 0, 800, 800, 1)});
     EXPECT_EQ(map.toPixels({415, 350}), (PixelPoint{830, 100}));
-    EXPECT_EQ(map.scaleAt({415, 350}), 2);
+    EXPECT_EQ(map.screenAt({415, 350}).scale, 2);
 }
 
 TEST(ScreenMapGapTest, FarAwayIsWhereTheXServerEnds) {

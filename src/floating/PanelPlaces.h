@@ -1,0 +1,24 @@
+#pragma once
+
+#include "platform/Geometry.h"
+
+namespace glintar::platform {
+class Preferences;
+}
+
+namespace glintar::floating {
+
+/// How far the user wants the panel from the pointer: the preference `floatOffset`, 16 points where there is none.
+[[nodiscard]] double readOffset(const platform::Preferences& preferences);
+
+// Both give the bottom left corner of a panel of that size.
+
+/// To the right of the pointer and below it, whatever the screens are.
+[[nodiscard]] platform::Point placeBesidePointer(const platform::Point& pointer, double offset,
+                                                 const platform::Size& panel);
+
+/// Below the right end of the status bar, or above it where the bar stands at the bottom of the screen. Beyond the left
+/// edge of the primary screen it reaches no farther than the bar does.
+[[nodiscard]] platform::Point placeBesideBar(const platform::Rect& bar, const platform::Size& panel);
+
+}  // namespace glintar::floating
