@@ -16,13 +16,19 @@ if(GLINTAR_CCACHE)
         ${GLINTAR_CCACHE})
 endif()
 
+# What has to be fast in a release. The rest waits for it and for the network, and is compiled for size: nearly all of a
+# program's code stays in memory while it runs. The fast ones go without the precompiled header, which is of one kind.
+set(GLINTAR_FAST json text config market platform_qt_graphics)
+
 # The debug log is printed in debug builds only.
 add_library(glintar_options INTERFACE)
 target_include_directories(glintar_options INTERFACE ${PROJECT_SOURCE_DIR}/src)
 target_compile_options(glintar_options INTERFACE
     -pthread -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wconversion -Wno-sign-conversion -Wno-missing-field-initializers
     $<$<BOOL:${GLINTAR_WERROR}>:-Werror>
+    $<$<AND:$<CONFIG:Release>,$<NOT:$<BOOL:$<TARGET_PROPERTY:GLINTAR_IS_FAST>>>>:-Os;-ffunction-sections;-fdata-sections>
     $<$<AND:$<BOOL:${GLINTAR_CCACHE}>,$<CXX_COMPILER_ID:GNU>>:-fpch-preprocess>)
+target_link_options(glintar_options INTERFACE $<$<CONFIG:Release>:-Wl,--gc-sections,-z,pack-relative-relocs>)
 if(GLINTAR_SANITIZE)
     target_compile_options(glintar_options INTERFACE
         -fsanitize=${GLINTAR_SANITIZE} -fno-omit-frame-pointer -O1 $<$<BOOL:${GLINTAR_FUZZ}>:-fsanitize=fuzzer-no-link>)
@@ -57,7 +63,11 @@ function(glintar_library name)
     cmake_parse_arguments(arg "" "" "SOURCES;PUBLIC;PRIVATE" ${ARGN})
     add_library(glintar_${name} STATIC ${arg_SOURCES})
     target_link_libraries(glintar_${name} PUBLIC glintar_options ${arg_PUBLIC} PRIVATE ${arg_PRIVATE})
-    target_precompile_headers(glintar_${name} REUSE_FROM glintar_headers)
+    if(name IN_LIST GLINTAR_FAST AND CMAKE_BUILD_TYPE STREQUAL Release)
+        set_target_properties(glintar_${name} PROPERTIES GLINTAR_IS_FAST ON)
+    else()
+        target_precompile_headers(glintar_${name} REUSE_FROM glintar_headers)
+    endif()
 endfunction()
 
 # glintar_test(NAME SOURCES ... [LIBRARIES targets...] [LABELS ...] [COMMAND wrapper...] [DEFINITIONS ...])

@@ -16,6 +16,8 @@ namespace glintar::app {
 
 namespace {
 
+constexpr int kKeptFree = 128 * 1024;
+
 /// Writes to standard output; the exit status.
 int say(std::string_view text) {
     return platform::writeAll(STDOUT_FILENO, text) == 0 ? 0 : kFailed;
@@ -72,6 +74,8 @@ std::expected<Start, int> readStart(int argc, char** argv) {
 std::expected<std::optional<demo::DemoSession>, int> prepareProcess(const Arguments& arguments) {
     // Answers are parsed on one thread; a heap for each would only hold on to memory.
     ::mallopt(M_ARENA_MAX, 1);
+    // What an answer took goes back once it is freed. Left alone, glibc keeps up to twice the largest block ever freed.
+    ::mallopt(M_TRIM_THRESHOLD, kKeptFree);
     std::optional<demo::DemoSession> session;
     if (arguments.demo) {
         session = startDemo();

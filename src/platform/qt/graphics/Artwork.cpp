@@ -67,14 +67,16 @@ std::size_t Artwork::byteCount() const {
 QImage Artwork::render(const QSize& pixels, const QRectF& target, const std::optional<QColor>& tint) {
     QImage image(pixels, QImage::Format_ARGB32_Premultiplied);
     image.fill(Qt::transparent);
-    QPainter painter(&image);
-    painter.setRenderHint(QPainter::Antialiasing);
-    renderer_.render(&painter, target);
-    if (tint) {
-        painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
-        painter.fillRect(image.rect(), *tint);
+    {
+        QPainter painter(&image);
+        painter.setRenderHint(QPainter::Antialiasing);
+        renderer_.render(&painter, target);
+        if (tint) {
+            painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
+            painter.fillRect(image.rect(), *tint);
+        }
     }
-    return image;
+    return image.copy();  // without the painter's memory
 }
 
 }  // namespace glintar::platform

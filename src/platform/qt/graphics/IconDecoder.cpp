@@ -1,5 +1,7 @@
 #include "platform/qt/graphics/IconDecoder.h"
 
+#include "platform/qt/graphics/PngFile.h"
+
 #include <QBuffer>
 #include <QByteArray>
 #include <QImageReader>
@@ -86,25 +88,7 @@ QSize iconSize(const QSize& size) {
     return size.scaled(kLargestIcon, kLargestIcon, Qt::KeepAspectRatio).expandedTo({1, 1});
 }
 
-/// The pixels alone.
-QImage bare(const QImage& image) {
-    QImage copy(image.size(), QImage::Format_ARGB32_Premultiplied);
-    for (int y = 0; y < image.height(); ++y) {
-        std::memcpy(copy.scanLine(y), image.constScanLine(y), std::size_t(image.width()) * sizeof(QRgb));
-    }
-    return copy;
-}
-
-}  // namespace
-
-std::expected<QImage, std::string> decodeIcon(std::string_view bytes) {
-    const std::string_view format = formatOf(bytes);
-    if (format.empty() || bytes.size() > kLargestFile) {
-        return std::unexpected("not an image of a known format");
-    }
-    if (isCutOff(bytes, format)) {
-        return std::unexpected(fmt::format("the {} file ends too early", format));
-    }
+std::expected<QImage, std::string> readByQt(std::string_view bytes, std::string_view format) {
     QByteArray data = QByteArray::fromRawData(bytes.data(), static_cast<qsizetype>(bytes.size()));
     QBuffer buffer(&data);
     buffer.open(QIODevice::ReadOnly);
@@ -128,6 +112,33 @@ std::expected<QImage, std::string> decodeIcon(std::string_view bytes) {
     if (image.isNull()) {
         return std::unexpected(fmt::format("unreadable {}: {}", format, reader.errorString().toStdString()));
     }
+    return image;
+}
+
+/// The pixels alone.
+QImage bare(const QImage& image) {
+    QImage copy(image.size(), QImage::Format_ARGB32_Premultiplied);
+    for (int y = 0; y < image.height(); ++y) {
+        std::memcpy(copy.scanLine(y), image.constScanLine(y), std::size_t(image.width()) * sizeof(QRgb));
+    }
+    return copy;
+}
+
+}  // namespace
+
+std::expected<QImage, std::string> decodeIcon(std::string_view bytes) {
+    const std::string_view format = formatOf(bytes);
+    if (format.empty() || bytes.size() > kLargestFile) {
+        return std::unexpected("not an image of a known format");
+    }
+    if (isCutOff(bytes, format)) {
+        return std::unexpected(fmt::format("the {} file ends too early", format));
+    }
+    auto picture = format == "png" ? readPng(bytes, kLargestSource) : readByQt(bytes, format);
+    if (!picture) {
+        return picture;
+    }
+    QImage& image = *picture;
     image.convertTo(QImage::Format_ARGB32_Premultiplied);
     const QSize wanted = iconSize(image.size());
     if (image.isNull() || isTooLarge(image.size())) {

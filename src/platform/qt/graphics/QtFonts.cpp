@@ -54,6 +54,16 @@ bool isAttached(QChar character) {
     return character.isMark() || character.unicode() == 0x200d;
 }
 
+/// Whether a font shows it as it is shaped: letters without marks, digits, punctuation and signs, which have one glyph
+/// each where nothing is kerned.
+bool isSimple(const QString& text) {
+    return std::ranges::all_of(text, [](QChar character) {
+        const auto unicode = character.unicode();
+        return unicode < 0x300 || (unicode >= 0x2010 && unicode < 0x2028) || (unicode >= 0x20a0 && unicode < 0x20d0) ||
+               (unicode >= 0x2190 && unicode < 0x2300) || (unicode >= 0x25a0 && unicode < 0x2600);
+    });
+}
+
 /// Whether its characters stand from left to right in the order of the text.
 bool runsToTheRight(const QString& text) {
     return std::ranges::none_of(text, [](QChar character) {
@@ -87,8 +97,11 @@ TextLine QtFonts::layOut(std::string_view text, const Font& font) const {
     const double size = font.size > 0 ? std::min(font.size, kLargestFont) : 1;
     const int pixels = std::max(1, static_cast<int>(std::lround(size)));
     TextLine line{.font = makeFont(font, pixels), .unit = size / pixels};
-    const QFontMetricsF metrics(line.font);
     const QString whole = lineOf(text);
+    if (!line.font.kerning() && isSimple(whole)) {
+        line.font.setStyleStrategy(QFont::StyleStrategy(line.font.styleStrategy() | QFont::PreferNoShaping));
+    }
+    const QFontMetricsF metrics(line.font);
     const auto add = [&](const QString& part, double shift, double advance) {
         line.runs.push_back({part, line.width + shift});
         line.width += advance;

@@ -4,11 +4,10 @@
 #include "platform/qt/graphics/Artwork.h"
 #include "platform/qt/graphics/IconDecoder.h"
 #include "platform/qt/graphics/ImageShadow.h"
+#include "platform/qt/graphics/PngFile.h"
 #include "platform/qt/graphics/QtCanvas.h"
 #include "platform/qt/graphics/QtImage.h"
 
-#include <QBuffer>
-#include <QByteArray>
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -55,7 +54,10 @@ ImagePtr QtGraphics::draw(const Size& size, double scale, const std::function<vo
     QImage pixels(pixelSize(size, sane), QImage::Format_ARGB32_Premultiplied);
     pixels.fill(Qt::transparent);
     {
-        QtCanvas canvas(pixels, std::isfinite(size.height) ? size.height : 0, sane, fonts_);
+        // Its own picture of the same pixels: the one that is painted keeps the painter's memory, often more than its
+        // own.
+        QImage painted(pixels.bits(), pixels.width(), pixels.height(), pixels.bytesPerLine(), pixels.format());
+        QtCanvas canvas(painted, std::isfinite(size.height) ? size.height : 0, sane, fonts_);
         paint(canvas);
     }
     return std::make_shared<PixelImage>(std::move(pixels), size, sane);
@@ -104,11 +106,7 @@ std::expected<ImagePtr, std::string> QtGraphics::decode(std::string_view bytes) 
 }
 
 std::string QtGraphics::png(const Image& image) const {
-    QByteArray bytes;
-    QBuffer buffer(&bytes);
-    buffer.open(QIODevice::WriteOnly);
-    pixelsAt(image, image.size(), scaleOf(image)).save(&buffer, "PNG");
-    return bytes.toStdString();
+    return writePng(pixelsAt(image, image.size(), scaleOf(image)));
 }
 
 std::shared_ptr<Artwork> QtGraphics::artwork(std::string_view folder, std::string_view name) const {

@@ -1,4 +1,5 @@
 #include "platform/qt/graphics/IconDecoder.h"
+#include "platform/qt/graphics/PngFile.h"
 
 #include <QBuffer>
 #include <QByteArray>
@@ -6,6 +7,7 @@
 #include <QImage>
 #include <gmock/gmock.h>
 
+#include <cstdlib>
 #include <ostream>
 
 namespace glintar::platform {
@@ -35,6 +37,10 @@ std::string file(const QImage& image, const char* format) {
 
 std::string half(const std::string& bytes) {
     return bytes.substr(0, bytes.size() / 2);
+}
+
+std::string cutOff(const std::string& bytes, std::size_t count) {
+    return bytes.substr(0, bytes.size() - count);
 }
 
 std::string patched(std::string bytes, std::size_t at, const std::string& with) {
@@ -94,6 +100,75 @@ TEST_P(DecodeFormatTest, LargePicturesBecomeSmallOnesOfTheSameShape) {
 INSTANTIATE_TEST_SUITE_P(Formats, DecodeFormatTest, testing::Values("png", "jpeg", "bmp", "ico", "webp"),
                          [](const auto& row) { return std::string(row.param); });
 
+/// Half transparent red with a dark and a green pixel in it.
+QImage mixture() {
+    QImage image(5, 5, QImage::Format_ARGB32);
+    image.fill(qRgba(255, 0, 0, 128));
+    image.setPixel(1, 1, qRgba(16, 32, 48, 255));
+    image.setPixel(3, 3, qRgba(0, 255, 0, 64));
+    return image;
+}
+
+/// A PNG with the picture in that form.
+std::function<std::string()> pngOf(QImage::Format format) {
+    return [format] { return file(mixture().convertToFormat(format), "png"); };
+}
+
+std::function<std::string()> fromBase64(const char* text) {
+    return [text] { return QByteArray::fromBase64(text).toStdString(); };
+}
+
+struct Form {
+    std::string name;
+    std::function<std::string()> bytes;
+    friend void PrintTo(const Form& row, std::ostream* out) { *out << row.name; }
+};
+
+class PngFormTest : public testing::TestWithParam<Form> {};
+
+TEST_P(PngFormTest, HasThePixelsThatQtReads) {
+    const std::string bytes = GetParam().bytes();
+    const auto icon = decodeIcon(bytes);
+    ASSERT_TRUE(icon) << icon.error();
+    const QImage expected = QImage::fromData(QByteArray::fromStdString(bytes), "png");
+    ASSERT_EQ(icon->size(), expected.size());
+    for (int y = 0; y < expected.height(); ++y) {
+        for (int x = 0; x < expected.width(); ++x) {
+            const QColor ours = icon->pixelColor(x, y);
+            const QColor qts = expected.pixelColor(x, y);
+            EXPECT_TRUE(std::abs(ours.red() - qts.red()) <= 2 && std::abs(ours.green() - qts.green()) <= 2 &&
+                        std::abs(ours.blue() - qts.blue()) <= 2 && std::abs(ours.alpha() - qts.alpha()) <= 1)
+                << x << ' ' << y << ' ' << ours.name(QColor::HexArgb).toStdString() << " instead of "
+                << qts.name(QColor::HexArgb).toStdString();
+        }
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Forms, PngFormTest,
+    testing::Values(
+        Form{"Color", pngOf(QImage::Format_RGB32)}, Form{"ColorAndAlpha", pngOf(QImage::Format_ARGB32)},
+        Form{"ColorAndAlphaOf16Bits", pngOf(QImage::Format_RGBA64)}, Form{"Gray", pngOf(QImage::Format_Grayscale8)},
+        Form{"GrayOf16Bits", pngOf(QImage::Format_Grayscale16)}, Form{"Palette", pngOf(QImage::Format_Indexed8)},
+        Form{"BlackAndWhite", pngOf(QImage::Format_Mono)},
+        Form{"GrayAndAlpha",
+             fromBase64("iVBORw0KGgoAAAANSUhEUgAAAAUAAAAFCAQAAAAnZu5uAAAAI0lEQVQI12M0q2eAAiYGhhcNcKYEgsnA"
+                        "wMAQ5gBnrjrAwAAAfuMEv6bXFDQAAAAASUVORK5CYII=")},
+        Form{"Interlaced",
+             fromBase64("iVBORw0KGgoAAAANSUhEUgAAAAUAAAAFCAYAAAH6aBZzAAAAP0lEQVQI11XJQRGAMAwAwSUOcIAEJKCidlI9qE"
+                        "ECDpAQXh3o8/YUqcilSFBkwEf/iCExrXXb+3NffboD2umAFyp+Et5+56z2AAAAAElFTkSuQmCC")},
+        Form{"InterlacedOf16Bits",
+             fromBase64(
+                 "iVBORw0KGgoAAAANSUhEUgAAAAUAAAAFEAYAAAGq+MowAAAASklEQVQI12P4/5+BgYGh/j8DjMEIF4EBmAATTABTCS4JJnQV"
+                 "GAJw0wUEFBQMDP7/h/HRabjO9+8fPLhwoQFuQOiT1TIMDI4OMD4AEMot4UA71JoAAAAASUVORK5CYII=")}),
+    [](const auto& row) { return row.param.name; });
+
+TEST(DecodeTest, WritesPngFilesThatHaveThePixels) {
+    const QByteArray bytes = QByteArray::fromStdString(writePng(mixture()));
+    EXPECT_EQ(QImage::fromData(bytes, "png").convertToFormat(QImage::Format_ARGB32), mixture());
+    EXPECT_EQ(writePng({}), "");
+}
+
 TEST(DecodeTest, TakesTheFirstPictureOfAnAnimationAndTheLargestOfAnIconFile) {
     const auto first = decodeIcon(gif());
     ASSERT_TRUE(first) << first.error();
@@ -147,6 +222,13 @@ INSTANTIATE_TEST_SUITE_P(
                     Refused{"Svg", kSvg, "known format"}, Refused{"Xpm", kXpm, "known format"},
                     Refused{"SvgSaidToBePng", [] { return "\x89PNG\r\n\x1a\n" + kSvg(); }, "unreadable png"},
                     Refused{"PngCutOff", [] { return half(file(flag(90, 90), "png")); }, "unreadable png"},
+                    Refused{"PngWithoutItsEnd", [] { return cutOff(file(flag(90, 90), "png"), 12); }, "unreadable png"},
+                    Refused{"PngWithAWrongByte",
+                            [] {
+                                const std::string bytes = file(flag(90, 90), "png");
+                                return patched(bytes, bytes.find("IDAT") + 8, "?");
+                            },
+                            "unreadable png"},
                     Refused{"JpegCutOff", [] { return half(file(flag(90, 90), "jpeg")); }, "too early"},
                     Refused{"BmpCutOff", [] { return half(file(flag(90, 90), "bmp")); }, "too early"},
                     Refused{"WebPCutOff", [] { return half(file(flag(90, 90), "webp")); }, "unreadable webp"},
