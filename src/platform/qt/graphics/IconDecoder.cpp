@@ -54,6 +54,25 @@ std::size_t littleEndian(std::string_view bytes, std::size_t at, std::size_t cou
     return number;
 }
 
+/// The PNG file that is the largest picture of an icon file; empty when that is none. Qt believes the directory about
+/// its size, and takes memory for what the picture itself says.
+std::string_view largestPngOf(std::string_view ico) {
+    static constexpr std::size_t kHeader = 6;
+    static constexpr std::size_t kEntry = 16;
+    const auto count = std::min<std::size_t>(littleEndian(ico, 4, 2), kIconsLookedAt);
+    std::size_t largest = 0;
+    std::string_view picture;
+    for (std::size_t at = kHeader; at < kHeader + count * kEntry; at += kEntry) {
+        const auto side = littleEndian(ico, at, 1);
+        const auto size = side == 0 ? 256 : side;
+        if (size > largest) {
+            largest = size;
+            picture = ico.substr(std::min(littleEndian(ico, at + 12, 4), ico.size()), littleEndian(ico, at + 8, 4));
+        }
+    }
+    return formatOf(picture) == "png" ? picture : std::string_view();
+}
+
 /// Whether the end is missing in a way that Qt's decoder takes for success: it leaves what is missing grey or clear.
 bool isCutOff(std::string_view bytes, std::string_view format) {
     if (format == "jpeg") {
@@ -134,15 +153,19 @@ std::expected<QImage, std::string> decodeIcon(std::string_view bytes) {
     if (isCutOff(bytes, format)) {
         return std::unexpected(fmt::format("the {} file ends too early", format));
     }
-    auto picture = format == "png" ? readPng(bytes, kLargestSource) : readByQt(bytes, format);
+    const std::string_view png = format == "ico" ? largestPngOf(bytes) : format == "png" ? bytes : std::string_view();
+    auto picture = png.empty() ? readByQt(bytes, format) : readPng(png, kLargestSource);
     if (!picture) {
         return picture;
     }
     QImage& image = *picture;
-    image.convertTo(QImage::Format_ARGB32_Premultiplied);
     const QSize wanted = iconSize(image.size());
-    if (image.isNull() || isTooLarge(image.size())) {
+    if (isTooLarge(image.size())) {
         return std::unexpected("too many pixels");
+    }
+    image.convertTo(QImage::Format_ARGB32_Premultiplied);
+    if (image.isNull()) {
+        return std::unexpected("no memory for a picture");
     }
     if (wanted != image.size()) {
         image = image.scaled(wanted, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
