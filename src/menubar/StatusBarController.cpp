@@ -200,14 +200,7 @@ void StatusBarController::refreshAll(Scope scope) {
         currentGasPrice_.reset();
         restartTimers();
     }
-    if (cachedMarketData_) {
-        const auto coins = config::loadSavedCoins(platform_);
-        if (currentDisplayMode_ == DisplayMode::Line) {
-            renderStatusItem(coins, *cachedMarketData_, std::nullopt);
-        } else {
-            updatePanel(coins);
-        }
-    }
+    redisplayFromCache();
     fetchAndDisplayPrice(Urgency::Forced, scope);
 }
 

@@ -1,9 +1,7 @@
-#include "config/APIConfigUpdater.h"
+#include "market/CryptoServiceTest.h"
+
 #include "config/ConfigFiles.h"
 #include "keystore/KeychainHelper.h"
-#include "market/CryptoService.h"
-#include "platform/virtual/VirtualPlatform.h"
-#include "support/Market.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -14,46 +12,9 @@
 namespace glintar::market {
 namespace {
 
-using namespace std::chrono_literals;
 using testing::ElementsAre;
 using testing::Key;
 using testing::SizeIs;
-
-class CryptoServiceTest : public testing::Test {
-protected:
-    struct Outcome {
-        int completions = 0;
-        MarketDataMap quotes;
-        std::optional<std::string> error;
-    };
-
-    CryptoServiceTest() { test::ship(machine); }
-
-    CryptoService& service() { return CryptoService::shared(machine.platform()); }
-
-    std::shared_ptr<Outcome> startFetch(const std::vector<config::Coin>& coins) {
-        auto outcome = std::make_shared<Outcome>();
-        service().fetchMarketData(coins, [outcome](MarketDataMap quotes, std::optional<std::string> error) {
-            ++outcome->completions;
-            outcome->quotes = std::move(quotes);
-            outcome->error = std::move(error);
-        });
-        return outcome;
-    }
-
-    Outcome fetch(const std::vector<config::Coin>& coins) {
-        const auto outcome = startFetch(coins);
-        machine.advance(5s);
-        EXPECT_EQ(outcome->completions, 1);
-        return *outcome;
-    }
-
-    void select(std::string_view source) { machine.preferences.setString("selectedSourceID", source); }
-
-    platform::VirtualPlatform machine;
-    const std::vector<config::Coin> btc{test::coin("BTC", "bitcoin")};
-    const std::vector<config::Coin> both{test::coin(" btc\n", "bitcoin"), test::coin("Eth", "ethereum")};
-};
 
 TEST_F(CryptoServiceTest, ABatchAsksOnceForAllCoins) {
     machine.http.answer("gecko.test", test::geckoAnswer({"bitcoin", "ethereum"}, 5));
@@ -337,81 +298,6 @@ TEST_F(CryptoServiceTest, AnswersMayComeFromManyThreadsAtOnce) {
     CryptoService::shared(threaded).fetchMarketData(
         coins, [&](MarketDataMap quotes, const std::optional<std::string>&) { done.set_value(std::move(quotes)); });
     EXPECT_GE(done.get_future().get().size(), 7U) << "those before the throttled one, and all that had been sent";
-}
-
-class ConfigLoadTest : public CryptoServiceTest {
-protected:
-    const std::filesystem::path cached = *config::cachedConfigFileURL(machine.platform());
-    static constexpr std::string_view kOther = R"({"sources":[{"id":"other","name":"O","supports_batch":true,
-        "url_template":"https://other.test","response_type":"array","price_path":"p","header":null}]})";
-    std::string firstSource() { return service().loadedConfig() ? service().loadedConfig()->sources.at(0).id : ""; }
-};
-
-TEST_F(ConfigLoadTest, TheDownloadedCopyWinsWhenItCanBeRead) {
-    machine.files.contents[cached] = std::string(kOther);
-    EXPECT_EQ(firstSource(), "other");
-    EXPECT_TRUE(machine.console.printed("🚀 [Glintar] 📁 [Config] 成功从磁盘缓存加载远程配置\n"));
-    EXPECT_FALSE(service().loadedConfig()->gasConfigs);
-}
-
-TEST_F(ConfigLoadTest, ADamagedCopyIsPassedOverSilently) {
-    machine.files.contents[cached] = std::string(kOther).substr(0, kOther.size() - 20);
-    config::APIConfigUpdater::shared(machine.platform()).skipCheck();
-    EXPECT_EQ(firstSource(), "coingecko");
-    EXPECT_THAT(machine.console.lines, SizeIs(1));
-    EXPECT_TRUE(machine.console.printed("🚀 [Glintar] 📦 [Config] 首次启动，加载内部初始配置\n"));
-}
-
-TEST_F(ConfigLoadTest, AShippedDocumentThatDoesNotDecodeLeavesNone) {
-    test::ship(machine, "{}");
-    EXPECT_EQ(firstSource(), "");
-    EXPECT_TRUE(machine.console.printed("🚀 [Glintar] 📦 [Config] 首次启动，加载内部初始配置\n"));
-    EXPECT_EQ(fetch(btc).error, "Config Missing");
-}
-
-TEST_F(ConfigLoadTest, ANewCopyIsTakenUpAtItsAnnouncementAndALostOneChangesNothing) {
-    EXPECT_EQ(firstSource(), "coingecko");
-    machine.files.contents[cached] = std::string(kOther);
-    machine.notifications.post(config::kConfigUpdated);
-    EXPECT_EQ(firstSource(), "other");
-    EXPECT_TRUE(machine.console.printed("🚀 [Glintar] 🔄 [CryptoService] 收到更新通知，重新加载配置...\n"));
-
-    machine.files.contents.clear();
-    machine.notifications.post(config::kConfigUpdated);
-    EXPECT_EQ(firstSource(), "other");
-    EXPECT_EQ(machine.console.count("❌ [Config] 内部配置文件也找不到"), 1);
-}
-
-TEST_F(ConfigLoadTest, TheFirstUseLooksForANewerConfigurationAndTakesItUp) {
-    machine.bundle.server = "https://config.test";
-    machine.http.answer("_ver.json", R"({"version":1})");
-    machine.http.answer("/api/api_endpoints.json", std::string(kOther));
-    EXPECT_EQ(firstSource(), "coingecko") << "nobody waits for the answer";
-    machine.advance(1s);
-    EXPECT_EQ(firstSource(), "other");
-}
-
-TEST_F(ConfigLoadTest, ANewerDocumentThatIsNoConfigurationGivesWayToTheShippedOne) {
-    machine.files.contents[cached] = std::string(kOther);
-    machine.bundle.server = "https://config.test";
-    machine.http.answer("_ver.json", R"({"version":1})");
-    machine.http.answer("/api/api_endpoints.json", R"({"sources":"later"})");
-    EXPECT_EQ(firstSource(), "other");
-    machine.advance(1s);
-    EXPECT_EQ(firstSource(), "coingecko");
-}
-
-TEST_F(ConfigLoadTest, WithoutAnyDocumentThereIsNoneAndItIsSaidOnce) {
-    machine.files.contents.clear();
-    machine.files.unreadable["/bundle/api_endpoints.json"] = "Permission denied";
-    machine.files.unreadable[cached] = "Is a directory";
-    EXPECT_EQ(fetch(btc).error, "Config Missing");
-    EXPECT_EQ(machine.console.count("❌ [Config] 内部配置文件也找不到"), 1);
-}
-
-TEST_F(ConfigLoadTest, NoHomeDirectoryMeansTheShippedDocument) {
-    machine.directories.support.reset();
-    EXPECT_EQ(firstSource(), "coingecko");
 }
 
 }  // namespace

@@ -1,0 +1,89 @@
+// Which configuration the engine works by, and when it takes up another.
+
+#include "config/APIConfigUpdater.h"
+#include "config/ConfigFiles.h"
+#include "market/CryptoServiceTest.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace glintar::market {
+namespace {
+
+class ConfigLoadTest : public CryptoServiceTest {
+protected:
+    const std::filesystem::path cached = *config::cachedConfigFileURL(machine.platform());
+    static constexpr std::string_view kOther = R"({"sources":[{"id":"other","name":"O","supports_batch":true,
+        "url_template":"https://other.test","response_type":"array","price_path":"p","header":null}]})";
+    std::string firstSource() { return service().loadedConfig() ? service().loadedConfig()->sources.at(0).id : ""; }
+};
+
+TEST_F(ConfigLoadTest, TheDownloadedCopyWinsWhenItCanBeRead) {
+    machine.files.contents[cached] = std::string(kOther);
+    EXPECT_EQ(firstSource(), "other");
+    EXPECT_TRUE(machine.console.printed("🚀 [Glintar] 📁 [Config] 成功从磁盘缓存加载远程配置\n"));
+    EXPECT_FALSE(service().loadedConfig()->gasConfigs);
+}
+
+TEST_F(ConfigLoadTest, ADamagedCopyIsPassedOverSilently) {
+    machine.files.contents[cached] = std::string(kOther).substr(0, kOther.size() - 20);
+    config::APIConfigUpdater::shared(machine.platform()).skipCheck();
+    EXPECT_EQ(firstSource(), "coingecko");
+    EXPECT_THAT(machine.console.lines, testing::SizeIs(1));
+    EXPECT_TRUE(machine.console.printed("🚀 [Glintar] 📦 [Config] 首次启动，加载内部初始配置\n"));
+}
+
+TEST_F(ConfigLoadTest, AShippedDocumentThatDoesNotDecodeLeavesNone) {
+    test::ship(machine, "{}");
+    EXPECT_EQ(firstSource(), "");
+    EXPECT_TRUE(machine.console.printed("🚀 [Glintar] 📦 [Config] 首次启动，加载内部初始配置\n"));
+    EXPECT_EQ(fetch(btc).error, "Config Missing");
+}
+
+TEST_F(ConfigLoadTest, ANewCopyIsTakenUpAtItsAnnouncementAndALostOneChangesNothing) {
+    EXPECT_EQ(firstSource(), "coingecko");
+    machine.files.contents[cached] = std::string(kOther);
+    machine.notifications.post(config::kConfigUpdated);
+    EXPECT_EQ(firstSource(), "other");
+    EXPECT_TRUE(machine.console.printed("🚀 [Glintar] 🔄 [CryptoService] 收到更新通知，重新加载配置...\n"));
+
+    machine.files.contents.clear();
+    machine.notifications.post(config::kConfigUpdated);
+    EXPECT_EQ(firstSource(), "other");
+    EXPECT_EQ(machine.console.count("❌ [Config] 内部配置文件也找不到"), 1);
+}
+
+TEST_F(ConfigLoadTest, TheFirstUseLooksForANewerConfigurationAndTakesItUp) {
+    machine.bundle.server = "https://config.test";
+    machine.http.answer("_ver.json", R"({"version":1})");
+    machine.http.answer("/api/api_endpoints.json", std::string(kOther));
+    EXPECT_EQ(firstSource(), "coingecko") << "nobody waits for the answer";
+    machine.advance(1s);
+    EXPECT_EQ(firstSource(), "other");
+}
+
+TEST_F(ConfigLoadTest, ANewerDocumentThatIsNoConfigurationGivesWayToTheShippedOne) {
+    machine.files.contents[cached] = std::string(kOther);
+    machine.bundle.server = "https://config.test";
+    machine.http.answer("_ver.json", R"({"version":1})");
+    machine.http.answer("/api/api_endpoints.json", R"({"sources":"later"})");
+    EXPECT_EQ(firstSource(), "other");
+    machine.advance(1s);
+    EXPECT_EQ(firstSource(), "coingecko");
+}
+
+TEST_F(ConfigLoadTest, WithoutAnyDocumentThereIsNoneAndItIsSaidOnce) {
+    machine.files.contents.clear();
+    machine.files.unreadable["/bundle/api_endpoints.json"] = "Permission denied";
+    machine.files.unreadable[cached] = "Is a directory";
+    EXPECT_EQ(fetch(btc).error, "Config Missing");
+    EXPECT_EQ(machine.console.count("❌ [Config] 内部配置文件也找不到"), 1);
+}
+
+TEST_F(ConfigLoadTest, NoHomeDirectoryMeansTheShippedDocument) {
+    machine.directories.support.reset();
+    EXPECT_EQ(firstSource(), "coingecko");
+}
+
+}  // namespace
+}  // namespace glintar::market

@@ -1,0 +1,115 @@
+// The network fee in the refresh cycle.
+
+#include "menubar/RefreshCycle.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace glintar::menubar {
+namespace {
+
+using testing::SizeIs;
+
+using FeeCycleTest = RefreshCycleTest;
+
+struct PhantomCase {
+    std::string name, source, coinId;
+    int gasSource;
+    std::string asked;  ///< part of an address that must be asked; empty: no phantom
+};
+
+class PhantomTest : public RefreshCycleTest, public testing::WithParamInterface<PhantomCase> {};
+
+TEST_P(PhantomTest, EthereumIsPricedBesideTheCoinsWhenTheFeeNeedsIt) {
+    const auto& row = GetParam();
+    showGas(row.gasSource);
+    machine.preferences.setString("selectedSourceID", row.source);
+    save({test::coin("X", row.coinId)});
+    begin();
+    EXPECT_EQ(machine.console.count("Injecting phantom coin"), row.asked.empty() ? 0 : 1);
+    EXPECT_EQ(machine.http.asked("https://gecko.test") + machine.http.asked("https://binance.test") +
+                  machine.http.asked("https://gate.test"),
+              row.source == "coingecko" || row.asked.empty() ? 1 : 2);
+    EXPECT_GE(machine.http.asked(row.asked), 1);
+}
+
+INSTANTIATE_TEST_SUITE_P(Sources, PhantomTest,
+                         testing::Values(PhantomCase{"BySourceIdentifier", "coingecko", "bitcoin", 0,
+                                                     "ids=bitcoin,ethereum"},
+                                         PhantomCase{"AnyBinanceTakesTheSymbol", "binance_us", "bitcoin", 0, "ETHUSDT"},
+                                         PhantomCase{"BinanceTakesTheSymbol", "binance", "bitcoin", 0, "ETHUSDT"},
+                                         PhantomCase{"GateTakesTheSymbol", "gate", "bitcoin", 0, "ETH_USDT&id=ETH"},
+                                         PhantomCase{"NotBesideEthereumInAnyCase", "coingecko", "ETHUSDT", 0, ""},
+                                         PhantomCase{"NotBesideThePairOfEth", "gate", "eth_usdt", 0, ""},
+                                         PhantomCase{"NotBesideEth", "gate", "eth", 0, ""},
+                                         PhantomCase{"NotForBitcoinsFee", "coingecko", "bitcoin", 1, ""},
+                                         PhantomCase{"NotForAnotherNumber", "coingecko", "bitcoin", 2, ""}),
+                         [](const auto& test) { return test.param.name; });
+
+TEST_F(FeeCycleTest, TheFeeStandsBesideTheCoinsWithItsCostInDollars) {
+    showGas(0);
+    machine.http.answer("gecko.test", test::geckoAnswer({"bitcoin", "ethereum"}, 2500));
+    begin();
+    EXPECT_THAT(shownPrices(), SizeIs(1)) << "the coin that only prices the fee is not shown";
+    EXPECT_EQ(surface.line.gas.value().text, "12G ($0.630)");
+    EXPECT_TRUE(machine.console.printed("⛽️ [Gas] Injecting phantom coin for pricing: ethereum"));
+    controller->forceFullUpdate();
+    EXPECT_FALSE(surface.line.gas) << "a full refresh begins without a fee";
+    machine.http.answer("eth.test", "{}");
+    machine.advance(60s);
+    EXPECT_FALSE(surface.line.gas) << "a fee that could not be had is not shown";
+}
+
+TEST_F(FeeCycleTest, ChangingTheFeeSettingsCostsOneFeeRequestAndNoQuotes) {
+    machine.http.answer("gecko.test", test::geckoAnswer({"bitcoin", "ethereum"}, 2500));
+    begin();
+    showGas(0);
+    surface.dashboard.clear();
+    displaySettingsSaved();
+    EXPECT_EQ(surface.dashboard, "Arbitrage Dashboard");
+    EXPECT_TRUE(machine.console.printed("⛽️ Gas Fee Enabled -> Fetching"));
+    EXPECT_TRUE(machine.console.printed("✅ [Fetch] Cache Hit (All coins found). Skipping network request."));
+    EXPECT_EQ(quotesAsked(), 1);
+    EXPECT_EQ(surface.line.gas.value().text, "12G ($0.630)");
+
+    showGas(1);
+    machine.notifications.post(config::kDisplaySettingsChanged);
+    EXPECT_FALSE(surface.line.gas) << "the other network's fee goes at once";
+    machine.advance(1s);
+    EXPECT_TRUE(machine.console.printed("⛽️ Gas Source Changed -> Cleared Cache & Fetching"));
+    EXPECT_EQ(surface.line.gas.value().text, "7 sat");
+    EXPECT_EQ(quotesAsked(), 1);
+
+    machine.preferences.setBoolean("showGasFee", false);
+    displaySettingsSaved();
+    EXPECT_TRUE(machine.console.printed("⛽️ Gas Fee Disabled -> Refreshing UI"));
+    EXPECT_FALSE(surface.line.gas);
+    EXPECT_EQ(machine.http.asked("eth.test") + machine.http.asked("btc.test"), 2);
+    const int shown = surface.linesShown;
+    displaySettingsSaved();
+    EXPECT_EQ(surface.linesShown, shown + 1) << "any other setting just shows the line anew";
+}
+
+TEST_F(FeeCycleTest, AFeeThatNeedsAnotherPriceAsksForTheQuotesToo) {
+    begin();
+    showGas(0);
+    displaySettingsSaved();
+    EXPECT_TRUE(machine.console.printed("⚠️ [Fetch] Cache Miss. Missing: [\"ethereum\"]. Forcing Network."));
+    EXPECT_EQ(quotesAsked(), 2);
+}
+
+TEST_F(FeeCycleTest, AFeeOfANetworkDeselectedMeanwhileIsNotShown) {
+    showGas(0);
+    begin();
+    machine.http.latency = 5s;
+    machine.advance(60s);  // a refresh is in flight
+    machine.preferences.setInteger("gasSource", 1);
+    machine.notifications.post(config::kDisplaySettingsChanged);
+    machine.advance(5s);
+    EXPECT_FALSE(surface.line.gas);
+    machine.advance(6s);
+    EXPECT_EQ(surface.line.gas.value().text, "7 sat") << "the right one is asked for at once";
+}
+
+}  // namespace
+}  // namespace glintar::menubar
