@@ -222,7 +222,7 @@ TEST_F(FloatingViewTest, ASparklineOfHardlyAnyRangeIsNoMountain) {
          {std::pair{std::vector{1.0, 3.0}, 27.0}, {{1.0, 1.00001}, 9.0}, {{4.0, 4.0}, 7.0}}) {
         const auto picture = graphics.draw(
             {50, 30}, 1, [&](platform::Canvas& canvas) { SparklineView{prices, {}}.draw(canvas, {5, 7, 40, 20}); });
-        const auto& points = platform::drawn(picture).all(Kind::Line).at(0).points;
+        const auto points = platform::drawn(picture).all(Kind::Line).at(0).points;
         EXPECT_NEAR(points.at(1).x, 45, 1e-6);
         EXPECT_NEAR(points.at(1).y, end, 1e-6);
     }
