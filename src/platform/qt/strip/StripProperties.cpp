@@ -27,8 +27,10 @@ xcb_connection_t* connectionOfQt() {
     return x11 == nullptr ? nullptr : x11->connection();
 }
 
-constexpr std::array<std::string_view, 4> kState{"_NET_WM_STATE_SKIP_TASKBAR", "_NET_WM_STATE_SKIP_PAGER",
-                                                 "_NET_WM_STATE_STICKY", "_NET_WM_STATE_ABOVE"};
+/// Not "above": docks are above other windows, but for one that fills the screen, which may cover them. Some window
+/// managers would show a dock that is "above" over such a window as well.
+constexpr std::array<std::string_view, 3> kState{"_NET_WM_STATE_SKIP_TASKBAR", "_NET_WM_STATE_SKIP_PAGER",
+                                                 "_NET_WM_STATE_STICKY"};
 constexpr std::uint32_t kAllDesktops = 0xffffffff;
 
 /// As the window manager's conventions want it: to the root window.
@@ -72,9 +74,9 @@ void requestStripProperties(const QWindow& window) {
     const auto id = static_cast<xcb_window_t>(window.winId());
     constexpr std::uint32_t kAdd = 1;
     constexpr std::uint32_t kApplication = 1;
-    for (std::size_t pair = 0; pair < kState.size(); pair += 2) {
+    for (const auto state : kState) {
         tellManager(connection, id, atom(connection, "_NET_WM_STATE"),
-                    {kAdd, atom(connection, kState[pair]), atom(connection, kState[pair + 1]), kApplication, 0});
+                    {kAdd, atom(connection, state), XCB_ATOM_NONE, kApplication, 0});
     }
     tellManager(connection, id, atom(connection, "_NET_WM_DESKTOP"), {kAllDesktops, kApplication, 0, 0, 0});
     xcb_flush(connection);

@@ -48,7 +48,7 @@ TEST_P(StripUnderManager, KeepsOutOfTheWayOfOtherWindows) {
 
     // The second time it is told anew: window managers take the properties away from hidden windows.
     for (int time = 0; time < 2; ++time) {
-        for (const char* const state : {"ABOVE", "SKIP_TASKBAR", "SKIP_PAGER"}) {
+        for (const char* const state : {"SKIP_TASKBAR", "SKIP_PAGER"}) {
             EXPECT_TRUE(soon([&] { return property("_NET_WM_STATE").contains(state); })) << state;
         }
         EXPECT_TRUE(soon([&] { return property("_NET_WM_DESKTOP").contains("4294967295"); }));
@@ -61,6 +61,22 @@ TEST_P(StripUnderManager, KeepsOutOfTheWayOfOtherWindows) {
         icon->setVisible(true);
         ASSERT_TRUE(comesToEndAt(1280, 0));
     }
+}
+
+TEST_P(StripUnderManager, IsAboveWindowsOnlyUntilTheyFillTheScreen) {
+    display().startManager(GetParam());
+    start();
+    showPills();
+    ASSERT_TRUE(comesToEndAt(1280, 0));
+    const auto isSeen = [] { return std::ranges::count(display().pixels(1000, 0, 280, 28), kBlue) > 0; };
+    QWidget other;
+    other.showMaximized();
+    ASSERT_TRUE(soon([&] { return other.isActiveWindow() && other.width() > 1200; }));
+    EXPECT_TRUE(soon(isSeen));
+    other.showFullScreen();
+    EXPECT_TRUE(soon([&] { return !isSeen(); }));
+    other.showMaximized();
+    EXPECT_TRUE(soon(isSeen));
 }
 
 INSTANTIATE_TEST_SUITE_P(Managers, StripUnderManager,
