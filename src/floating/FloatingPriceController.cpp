@@ -105,7 +105,9 @@ void FloatingPriceController::reloadSettings() {
     if (returns) {
         window_->orderFront();
     }
-    trackMouse();
+    if (timer_) {
+        trackMouse();
+    }
 }
 
 void FloatingPriceController::setupWindow() {
@@ -147,7 +149,7 @@ void FloatingPriceController::moveBeside(const Point& pointer) {
 
 void FloatingPriceController::restBelowBar() {
     if (const Rect bar = desktop_.statusBar.frame(); bar.width > 0) {
-        moveTo(placeBesideBar(bar, window_->frame().size()));
+        moveTo(placeBesideBar(bar, desktop_.statusBar.screen(), window_->frame().size()));
     }
 }
 

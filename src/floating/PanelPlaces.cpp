@@ -27,10 +27,10 @@ platform::Point placeBesidePointer(const platform::Point& pointer, double offset
     return {pointer.x + distance, pointer.y - panel.height - distance};
 }
 
-platform::Point placeBesideBar(const platform::Rect& bar, const platform::Size& panel) {
-    const double x = std::max(bar.right() - panel.width, std::min(bar.x, 0.0));
+platform::Point placeBesideBar(const platform::Rect& bar, const platform::Rect& screen, const platform::Size& panel) {
+    const double x = std::max(bar.right() - panel.width, screen.x);
     const double below = bar.y - kDistanceFromBar - panel.height;
-    return {x, below < 0 && bar.y >= 0 ? bar.top() + kDistanceFromBar : below};
+    return {x, below < screen.y ? bar.top() + kDistanceFromBar : below};
 }
 
 }  // namespace glintar::floating

@@ -17,8 +17,9 @@ namespace glintar::floating {
 [[nodiscard]] platform::Point placeBesidePointer(const platform::Point& pointer, double offset,
                                                  const platform::Size& panel);
 
-/// Below the right end of the status bar, or above it where the bar stands at the bottom of the screen. Beyond the left
-/// edge of the primary screen it reaches no farther than the bar does.
-[[nodiscard]] platform::Point placeBesideBar(const platform::Rect& bar, const platform::Size& panel);
+/// Below the right end of the status bar, or above it where the screen that the bar is on ends too soon. It begins on
+/// that screen.
+[[nodiscard]] platform::Point placeBesideBar(const platform::Rect& bar, const platform::Rect& screen,
+                                             const platform::Size& panel);
 
 }  // namespace glintar::floating

@@ -74,6 +74,9 @@ public:
     /// On screen, with all its items; empty while it is not shown.
     [[nodiscard]] virtual Rect frame() const = 0;
 
+    /// All of the screen that the bar is on.
+    [[nodiscard]] virtual Rect screen() const = 0;
+
     /// Pixels to a point where the bar is.
     [[nodiscard]] virtual double scale() const = 0;
 

@@ -42,11 +42,19 @@ TEST_F(PanelPlacesTest, WhereThePointerIsHiddenThePanelRestsBelowTheBarAndSaysSo
     EXPECT_EQ(window().alpha(), 1) << "there is no stillness to fade for";
     EXPECT_EQ(window().moves, moves);
     const double width = window().frame().width;
-    for (const auto& [bar, place] :
-         {std::pair{Rect{900, 0, 380, 24}, Point{1280 - width, 28}},    // bottom right
-          std::pair{Rect{0, 0, width - 9, 24}, Point{0, 28}},           // bottom left
-          std::pair{Rect{3, 0, width - 9, 24}, Point{0, 28}},           //
-          std::pair{Rect{-800, 0, width - 9, 24}, Point{-800, 28}}}) {  // of the screen beside
+    const double height = window().frame().height;
+    struct Row {
+        Rect screen;
+        Rect bar;
+        Point place;
+    };
+    for (const auto& [screen, bar, place] :
+         {Row{{0, 0, 1280, 800}, {900, 0, 380, 24}, {1280 - width, 28}},                   // bottom right
+          Row{{0, 0, 1280, 800}, {0, 0, width - 9, 24}, {0, 28}},                          // bottom left
+          Row{{-800, 200, 800, 600}, {-800, 200, width - 9, 24}, {-800, 228}},             // on the left
+          Row{{0, -600, 800, 600}, {420, -24, 380, 24}, {800 - width, -24 - 4 - height}},  // below, its top
+          Row{{0, -600, 800, 600}, {420, -600 + height, 380, 24}, {800 - width, -600 + height + 28}}}) {  // no room
+        desktop.statusBar.itsScreen = screen;
         desktop.statusBar.onScreen = bar;
         machine.advance(1s);
         EXPECT_EQ(window().frame().origin(), place);
@@ -78,6 +86,7 @@ TEST_F(PanelPlacesTest, WhatBecomesVisibleIsUpToDateBeforeItIsSeen) {
     int drawings = desktop.graphics.drawings;
     update(5);
     desktop.pointer.at = Point{900, 700};
+    controller.reloadSettings();
     EXPECT_EQ(desktop.graphics.drawings, drawings) << "nobody sees it";
     controller.showPanel();
     EXPECT_NE(desktop.graphics.drawings, drawings);

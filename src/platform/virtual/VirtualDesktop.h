@@ -36,11 +36,13 @@ class VirtualStatusBar final : public StatusBar {
 public:
     std::unique_ptr<StatusItem> addItem(StatusItem::Length length) override;
     Rect frame() const override { return onScreen; }
+    Rect screen() const override { return itsScreen; }
     double scale() const override { return pixelsPerPoint; }
     void setScale(double scale);
 
     double pixelsPerPoint = 1;
     Rect onScreen{900, 776, 380, 24};
+    Rect itsScreen{0, 0, 1280, 800};
     std::vector<std::shared_ptr<ItemState>> items;  ///< in the order in which they were added
 };
 

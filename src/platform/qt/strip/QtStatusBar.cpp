@@ -157,6 +157,11 @@ Rect QtStatusBar::frame() const {
     return strip_.isVisible() ? around_.screens.map().fromQt(strip_.place()) : Rect{};
 }
 
+Rect QtStatusBar::screen() const {
+    const ScreenMap& map = around_.screens.map();
+    return map.fromQt(map.screenAt(map.fromQt(strip_.place()).origin()).frame);
+}
+
 std::unique_ptr<StatusItem> QtStatusBar::addItem(StatusItem::Length length) {
     auto item = std::make_unique<QtStatusItem>(strip_, around_.screens, length);
     if (length == StatusItem::Length::Square && !hasTrayIcon_) {

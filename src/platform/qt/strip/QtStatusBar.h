@@ -39,6 +39,7 @@ public:
 
     std::unique_ptr<StatusItem> addItem(StatusItem::Length length) override;
     Rect frame() const override;
+    Rect screen() const override;
     double scale() const override { return strip_.devicePixelRatio(); }
 
     /// Whether the strip is where the user dragged it, rather than in the corner.
