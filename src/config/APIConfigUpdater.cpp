@@ -9,22 +9,25 @@ namespace glintar::config {
 
 namespace {
 
-std::optional<std::string> flawOf(std::string body) {
+std::expected<void, std::string> check(std::string body) {
     const auto document = json::parseContainer(std::move(body));
-    return document ? std::nullopt : std::optional(document.error().text());
+    return document ? std::expected<void, std::string>() : std::unexpected(document.error().text());
 }
 
 constexpr RemoteResource kResource{
-    .name = "api_endpoints",
+    .verUrl = "/api/api_endpoints_ver.json",
+    .dataUrl = "/api/api_endpoints.json",
     .versionKey = APIConfigUpdater::kVersionKey,
     .notification = kConfigUpdated,
     .storedAt = cachedConfigFileURL,
-    .flaw = flawOf,
-    .mark = "☁️",
-    .tag = "APIConfig",
-    .noun = "配置",
-    .started = "☁️ [APIConfig] 开始检查配置更新...",
-    .stored = "💾 [APIConfig] 新配置已写入磁盘。",
+    .check = check,
+    .lines = {.started = "☁️ [APIConfig] 开始检查配置更新...",
+              .versionCheckFailed = "⚠️ [APIConfig] 版本检查失败: {}",
+              .compared = "☁️ [APIConfig] 版本对比: 本地 v{} vs 远程 v{}",
+              .newerFound = "🚀 [APIConfig] 发现新配置 v{}，开始下载...",
+              .upToDate = "✅ [APIConfig] 配置已是最新。",
+              .downloadFailed = "❌ [APIConfig] 下载或保存失败: {}",
+              .stored = "💾 [APIConfig] 新配置已写入磁盘。"},
 };
 
 }  // namespace

@@ -158,7 +158,7 @@ std::optional<std::string> readCatalogue(platform::Platform& platform) {
             console.print(fmt::format("⚠️ [CoinList] 缓存文件存在但读取失败: {}", text.error()));
         }
     }
-    const auto shipped = platform.bundle.resource(kCoinListName, "json");
+    const auto shipped = platform.bundle.resource("coingecko_coins_list", "json");
     if (!shipped) {
         console.print("❌ [Fatal] 严重错误：Bundle 里也找不到 coingecko_coins_list.json！");
         return std::nullopt;

@@ -9,25 +9,28 @@ namespace glintar::config {
 
 namespace {
 
-std::optional<std::string> flawOf(std::string body) {
+std::expected<void, std::string> check(std::string body) {
     const auto catalogue = CoinCatalogue::decode(std::move(body));
     if (!catalogue) {
-        return catalogue.error();
+        return std::unexpected(catalogue.error());
     }
-    return catalogue->empty() ? std::optional<std::string>("no coins") : std::nullopt;
+    return catalogue->empty() ? std::unexpected("no coins") : std::expected<void, std::string>();
 }
 
 constexpr RemoteResource kResource{
-    .name = kCoinListName,
+    .verUrl = "/api/coingecko_coins_list_ver.json",
+    .dataUrl = "/api/coingecko_coins_list.json",
     .versionKey = CoinListUpdater::kVersionKey,
     .notification = kCoinListUpdated,
     .storedAt = cachedCoinListFile,
-    .flaw = flawOf,
-    .mark = "🔍",
-    .tag = "CoinList",
-    .noun = "列表",
-    .started = "🔍 [CoinList] 检查列表更新...",
-    .stored = "✅ [CoinList] 列表更新完成并保存。",
+    .check = check,
+    .lines = {.started = "🔍 [CoinList] 检查列表更新...",
+              .versionCheckFailed = "⚠️ [CoinList] 版本检查失败: {}",
+              .compared = "🔍 [CoinList] 版本对比: 本地 v{} vs 远程 v{}",
+              .newerFound = "🚀 [CoinList] 发现新列表 v{}，开始下载...",
+              .upToDate = "✅ [CoinList] 列表已是最新。",
+              .downloadFailed = "❌ [CoinList] 下载或保存失败: {}",
+              .stored = "✅ [CoinList] 列表更新完成并保存。"},
 };
 
 }  // namespace

@@ -11,6 +11,7 @@ inline constexpr std::string_view kCoinListUpdated = "CoinListUpdated";
 /// stored one; a catalogue already in memory stays as it is.
 class CoinListUpdater final : public RemoteResourceUpdater {
 public:
+    static constexpr std::string_view listFileName = "coingecko_coins_list.json";
     static constexpr std::string_view kVersionKey = "coin_list_version";
 
     /// The one of this process.

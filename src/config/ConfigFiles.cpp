@@ -1,9 +1,8 @@
 #include "config/ConfigFiles.h"
 
+#include "config/CoinListUpdater.h"
 #include "platform/Directories.h"
 #include "platform/Platform.h"
-
-#include <string>
 
 namespace glintar::config {
 
@@ -14,7 +13,7 @@ std::optional<std::filesystem::path> cachedConfigFileURL(platform::Platform& pla
 
 std::optional<std::filesystem::path> cachedCoinListFile(platform::Platform& platform) {
     auto directory = platform.directories.documents();
-    return directory ? std::optional(*directory / (std::string(kCoinListName) + ".json")) : std::nullopt;
+    return directory ? std::optional(*directory / CoinListUpdater::listFileName) : std::nullopt;
 }
 
 }  // namespace glintar::config

@@ -16,9 +16,7 @@ inline constexpr std::string_view kConfigUpdated = "ConfigUpdated";
 /// Where the downloaded source configuration lies; none when the machine names no application-support directory.
 [[nodiscard]] std::optional<std::filesystem::path> cachedConfigFileURL(platform::Platform& platform);
 
-/// Where the downloaded coin catalogue lies; none when the machine names no documents directory. The shipped one is the
-/// resource of the same name.
+/// Where the downloaded coin catalogue lies; none when the machine names no documents directory.
 [[nodiscard]] std::optional<std::filesystem::path> cachedCoinListFile(platform::Platform& platform);
-inline constexpr std::string_view kCoinListName = "coingecko_coins_list";
 
 }  // namespace glintar::config

@@ -12,15 +12,14 @@
 
 #include <fmt/format.h>
 
+#include <type_traits>
+
 namespace glintar::config {
 
 namespace {
 
-std::expected<std::int64_t, std::string> readVersion(platform::HttpResult result) {
-    if (!result) {
-        return std::unexpected(std::move(result.error().description));
-    }
-    const auto document = json::parseContainer(std::move(result->body));
+std::expected<std::int64_t, std::string> readVersion(std::string body) {
+    const auto document = json::parseContainer(std::move(body));
     if (!document) {
         return std::unexpected(document.error().text());
     }
@@ -40,79 +39,80 @@ std::expected<std::int64_t, std::string> readVersion(platform::HttpResult result
 
 struct RemoteResourceUpdater::Download {
     std::string body;
-    std::optional<std::string> flaw;
+    std::expected<void, std::string> verdict;
 };
 
-/// `read` turns the answer into what `then` takes on the main thread. It runs on the HTTP thread, so that a large
-/// document does not hold up what the user sees, and must not touch this object.
+/// `read` turns the body into what `then` takes on the main thread, or says what is wrong with it. It runs on the HTTP
+/// thread, so that a large document does not hold up what the user sees, and must not touch this object.
 template <class Read, class Then>
-void RemoteResourceUpdater::fetch(std::string_view suffix, Read read, Then then) {
+void RemoteResourceUpdater::fetch(std::string_view address, Read read, Then then) {
+    using Answer = std::invoke_result_t<Read, std::string>;
     platform_.http.send(
-        {.url = fmt::format("{}/api/{}{}.json", platform_.bundle.configServer(), resource_.name, suffix)},
-        [&runLoop = platform_.runLoop, read, then = lifetime_.guard(std::move(then))](auto result) mutable {
-            runLoop.post([then = std::move(then), answer = read(std::move(result))]() mutable { then(answer); });
+        {.url = fmt::format("{}{}", platform_.bundle.configServer(), address)},
+        [&runLoop = platform_.runLoop, read,
+         then = lifetime_.guard(std::move(then))](platform::HttpResult result) mutable {
+            Answer answer =
+                result ? read(std::move(result->body)) : Answer(std::unexpected(std::move(result.error().description)));
+            runLoop.post([then = std::move(then), answer = std::move(answer)]() mutable { then(answer); });
         });
+}
+
+template <class... Values>
+void RemoteResourceUpdater::log(std::string_view line, const Values&... values) {
+    platform_.console.log({fmt::format(fmt::runtime(line), values...)});
 }
 
 void RemoteResourceUpdater::checkForNewVersion() {
     if (std::exchange(isCheckDone_, true)) {
         return;
     }
-    platform_.console.log({resource_.started});
+    log(resource_.lines.started);
     if (platform_.bundle.configServer().empty()) {
         handleVersion(std::unexpected("no configuration server"));
         return;
     }
-    fetch("_ver", readVersion, [this](const auto& remote) { handleVersion(remote); });
+    fetch(resource_.verUrl, readVersion, [this](const auto& remote) { handleVersion(remote); });
 }
 
 void RemoteResourceUpdater::handleVersion(const std::expected<std::int64_t, std::string>& remote) {
-    const auto& [mark, tag, noun] = std::tie(resource_.mark, resource_.tag, resource_.noun);
-    auto& console = platform_.console;
+    const auto& lines = resource_.lines;
     if (!remote) {
-        console.log({fmt::format("⚠️ [{}] 版本检查失败: {}", tag, remote.error())});
+        log(lines.versionCheckFailed, remote.error());
         return;
     }
     const auto local = platform_.preferences.integer(resource_.versionKey);
-    console.log({fmt::format("{} [{}] 版本对比: 本地 v{} vs 远程 v{}", mark, tag, local, *remote)});
+    log(lines.compared, local, *remote);
     if (local >= *remote) {
-        console.log({fmt::format("✅ [{}] {}已是最新。", tag, noun)});
+        log(lines.upToDate);
         return;
     }
-    console.log({fmt::format("🚀 [{}] 发现新{} v{}，开始下载...", tag, noun, *remote)});
-    const auto read = [flaw = resource_.flaw](platform::HttpResult result) -> std::expected<Download, std::string> {
-        if (!result) {
-            return std::unexpected(std::move(result.error().description));
-        }
-        auto found = flaw(result->body);
-        return Download{.body = std::move(result->body), .flaw = std::move(found)};
+    log(lines.newerFound, *remote);
+    const auto read = [check = resource_.check](std::string body) -> std::expected<Download, std::string> {
+        auto verdict = check(body);
+        return Download{.body = std::move(body), .verdict = std::move(verdict)};
     };
-    fetch("", read, [this, version = *remote](const auto& download) { handleDownload(version, download); });
+    fetch(resource_.dataUrl, read,
+          [this, version = *remote](const auto& download) { handleDownload(version, download); });
 }
 
 void RemoteResourceUpdater::handleDownload(std::int64_t version, const std::expected<Download, std::string>& download) {
-    std::expected<void, std::string> outcome;
-    if (download) {
-        const auto path = resource_.storedAt(platform_);
-        if (!path) {
-            return;
-        }
-        outcome = store(*download, *path);
-    } else {
-        outcome = std::unexpected(download.error());
+    const auto& lines = resource_.lines;
+    if (!download) {
+        log(lines.downloadFailed, download.error());
+        return;
     }
+    const auto path = resource_.storedAt(platform_);
+    if (!path) {
+        return;
+    }
+    const auto outcome = download->verdict ? platform_.files.replace(*path, download->body) : download->verdict;
     if (!outcome) {
-        platform_.console.log({fmt::format("❌ [{}] 下载或保存失败: {}", resource_.tag, outcome.error())});
+        log(lines.downloadFailed, outcome.error());
         return;
     }
     platform_.preferences.setInteger(resource_.versionKey, version);
-    platform_.console.log({resource_.stored});
+    log(lines.stored);
     platform_.notifications.post(resource_.notification);
-}
-
-std::expected<void, std::string> RemoteResourceUpdater::store(const Download& download,
-                                                              const std::filesystem::path& path) const {
-    return download.flaw ? std::unexpected(*download.flaw) : platform_.files.replace(path, download.body);
 }
 
 }  // namespace glintar::config

@@ -8,6 +8,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace glintar::platform {
 struct Platform;
@@ -17,18 +18,23 @@ namespace glintar::config {
 
 /// What tells one shipped document that the configuration server can replace from another.
 struct RemoteResource {
-    std::string_view name;          ///< on the server: /api/NAME.json, and /api/NAME_ver.json with its version
+    std::string_view verUrl;        ///< of the version document, from the server's address on
+    std::string_view dataUrl;       ///< of the document itself
     std::string_view versionKey;    ///< preference with the version of the stored copy; absent counts as 0
     std::string_view notification;  ///< posted when a new copy has been stored
     std::optional<std::filesystem::path> (*storedAt)(platform::Platform&);
-    std::optional<std::string> (*flaw)(std::string body);  ///< why this must not be stored, if so; on the HTTP thread
+    std::expected<void, std::string> (*check)(std::string body);  ///< or why it must not be stored; on the HTTP thread
 
-    // Parts of the log lines.
-    std::string_view mark;
-    std::string_view tag;
-    std::string_view noun;
-    std::string_view started;
-    std::string_view stored;
+    /// What the log says. In place of {} stand the versions, the local one first, or the error.
+    struct Lines {
+        std::string_view started;
+        std::string_view versionCheckFailed;
+        std::string_view compared;
+        std::string_view newerFound;
+        std::string_view upToDate;
+        std::string_view downloadFailed;
+        std::string_view stored;
+    } lines;
 };
 
 /// Replaces the stored copy of one document when the configuration server has a newer version of it.
@@ -58,11 +64,11 @@ private:
     struct Download;
 
     template <class Read, class Then>
-    void fetch(std::string_view suffix, Read read, Then then);
+    void fetch(std::string_view address, Read read, Then then);
     void handleVersion(const std::expected<std::int64_t, std::string>& remote);
     void handleDownload(std::int64_t version, const std::expected<Download, std::string>& download);
-    [[nodiscard]] std::expected<void, std::string> store(const Download& download,
-                                                         const std::filesystem::path& path) const;
+    template <class... Values>
+    void log(std::string_view line, const Values&... values);
 
     platform::Platform& platform_;
     const RemoteResource& resource_;

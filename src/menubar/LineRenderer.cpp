@@ -40,12 +40,12 @@ struct LineRenderer::Render {
 LineRenderer::LineRenderer(platform::Platform& platform, platform::Desktop& desktop,
                            std::function<void()> onIconArrived)
     : platform_(platform), desktop_(desktop), onIconArrived_(std::move(onIconArrived)) {
-    onLookChanged();
+    onThemeChanged();
 }
 
 LineRenderer::~LineRenderer() = default;
 
-void LineRenderer::onLookChanged() {
+void LineRenderer::onThemeChanged() {
     const auto& graphics = desktop_.graphics;
     painter_ = std::make_shared<PillPainter>(graphics, CoinIcons::shared(platform_, graphics).shared_from_this(),
                                              look(), lifetime_.guard([this] { onIconArrived_(); }));

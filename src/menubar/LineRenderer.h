@@ -42,7 +42,7 @@ public:
     void cancel() { underWay_.reset(); }
 
     /// The desktop looks different: no picture from before is used again.
-    void onLookChanged();
+    void onThemeChanged();
 
     /// What pictures are drawn for now.
     [[nodiscard]] Look look() const;

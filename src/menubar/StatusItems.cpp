@@ -32,8 +32,8 @@ StatusItems::StatusItems(platform::Platform& platform, platform::Desktop& deskto
     setUpMenu();
     drawAnchor();
     showLoading();
-    appearanceObservation_ = platform.notifications.observe(platform::kAppearanceChanged, [this] { onLookChanged(); });
-    desktop.statusBar.onScaleChanged = [this] { onLookChanged(); };
+    appearanceObservation_ = platform.notifications.observe(platform::kAppearanceChanged, [this] { onThemeChanged(); });
+    desktop.statusBar.onScaleChanged = [this] { onThemeChanged(); };
 }
 
 StatusItems::~StatusItems() {
@@ -123,8 +123,8 @@ platform::Seconds StatusItems::showProgress(double elapsed, platform::Seconds in
     return Countdown::unchangedFor(elapsed, interval, now.scale);
 }
 
-void StatusItems::onLookChanged() {
-    renderer_.onLookChanged();
+void StatusItems::onThemeChanged() {
+    renderer_.onThemeChanged();
     drawAnchor();
     const auto before = wanted_;
     callbacks_.redisplay();

@@ -57,7 +57,7 @@ private:
     void drawAnchor();
     void showLoading();
     void showTitle(LineTitle title);
-    void onLookChanged();
+    void onThemeChanged();
     [[nodiscard]] bool isLineEmpty() const { return wanted_ && wanted_->isEmpty(); }
 
     platform::Platform& platform_;

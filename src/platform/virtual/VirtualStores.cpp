@@ -54,6 +54,9 @@ Files::Outcome VirtualFiles::replace(const std::filesystem::path& path, std::str
     if (!writeFailure.empty()) {
         return std::unexpected(writeFailure);
     }
+    if (!folders.contains(path.parent_path())) {
+        return std::unexpected("No such file or directory");
+    }
     contents.insert_or_assign(path, std::string(bytes));
     return {};
 }
@@ -62,8 +65,12 @@ Files::Outcome VirtualFiles::remove(const std::filesystem::path& path) {
     return contents.erase(path) > 0 ? Outcome{} : std::unexpected("No such file or directory");
 }
 
-Files::Outcome VirtualFiles::makeDirectories(const std::filesystem::path&) {
-    return writeFailure.empty() ? Outcome{} : std::unexpected(writeFailure);
+Files::Outcome VirtualFiles::makeDirectories(const std::filesystem::path& path) {
+    if (!writeFailure.empty()) {
+        return std::unexpected(writeFailure);
+    }
+    folders.insert(path);
+    return {};
 }
 
 std::optional<std::filesystem::path> VirtualBundle::resource(std::string_view name, std::string_view extension) const {

@@ -9,6 +9,7 @@
 
 #include <filesystem>
 #include <map>
+#include <set>
 #include <string>
 #include <utility>
 #include <variant>
@@ -65,7 +66,7 @@ private:
     std::map<std::pair<std::string, std::string>, std::string> items_;
 };
 
-/// Files in memory. Directories need not be made first, unless `unwritable`.
+/// Files in memory. A file that is written needs its folder.
 class VirtualFiles final : public Files {
 public:
     bool exists(const std::filesystem::path& path) const override;
@@ -76,7 +77,8 @@ public:
 
     std::map<std::filesystem::path, std::string> contents;
     std::map<std::filesystem::path, std::string> unreadable;  ///< there, but reading fails with this text
-    std::string writeFailure;                                 ///< when not empty, no write succeeds
+    std::set<std::filesystem::path> folders{"/home/u/data", "/home/u/documents", "/home/u/cache"};
+    std::string writeFailure;  ///< when not empty, no write succeeds
 };
 
 class VirtualDirectories final : public Directories {
