@@ -117,10 +117,11 @@ std::expected<QImage, std::string> readByQt(std::string_view bytes, std::string_
     if (format == "ico") {
         chooseLargest(reader);
     }
-    // Qt tells the size of the first picture of a GIF, but takes memory for its whole screen.
-    const QSize size = format == "gif" ? QSize(static_cast<int>(littleEndian(bytes, 6, 2)),
-                                               static_cast<int>(littleEndian(bytes, 8, 2)))
-                                       : reader.size();
+    QSize size = reader.size();
+    if (format == "gif") {  // Qt tells the size of the first picture, but takes memory for the whole screen
+        size =
+            size.expandedTo({static_cast<int>(littleEndian(bytes, 6, 2)), static_cast<int>(littleEndian(bytes, 8, 2))});
+    }
     if (isTooLarge(size)) {
         return std::unexpected(fmt::format("{} x {} pixels are too many", size.width(), size.height()));
     }

@@ -63,9 +63,9 @@ std::string boastfulPng() {
     return bytes;
 }
 
-/// Two pictures of one pixel, red and blue, on a screen of that size.
-std::string gif(const std::string& screen = "\1\0\1\0"s) {
-    const std::string picture = ",\0\0\0\0\1\0\1\0\0\2\2"s;
+/// Two pictures of one pixel, red and blue, at that place of a screen of that size.
+std::string gif(const std::string& screen = "\1\0\1\0"s, const std::string& place = "\0\0\0\0"s) {
+    const std::string picture = "," + place + "\1\0\1\0\0\2\2"s;
     return "GIF89a" + screen + "\x80\0\0\xff\0\0\0\0\xff"s + picture + "\x44\1\0"s + picture + "\x4c\1\0;"s;
 }
 
@@ -216,35 +216,36 @@ const auto kXpm = [] { return "/* XPM */\nstatic char *a[] = {\"1 1 1 1\", \"a c
 
 INSTANTIATE_TEST_SUITE_P(
     Refusals, DecodeRefusalTest,
-    testing::Values(Refused{"Empty", [] { return ""s; }, "known format"},
-                    Refused{"OneByte", [] { return "\x89"s; }, "known format"},
-                    Refused{"Html", [] { return "<html><body>404</body></html>"s; }, "known format"},
-                    Refused{"Svg", kSvg, "known format"}, Refused{"Xpm", kXpm, "known format"},
-                    Refused{"SvgSaidToBePng", [] { return "\x89PNG\r\n\x1a\n" + kSvg(); }, "unreadable png"},
-                    Refused{"PngCutOff", [] { return half(file(flag(90, 90), "png")); }, "unreadable png"},
-                    Refused{"PngWithoutItsEnd", [] { return cutOff(file(flag(90, 90), "png"), 12); }, "unreadable png"},
-                    Refused{"PngWithAWrongByte",
-                            [] {
-                                const std::string bytes = file(flag(90, 90), "png");
-                                return patched(bytes, bytes.find("IDAT") + 8, "?");
-                            },
-                            "unreadable png"},
-                    Refused{"JpegCutOff", [] { return half(file(flag(90, 90), "jpeg")); }, "too early"},
-                    Refused{"BmpCutOff", [] { return half(file(flag(90, 90), "bmp")); }, "too early"},
-                    Refused{"WebPCutOff", [] { return half(file(flag(90, 90), "webp")); }, "unreadable webp"},
-                    Refused{"GifCutOff", [] { return gif().substr(0, 32); }, "too early"},
-                    Refused{"BoastfulPng", boastfulPng, "20000 x 20000 pixels are too many"},
-                    Refused{"BoastfulBmp",
-                            [] { return patched(file(flag(2, 2), "bmp"), 18, "\x88\x13\0\0\x88\x13\0\0"s); },
-                            "5000 x 5000 pixels are too many"},
-                    Refused{"BoastfulJpeg",
-                            [] {
-                                const std::string bytes = file(flag(8, 8), "jpeg");
-                                return patched(bytes, bytes.find("\xff\xc0") + 5, "\x4e\x20\x4e\x20");
-                            },
-                            "20000 x 20000 pixels are too many"},
-                    Refused{"BoastfulGif", [] { return gif("\x88\x13\x88\x13"); }, "5000 x 5000"},
-                    Refused{"BoastfulPngInsideIco", [] { return ico({{16, boastfulPng()}}); }, "20000 x 20000"}),
+    testing::Values(
+        Refused{"Empty", [] { return ""s; }, "known format"},
+        Refused{"OneByte", [] { return "\x89"s; }, "known format"},
+        Refused{"Html", [] { return "<html><body>404</body></html>"s; }, "known format"},
+        Refused{"Svg", kSvg, "known format"}, Refused{"Xpm", kXpm, "known format"},
+        Refused{"SvgSaidToBePng", [] { return "\x89PNG\r\n\x1a\n" + kSvg(); }, "unreadable png"},
+        Refused{"PngCutOff", [] { return half(file(flag(90, 90), "png")); }, "unreadable png"},
+        Refused{"PngWithoutItsEnd", [] { return cutOff(file(flag(90, 90), "png"), 12); }, "unreadable png"},
+        Refused{"PngWithAWrongByte",
+                [] {
+                    const std::string bytes = file(flag(90, 90), "png");
+                    return patched(bytes, bytes.find("IDAT") + 8, "?");
+                },
+                "unreadable png"},
+        Refused{"JpegCutOff", [] { return half(file(flag(90, 90), "jpeg")); }, "too early"},
+        Refused{"BmpCutOff", [] { return half(file(flag(90, 90), "bmp")); }, "too early"},
+        Refused{"WebPCutOff", [] { return half(file(flag(90, 90), "webp")); }, "unreadable webp"},
+        Refused{"GifCutOff", [] { return gif().substr(0, 32); }, "too early"},
+        Refused{"BoastfulPng", boastfulPng, "20000 x 20000 pixels are too many"},
+        Refused{"BoastfulBmp", [] { return patched(file(flag(2, 2), "bmp"), 18, "\x88\x13\0\0\x88\x13\0\0"s); },
+                "5000 x 5000 pixels are too many"},
+        Refused{"BoastfulJpeg",
+                [] {
+                    const std::string bytes = file(flag(8, 8), "jpeg");
+                    return patched(bytes, bytes.find("\xff\xc0") + 5, "\x4e\x20\x4e\x20");
+                },
+                "20000 x 20000 pixels are too many"},
+        Refused{"BoastfulGif", [] { return gif("\x88\x13\x88\x13"); }, "5000 x 5000"},
+        Refused{"BoastfulGifWithoutAScreen", [] { return gif("\0\0\0\0"s, "\x87\x13\x87\x13"); }, "5000 x 5000"},
+        Refused{"BoastfulPngInsideIco", [] { return ico({{16, boastfulPng()}}); }, "20000 x 20000"}),
     [](const auto& row) { return row.param.name; });
 
 }  // namespace
