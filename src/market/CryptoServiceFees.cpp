@@ -15,6 +15,8 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
+#include <limits>
 
 namespace glintar::market {
 
@@ -69,12 +71,12 @@ std::optional<double> readFee(platform::Console& console, const config::GasConfi
     }
     const auto value = valueAtPath(gas.pricePath, document->root());
     const auto raw = value ? value->number() : std::nullopt;
-    if (!raw) {
+    const double fee = raw.value_or(std::numeric_limits<double>::quiet_NaN()) / (gas.divider > 0 ? gas.divider : 1.0);
+    if (!std::isfinite(fee)) {
         console.print(
             fmt::format("❌ [Gas Debug] 解析失败：无法在路径 '{}' 找到 Double 值", text::oneLine(gas.pricePath)));
         return std::nullopt;
     }
-    const double fee = *raw / (gas.divider > 0 ? gas.divider : 1.0);
     console.print(
         fmt::format("✅ [Gas Debug] 成功! 原始值: {} -> 最终值: {}", text::decimal(*raw), text::decimal(fee)));
     return fee;

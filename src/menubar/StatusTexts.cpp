@@ -44,7 +44,8 @@ std::string formatGasValue(double value) {
 }
 
 std::optional<double> transferCost(double fee, double ethereumPrice) {
-    return ethereumPrice > 0 ? std::optional(fee * 21'000 * ethereumPrice / 1'000'000'000) : std::nullopt;
+    const double cost = fee * 21'000 * ethereumPrice / 1'000'000'000;
+    return ethereumPrice > 0 && std::isfinite(cost) ? std::optional(cost) : std::nullopt;
 }
 
 std::optional<double> ethereumPrice(const market::MarketDataMap& quotes) {

@@ -34,6 +34,29 @@ TEST(AppDelegateTest, TheDisplayModeHoldsFromTheFirstPictureOn) {
     }
 }
 
+constexpr std::string_view kAnswer = R"([{"id":"bitcoin","current_price":64000,"image":"https://icons.test/b.png"}])";
+
+TEST(AppDelegateTest, AnIconThatArrivesIsShownAtOnce) {
+    Launched program(0);
+    program.machine.http.answer("gecko.test", std::string(kAnswer));
+    program.machine.http.answer("icons.test", "image 9x9 arrived");
+    program.machine.advance(5s);
+    const auto& pill = std::get<platform::PictureRun>(program.desktop.statusBar.items.at(1)->title.at(0));
+    const auto images = platform::drawn(pill.image).all(platform::Drawn::Kind::Image);
+    ASSERT_EQ(images.size(), 1U);
+    EXPECT_EQ(images[0].text, "arrived");
+}
+
+TEST(AppDelegateTest, ThePanelShowsThePrices) {
+    Launched program(1);
+    program.machine.http.answer("gecko.test", std::string(kAnswer));
+    program.machine.advance(5s);
+    const auto layers =
+        platform::drawn(program.desktop.windows.overlays.at(0)->picture).all(platform::Drawn::Kind::Image);
+    const auto texts = layers.back().image->all(platform::Drawn::Kind::Text);
+    EXPECT_TRUE(std::ranges::any_of(texts, [](const auto& text) { return text.text == "64000.00"; }));
+}
+
 TEST(AppDelegateTest, TheKeyIsLookedUpAfterTheFirstPictureAndBeforeTheCatalogueIsChecked) {
     Launched program(0);
     EXPECT_EQ(program.machine.console.count("[Timer]"), 0);

@@ -73,6 +73,10 @@ TEST_F(GasFeeTest, TheValueIsDividedAndReported) {
         EXPECT_EQ(fetch(), row.fee);
         EXPECT_TRUE(machine.console.printed("✅ [Gas Debug] 成功! " + row.line)) << row.line;
     }
+    machine.registry.clear();
+    shipFees(R"([{"id":"eth","name":"","url":"https://eth.test","price_path":"f","divider":1e-300}])");
+    machine.http.answer("eth.test", R"({"f":1e300})");
+    EXPECT_EQ(fetch(), std::nullopt) << "nobody pays without end";
 }
 
 /// What the user of any build reads, and what only a debug build adds.

@@ -4,7 +4,6 @@
 #include "keystore/KeychainHelper.h"
 #include "menubar/RefreshCycle.h"
 #include "menubar/RefreshState.h"
-#include "menubar/SettingsWatch.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -162,8 +161,8 @@ TEST_F(RefreshCycleTest, ThePanelGetsTheFirstFiveAndTheLineIsHidden) {
     surface.hasProgress = true;
     begin();
     ASSERT_THAT(surface.panels, SizeIs(1));
-    EXPECT_THAT(surface.panels[0].coins, SizeIs(5));
-    EXPECT_THAT(surface.panels[0].quotes, SizeIs(1));
+    coins.resize(5);
+    EXPECT_EQ(config::encodeCoins(surface.panels[0].coins), config::encodeCoins(coins));
     EXPECT_EQ(surface.panels[0].gasPrice, 7);
     EXPECT_EQ(surface.panels[0].nextFetchTime, RefreshState::shared(machine.platform()).nextFetchTime);
     EXPECT_EQ(surface.mode, DisplayMode::Panel);
@@ -177,8 +176,18 @@ TEST_F(RefreshCycleTest, ThePanelGetsTheFirstFiveAndTheLineIsHidden) {
     EXPECT_EQ(machine.console.count("🚨 [API]"), 0) << "a rejected key shows only in the line";
     displaySettingsSaved();
     EXPECT_THAT(surface.panels, SizeIs(3));
+    EXPECT_EQ(surface.panels.back().gasPrice, 7);
     controller->forceFullUpdate();
-    EXPECT_THAT(surface.panels, SizeIs(4)) << "what is known is shown before what is asked";
+    ASSERT_THAT(surface.panels, SizeIs(4)) << "what is known is shown before what is asked";
+    EXPECT_EQ(surface.panels.back().gasPrice, std::nullopt) << "a full refresh begins without a fee";
+    machine.advance(1s);
+    EXPECT_EQ(surface.panels.back().gasPrice, 7);
+    showGas(0);
+    machine.notifications.post(config::kDisplaySettingsChanged);
+    EXPECT_EQ(surface.panels.back().gasPrice, std::nullopt) << "the other network's";
+    for (const auto& panel : surface.panels) {
+        EXPECT_THAT(panel.quotes, SizeIs(1)) << "the last good ones stay";
+    }
 }
 
 TEST_F(RefreshCycleTest, TheDisplayModeChangesWhileTheProgramRunsWithoutAskingAgain) {
@@ -279,30 +288,6 @@ TEST_F(RefreshCycleTest, ThePresenterMayEndWithAFetchInFlightOrInItsOwnCallback)
     machine.advance(10s);
     EXPECT_EQ(surface.completed, 2);
     EXPECT_EQ(machine.runLoop.pending(), 0U) << "it leaves nothing behind";
-}
-
-TEST_F(RefreshCycleTest, SettingsWrittenByAnotherProcessTakeEffect) {
-    const SettingsWatch watch(machine.platform());
-    begin();
-    machine.preferences.onExternalChange();
-    machine.advance(1s);
-    EXPECT_EQ(quotesAsked(), 1) << "a file that was only touched changes nothing";
-
-    save({test::coin("ETH", "ethereum")});
-    machine.preferences.onExternalChange();
-    machine.advance(1s);
-    EXPECT_EQ(quotesAsked(), 2);
-    showGas(1);
-    machine.preferences.onExternalChange();
-    machine.advance(1s);
-    EXPECT_EQ(surface.line.gas.value().text, "7 sat");
-    machine.preferences.setInteger("displayMode", 1);
-    machine.preferences.onExternalChange();
-    EXPECT_EQ(surface.mode, DisplayMode::Panel);
-
-    keystore::KeychainHelper(machine.platform()).save("CG-123", "apiKey_coingecko");
-    machine.secrets.onChange();
-    EXPECT_EQ(RefreshState::shared(machine.platform()).currentInterval.count(), 30);
 }
 
 }  // namespace

@@ -89,6 +89,14 @@ TEST_F(StatusItemsTest, WordsStandWhereThereIsNoQuote) {
     desktop.events.setAppearance(Appearance::Dark);
     settle();
     EXPECT_EQ(words().color, systemColor(SystemColor::SecondaryLabel, Appearance::Dark));
+
+    machine.preferences.setBoolean("showGasFee", true);
+    gas = 12;
+    show();
+    settle();
+    ASSERT_EQ(display().title.size(), 3);
+    EXPECT_EQ(std::get<TextRun>(display().title[1]).text, "   ");
+    EXPECT_THAT(descriptions(), ElementsAre("⛽ 12G")) << "the fee has its place all the same";
 }
 
 TEST_F(StatusItemsTest, AnEmptyLineTakesNoPlace) {

@@ -48,6 +48,7 @@ TEST(StatusTextsTest, FeesReadAsOnThePill) {
     EXPECT_EQ(gasText(GasNetwork::Ethereum, 10, transferCost(10, 2500)), "10G ($0.525)");
     EXPECT_EQ(gasText(GasNetwork::Bitcoin, 7, transferCost(7, 2500)), "7 sat");
     EXPECT_EQ(transferCost(10, 0), std::nullopt);
+    EXPECT_EQ(transferCost(1e308, 2500), std::nullopt);
 }
 
 TEST(StatusTextsTest, TheEthereumPriceIsFoundUnderEitherName) {
