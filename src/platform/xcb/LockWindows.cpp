@@ -53,24 +53,21 @@ void LockWindows::create(const xcb_create_notify_event_t& created) {
 void LockWindows::configure(const xcb_configure_notify_event_t& configured) {
     const xcb_window_t beneath = configured.above_sibling;
     const bool isRaised = beneath != XCB_NONE && (beneath == own_ || isLock(beneath));
-    auto known = std::ranges::find(candidates_, configured.window, &Candidate::window);
-    Candidate candidate{.window = configured.window};
-    if (known != candidates_.end()) {
-        candidate = *known;
-    } else if (configured.override_redirect == 0 || configured.window == own_ || isOfServer(configured.window)) {
-        return;
+    auto candidate = std::ranges::find(candidates_, configured.window, &Candidate::window);
+    if (candidate == candidates_.end()) {
+        if (configured.override_redirect == 0 || configured.window == own_ || isOfServer(configured.window)) {
+            return;
+        }
+        candidate = candidates_.insert(candidates_.end(), {.window = configured.window});
     }
-    candidate.left = configured.x;
-    candidate.top = configured.y;
-    candidate.right = configured.x + configured.width;
-    candidate.bottom = configured.y + configured.height;
-    candidate.isAbove = isRaised || (candidate.isAbove && beneath != XCB_NONE);
-    if (known != candidates_.end() && !isRaised) {
-        *known = candidate;
-        return;
+    candidate->left = configured.x;
+    candidate->top = configured.y;
+    candidate->right = configured.x + configured.width;
+    candidate->bottom = configured.y + configured.height;
+    candidate->isAbove = isRaised || (candidate->isAbove && beneath != XCB_NONE);
+    if (isRaised) {
+        std::rotate(candidate, candidate + 1, candidates_.end());
     }
-    forget(candidate.window);
-    candidates_.push_back(candidate);
 }
 
 void LockWindows::setMapped(xcb_window_t window, bool isMapped) {

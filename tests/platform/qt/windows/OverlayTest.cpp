@@ -42,6 +42,10 @@ TEST_P(Overlay, LiesAboveEverythingAndIsInNobodysWay) {
     EXPECT_TRUE(comesToShow(302, 202, kRed)) << "a window that is opened later must not cover the panel";
     const OtherWindow menu(OtherWindow::Kind::Unmanaged, {0, 255, 0}, {250, 190, 100, 100});
     EXPECT_TRUE(comesToShow(302, 202, kRed)) << "nor must a menu";
+    {
+        const OtherWindow film(OtherWindow::Kind::FullScreen, {1, 2, 3}, {0, 0, 1280, 800});
+        EXPECT_TRUE(comesToShow(302, 202, kRed)) << "nor one that fills the screen";
+    }
 
     panel->setFrameOrigin({-20, 785});
     EXPECT_TRUE(comesToShow(2, 2, kRed));

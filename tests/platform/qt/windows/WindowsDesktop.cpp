@@ -48,7 +48,7 @@ void runLoop(int milliseconds) {
 OtherWindow::OtherWindow(Kind kind, const Pixel& color, const xcb_rectangle_t& place) : window_(XCB_NONE) {
     const auto isShown = [&] {
         const auto& display = *WindowsDesktop::screen;
-        const auto programs = kind == Kind::Managed ? listedPrograms(*connection_) : std::vector{window_};
+        const auto programs = kind == Kind::Unmanaged ? std::vector{window_} : listedPrograms(*connection_);
         return std::ranges::find(programs, window_) != programs.end() &&
                display.pixel(place.x + place.width / 2, place.y + place.height / 2) == color;
     };
@@ -76,6 +76,11 @@ void OtherWindow::open(Kind kind, const Pixel& color, const xcb_rectangle_t& pla
     const auto hints = placedByUser(place);
     xcb_change_property(xcb, XCB_PROP_MODE_REPLACE, window_, XCB_ATOM_WM_NORMAL_HINTS, XCB_ATOM_WM_SIZE_HINTS, 32,
                         hints.size(), hints.data());
+    if (kind == Kind::FullScreen) {
+        const auto state = connection_->atom("_NET_WM_STATE_FULLSCREEN");
+        xcb_change_property(xcb, XCB_PROP_MODE_REPLACE, window_, connection_->atom("_NET_WM_STATE"), XCB_ATOM_ATOM, 32,
+                            1, &state);
+    }
     xcb_map_window(xcb, window_);
     connection_->flush();
 }

@@ -28,7 +28,7 @@ void runLoop(int milliseconds = 10);
 /// A window of somebody else's, in one colour. Comes back once it is seen, its centre at least.
 class OtherWindow {
 public:
-    enum class Kind { Managed, Unmanaged };
+    enum class Kind { Managed, Unmanaged, FullScreen };
     OtherWindow(Kind kind, const Pixel& color, const xcb_rectangle_t& place);
     ~OtherWindow();
 
