@@ -15,14 +15,18 @@ TEST(StripText, StandsOnAPlateOfItsOwnApartFromThePicturesBeside) {
     const auto wordsAlone = titleParts({run("⚠️ "), run("Net Error")}, graphics, 1, Appearance::Light);
     ASSERT_EQ(wordsAlone.size(), 1U) << "texts share a plate";
 
-    const auto parts = titleParts({run("⚠️ "), run("Net Error"), run("   "), PictureRun{.image = picture}}, graphics, 1,
-                                  Appearance::Light);
+    const auto parts =
+        titleParts({run("⚠️ "), run("Net Error"), run("   "), PictureRun{.image = picture, .offset = {0, -7.5}}},
+                   graphics, 1, Appearance::Light);
     ASSERT_EQ(parts.size(), 3U);
     EXPECT_EQ(parts[0].description, "⚠️ Net Error");
     EXPECT_EQ(parts[0].width, wordsAlone[0].width) << "the gap is no part of the plate";
     EXPECT_FALSE(parts[1].picture);
     EXPECT_GT(parts[1].width, 0);
     EXPECT_EQ(parts[2].picture, picture);
+    for (const auto& part : {parts[0], parts[2]}) {
+        EXPECT_EQ(part.bottom + part.picture->size().height / 2, 14) << "in the middle of the strip";
+    }
 }
 
 }  // namespace

@@ -178,6 +178,11 @@ TEST_F(StripWindow, PaintsOnlyWhatHasChanged) {
     showPills();
     ASSERT_TRUE(soon([&] { return seen().has_value(); }));
     settle();
+    const Rect frame = seen().value().frame;
+    const auto middle = display().pixels(int(frame.x), 14, int(frame.width), 1);
+    const auto begins = [&](const Pixel& color) { return std::ranges::find(middle, color) - middle.begin(); };
+    const std::vector places{begins({128, 128, 128}), begins(kRed), begins(kBlue), begins(kOrange)};
+    EXPECT_TRUE(std::ranges::is_sorted(places) && places.back() < std::ssize(middle)) << testing::PrintToString(places);
 
     struct Paints final : QObject {
         bool eventFilter(QObject* watched, QEvent* event) override {
