@@ -22,7 +22,15 @@ struct DesktopCase {
     bool hasPanel;  ///< with the newer kind of tray; otherwise there is one of the older kind
 };
 
-class DesktopsTest : public DesktopTest, public testing::WithParamInterface<DesktopCase> {};
+class DesktopsTest : public DesktopTest, public testing::WithParamInterface<DesktopCase> {
+protected:
+    /// Whether the icon's blue is in the panel along the top edge, or in the tray in the bottom left corner.
+    bool isInTray(bool hasPanel) const {
+        const auto pixels = hasPanel ? display->pixels(0, 0, 1280, 20) : display->pixels(0, 770, 100, 30);
+        const auto isBlue = [](const Pixel& p) { return p[0] < 60 && p[1] > 80 && p[2] > 130; };
+        return std::ranges::count_if(pixels, isBlue) > 50;
+    }
+};
 
 TEST_P(DesktopsTest, PillsStandInTheCornerAboveOtherWindowsAndTakeNoFocus) {
     showScreen(GetParam().manager, GetParam().hasCompositor);
@@ -35,6 +43,8 @@ TEST_P(DesktopsTest, PillsStandInTheCornerAboveOtherWindowsAndTakeNoFocus) {
     EXPECT_EQ(place->x + place->width, 1280);
     EXPECT_GE(place->y, GetParam().hasPanel ? 20 : 0);
     EXPECT_LE(place->y, GetParam().hasPanel ? 60 : 0);
+
+    EXPECT_TRUE(eventually([&] { return isInTray(GetParam().hasPanel); }));
 
     // A window over the whole screen gets the focus and keeps it when the strip is clicked.
     const Child other({"xmessage", "-name", "other", "-geometry", "1280x800+0+0", "something else"});
