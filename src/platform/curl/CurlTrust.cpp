@@ -3,17 +3,30 @@
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
+#include <memory>
 #include <string_view>
 
 namespace glintar::platform {
 namespace {
 
-std::string environment(const char* name, const char* otherwise) {
-    const char* value = std::getenv(name);
-    if (value == nullptr || *value == '\0') {
-        value = otherwise;
-    }
+/// Empty where it is not set.
+std::string environment(const char* name) {
+    const char* const value = std::getenv(name);
     return value != nullptr ? value : "";
+}
+
+/// What curl was built with, where nothing is set. `curl_version_info` would tell it too, but asks each of the dozen
+/// libraries below curl for its version, which brings code of theirs into memory.
+std::string environment(const char* name, CURLINFO builtIn) {
+    std::string value = environment(name);
+    if (value.empty()) {
+        const std::unique_ptr<CURL, decltype(&curl_easy_cleanup)> handle(curl_easy_init(), &curl_easy_cleanup);
+        char* text = nullptr;
+        if (curl_easy_getinfo(handle.get(), builtIn, &text) == CURLE_OK && text != nullptr) {
+            value = text;
+        }
+    }
+    return value;
 }
 
 /// OpenSSL finds certificates in a folder by links such as "5ed36f99.0" alone.
@@ -46,13 +59,12 @@ const std::vector<CurlTrust::Store>& CurlTrust::stores() {
     if (!stores_.empty()) {
         return stores_;
     }
-    const curl_version_info_data& built = *curl_version_info(CURLVERSION_NOW);
-    const std::string file = environment("SSL_CERT_FILE", built.cainfo);
-    const std::string directory = environment("SSL_CERT_DIR", built.capath);
+    const std::string file = environment("SSL_CERT_FILE", CURLINFO_CAINFO);
+    const std::string directory = environment("SSL_CERT_DIR", CURLINFO_CAPATH);
     if (anyHashed(directory)) {
         stores_.push_back({.file = {}, .directory = directory});
     }
-    const bool named = !environment("SSL_CERT_FILE", nullptr).empty();
+    const bool named = !environment("SSL_CERT_FILE").empty();
     stores_.insert(named ? stores_.begin() : stores_.end(), {.file = file, .directory = {}});
     return stores_;
 }

@@ -18,10 +18,10 @@ constexpr qint64 kLargestFile = 1'000'000;
 
 std::shared_ptr<Artwork> Artwork::read(const std::filesystem::path& file) {
     QFile source(QString::fromStdString(file.string()));
-    if (!source.open(QIODevice::ReadOnly)) {
+    if (source.size() > kLargestFile || !source.open(QIODevice::ReadOnly)) {
         return nullptr;
     }
-    auto artwork = std::make_shared<Artwork>(source.read(kLargestFile));
+    auto artwork = std::make_shared<Artwork>(source.readAll());
     return artwork->isValid() ? artwork : nullptr;
 }
 
