@@ -83,7 +83,7 @@ TEST_F(LineTest, AServerErrorThatPassesIsNotSeen) {
     EXPECT_THAT(program.output(), StartsWith("BTC "));
 }
 
-TEST_F(LineTest, WithoutANetworkItSaysSoAndSaysItAgain) {
+TEST_F(LineTest, WithoutANetworkItSaysSo) {
     preferences("");
     std::ofstream(dataFolder() / "remote_api_endpoints.json")
         << R"({"sources":[{"id":"coingecko","name":"C","supports_batch":true,"url_template":"http://127.0.0.1:9/{ID}",)"
@@ -94,7 +94,7 @@ TEST_F(LineTest, WithoutANetworkItSaysSoAndSaysItAgain) {
     EXPECT_THAT(program.output(), HasSubstr(R"("text":"⚠️ Net Error","coins":[],"gas":null)"));
 }
 
-TEST_F(LineTest, ALineComesIntoThePipeASecondAfterTheStart) {
+TEST_F(LineTest, APipeGetsLinesOfPlainText) {
     auto program = start({"line"});
     ASSERT_TRUE(program.waitForOutput("\n")) << program.errors();
     EXPECT_THAT(program.output(), StartsWith("BTC "));

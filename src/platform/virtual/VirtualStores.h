@@ -65,7 +65,7 @@ private:
     std::map<std::pair<std::string, std::string>, std::string> items_;
 };
 
-/// Files in memory. Directories need not be made first, unless `unwritable`.
+/// Files in memory. Directories need not be made first.
 class VirtualFiles final : public Files {
 public:
     bool exists(const std::filesystem::path& path) const override;
