@@ -1,6 +1,5 @@
-#include "json/Json.h"
 #include "line/LineCommand.h"
-#include "line/LineFormat.h"
+#include "menubar/LineText.h"
 #include "platform/TextOutput.h"
 #include "platform/virtual/VirtualPlatform.h"
 #include "support/Market.h"
@@ -181,14 +180,6 @@ TEST_F(LineCommandTest, JsonHoldsTheWholeAnswer) {
 TEST_F(LineCommandTest, ASimulatedMarketIsMarked) {
     run({.once = true, .demo = true}, 1s);
     EXPECT_EQ(output.lines.at(0), "[simulated] BTC 64012.55 (60000.00)");
-}
-
-TEST(LineFormatTest, SparklinesReachFromTheLowestToTheHighest) {
-    using List = std::vector<double>;
-    EXPECT_EQ(sparklineText(List{1, 2, 3, 4, 5, 6, 7, 8}), "▁▂▃▄▅▆▇█");
-    EXPECT_EQ(sparklineText(List{5, 5, 5}), "▁▁▁");
-    EXPECT_EQ(sparklineText(List{5}), "");
-    EXPECT_EQ(sparklineText(List{-1.7e308, 1.7e308}), "▁█");
 }
 
 TEST(LineFormatTest, NamesCannotBreakTheLine) {
