@@ -3,6 +3,7 @@
 #include "demo/DemoSession.h"
 #include "platform/qtcore/QtPreferences.h"
 #include "platform/virtual/VirtualPlatform.h"
+#include "support/TemporaryFolder.h"
 #include "support/TestFiles.h"
 
 #include <gtest/gtest.h>
@@ -22,21 +23,16 @@ namespace fs = std::filesystem;
 
 class DemoSessionTest : public testing::Test {
 protected:
-    void SetUp() override {
-        std::string folder = testing::TempDir() + "/session-XXXXXX";
-        ASSERT_TRUE(mkdtemp(folder.data()));
-        root = folder;
-        fs::create_directory(root / "temporary");
-        setenv("TMPDIR", (root / "temporary").c_str(), 1);
+    DemoSessionTest() {
+        fs::create_directory(temporary);
+        setenv("TMPDIR", temporary.c_str(), 1);
     }
-    void TearDown() override {
-        unsetenv("TMPDIR");
-        fs::remove_all(root);
-    }
+    ~DemoSessionTest() override { unsetenv("TMPDIR"); }
 
-    [[nodiscard]] bool isTidy() const { return fs::is_empty(root / "temporary"); }
+    [[nodiscard]] bool isTidy() const { return fs::is_empty(temporary); }
 
-    fs::path root;
+    test::TemporaryFolder folder;
+    const fs::path temporary = folder.path() / "temporary";
 };
 
 TEST_F(DemoSessionTest, OffersAMarketAndAProfileThatAsksIt) {
@@ -72,7 +68,7 @@ TEST_F(DemoSessionTest, ExplainsAMarketThatDoesNotComeUpAndLeavesNothing) {
     };
     for (const Row& row : {Row{"", "No such file"}, Row{"exit 3", "ended at once"}, Row{"echo hello", "\"hello\""},
                            Row{"exec sleep 60", "too long"}}) {
-        const fs::path program = root / "glintar-demo-market";
+        const fs::path program = folder.path() / "glintar-demo-market";
         if (!row.script.empty()) {
             std::ofstream(program) << "#!/bin/sh\n" << row.script << "\n";
             fs::permissions(program, fs::perms::owner_all);

@@ -122,8 +122,7 @@ void Display::startBus() {
     auto [bus, told] =
         startTelling({"dbus-daemon", "--session", "--nofork", "--print-address=3", "--address=unix:path=" + socket});
     bus_ = std::move(bus);
-    busAddress_ = told;
-    set("DBUS_SESSION_BUS_ADDRESS", busAddress_);
+    set("DBUS_SESSION_BUS_ADDRESS", told);
 }
 
 void Display::startManager(Manager manager) {

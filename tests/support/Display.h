@@ -63,7 +63,6 @@ public:
     void input(const std::vector<std::string>& words) const;
 
     [[nodiscard]] const std::string& name() const { return name_; }  ///< such as ":3"
-    [[nodiscard]] const std::string& busAddress() const { return busAddress_; }
     [[nodiscard]] const std::filesystem::path& home() const { return home_.path(); }
 
 private:
@@ -75,7 +74,6 @@ private:
     TemporaryFolder home_;
     std::vector<std::pair<std::string, std::optional<std::string>>> before_;  ///< of the environment
     std::string name_;
-    std::string busAddress_;
     int width_ = 0;
     int height_ = 0;
     std::unique_ptr<platform::XcbConnection> background_;

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <atomic>
 #include <chrono>
 #include <cstdlib>
@@ -75,21 +76,8 @@ protected:
     std::string read(std::string_view service = "exchange") { return read(*store, service); }
     static std::string read(LibsecretStore& from, std::string_view service = "exchange") {
         const auto found = from.find(service, "me");
-        switch (found.status) {
-            case Status::Done:
-                return found.bytes;
-            case Status::NotFound:
-                return "<none>";
-            case Status::Locked:
-                return "<locked>";
-            case Status::Unavailable:
-                return "<unavailable>";
-            case Status::Pending:
-                return "<pending>";
-            case Status::Failed:
-                return "<failed>";
-        }
-        return {};
+        static constexpr std::array kNames{"", "<none>", "<locked>", "<unavailable>", "<pending>", "<failed>"};
+        return found.status == Status::Done ? found.bytes : kNames.at(static_cast<std::size_t>(found.status));
     }
 
     /// Waits until a change is told of and the item reads like this.

@@ -13,11 +13,6 @@ using platform::Color;
 using platform::Rect;
 using platform::StatusItem;
 
-std::optional<std::filesystem::path> SourceBundle::resource(std::string_view name, std::string_view extension) const {
-    const std::filesystem::path file = fmt::format("{}/{}.{}", GLINTAR_RESOURCES, name, extension);
-    return std::filesystem::exists(file) ? std::optional(file) : std::nullopt;
-}
-
 bool soon(const std::function<bool()>& condition) {
     return eventually(condition, [] {
         QCoreApplication::processEvents(QEventLoop::AllEvents, 20);

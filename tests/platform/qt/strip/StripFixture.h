@@ -1,6 +1,5 @@
 #pragma once
 
-#include "platform/Directories.h"
 #include "platform/qt/XcbReader.h"
 #include "platform/qt/graphics/QtGraphics.h"
 #include "platform/qt/strip/QtStatusBar.h"
@@ -8,20 +7,13 @@
 #include "platform/virtual/VirtualDesktop.h"
 #include "platform/virtual/VirtualStores.h"
 #include "support/Display.h"
+#include "support/FolderBundle.h"
 
 #include <QCoreApplication>
 #include <QEventLoop>
 #include <gtest/gtest.h>
 
 namespace glintar::test {
-
-/// The resources as they lie in the source tree.
-class SourceBundle final : public platform::Bundle {
-public:
-    std::optional<std::filesystem::path> resource(std::string_view name, std::string_view extension) const override;
-    std::string version() const override { return "1"; }
-    std::string configServer() const override { return {}; }
-};
 
 /// The one screen of the test program, on which main made the QApplication.
 Display& display();
@@ -81,7 +73,7 @@ protected:
     platform::VirtualPreferences preferences;
     platform::NotificationCenter notifications;
     platform::VirtualEvents events{notifications};
-    SourceBundle bundle;
+    FolderBundle bundle;
     platform::QtGraphics graphics{bundle};
     std::unique_ptr<platform::XcbConnection> connection = platform::XcbConnection::open();
     platform::XcbReader reader{*connection};
