@@ -232,10 +232,14 @@ TEST_F(StatusItemsTest, TheCountdownIsReplacedWhenItLooksDifferent) {
     items->showProgress(0.5 + 0.9 / 132, 60s);
     EXPECT_EQ(display().imagesSet, 1);
     machine.preferences.setString("selectedSourceID", "binance");
+    items->showProgress(0.5, 60s);
+    EXPECT_EQ(platform::drawn(display().image).operations.at(0).text, "network");
     desktop.statusBar.setScale(2);
     EXPECT_NEAR(items->showProgress(0.5, 60s).count(), 60.0 / 264, 1e-9);
-    EXPECT_EQ(platform::drawn(display().image).operations.at(0).text, "network");
     EXPECT_EQ(platform::drawn(display().image).scale, 2);
+    desktop.events.setAppearance(Appearance::Dark);
+    items->showProgress(0.5, 60s);
+    EXPECT_EQ(display().imagesSet, 4);
 }
 
 }  // namespace
