@@ -8,11 +8,7 @@
 
 #include <gtest/gtest.h>
 #include <httplib.h>
-#include <sys/prctl.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
-#include <csignal>
 #include <cstdlib>
 
 namespace glintar::demo {
@@ -78,22 +74,6 @@ TEST_F(DemoSessionTest, ExplainsAMarketThatDoesNotComeUpAndLeavesNothing) {
         EXPECT_TRUE(session.error().contains(row.error)) << session.error();
         EXPECT_TRUE(isTidy()) << row.script;
     }
-}
-
-TEST_F(DemoSessionTest, LeavesNothingBehindWhenTheProgramIsKilled) {
-    prctl(PR_SET_CHILD_SUBREAPER, 1);  // the market becomes our child once its parent is gone
-    const pid_t program = fork();
-    if (program == 0) {
-        const auto session = DemoSession::start(GLINTAR_MARKET_PROGRAM);
-        raise(session ? SIGKILL : SIGTERM);
-    }
-    int status = 0;
-    ASSERT_EQ(waitpid(program, &status, 0), program);
-    EXPECT_EQ(WTERMSIG(status), SIGKILL) << "the session did not start";
-    ASSERT_GT(waitpid(-1, &status, 0), 0) << "no market was left to end";
-    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
-    EXPECT_TRUE(isTidy());
-    prctl(PR_SET_CHILD_SUBREAPER, 0);
 }
 
 }  // namespace

@@ -120,12 +120,6 @@ TEST_F(LineCommandTest, AnInterruptBeforeTheOnlyRefreshIsAFailure) {
     EXPECT_THAT(finished, ElementsAre(1));
 }
 
-TEST_F(LineCommandTest, AReaderThatLeavesEndsIt) {
-    run({}, 2s);
-    output.onClosed("");
-    EXPECT_THAT(finished, ElementsAre(0));
-}
-
 TEST_F(LineCommandTest, AnOutputThatCannotBeWrittenIsAFailureWithAReason) {
     run({}, 2s);
     output.onClosed("No space left on device");
