@@ -83,6 +83,7 @@ TEST_P(SecondStartTest, ShowsTheMenuOfTheFirstWhoseQuitEndsIt) {
     display->input({"key", "Down", "Return"});
     EXPECT_EQ(first.wait(), 0);
     EXPECT_THAT(first.errors(), HasSubstr("Quit App clicked"));
+    EXPECT_FALSE(std::filesystem::exists(display->home() / ".dbus")) << "a bus was started, which outlives us";
 }
 
 INSTANTIATE_TEST_SUITE_P(SecondStarts, SecondStartTest, testing::Values(Display::Bus::Private, Display::Bus::None),
@@ -101,9 +102,14 @@ TEST_F(DesktopTest, TheScreenGoingAwayEndsItWithOneLine) {
 }
 
 TEST_F(DesktopTest, AScreenOutOfReachIsSaidSo) {
-    auto program = start({}, {{"DISPLAY", ":9999"}});
-    EXPECT_EQ(program.wait(), 1);
-    EXPECT_THAT(program.errors(), HasSubstr(":9999"));
+    for (const auto& [name, said] :
+         {std::pair<std::optional<std::string>, std::string>{":9999", "display :9999"}, {std::nullopt, "$DISPLAY"}}) {
+        auto where = environment();
+        where["DISPLAY"] = name;
+        Program program({GLINTAR_BUILD "/glintar-desktop"}, where);
+        EXPECT_EQ(program.wait(), 1);
+        EXPECT_THAT(program.errors(), HasSubstr(said));
+    }
 }
 
 TEST_F(DesktopTest, TheDemonstrationNeedsNoProfileAndLeavesNoneBehind) {
