@@ -5,10 +5,12 @@
 namespace glintar::platform {
 namespace {
 
+using namespace std::chrono_literals;
 using Notice = SecretCache::Notice;
 using Want = SecretCache::Want;
 
 const SecretKey kKey{"exchange", "me"};
+const SecretAnswer kUnavailable{SecretStatus::Unavailable, {}};
 
 TEST(SecretCacheTest, DropsAnAnswerThatWasAskedForBeforeOurWrite) {
     SecretCache cache;
@@ -37,6 +39,16 @@ TEST(SecretCacheTest, SendsTheNewestWriteAfterTheOneUnderWay) {
     const auto next = cache.takeWrites();
     ASSERT_EQ(next.size(), 1U);
     EXPECT_EQ(next[0].secret.view(), "third");
+}
+
+TEST(SecretCacheTest, AsksForWhatIsOutOfReachEvery30Seconds) {
+    SecretCache cache;
+    EXPECT_EQ(cache.want(kKey, {}), Want::First);
+    EXPECT_EQ(cache.takeReads().size(), 1U);
+    EXPECT_EQ(cache.answered(kKey, kUnavailable, Instant{1s}), Notice::None) << "nobody has been told otherwise";
+    EXPECT_EQ(cache.want(kKey, Instant{30s}), Want::Nothing);
+    EXPECT_EQ(cache.want(kKey, Instant{31s}), Want::Again);
+    EXPECT_EQ(cache.want(kKey, Instant{31s}), Want::Nothing) << "already asked";
 }
 
 }  // namespace
