@@ -185,7 +185,6 @@ TEST_F(LineTest, OnlyTheDemonstrationLeavesTheUsersKeyRingAlone) {
 
 TEST_F(LineTest, TheKeyOfTheUsersKeyRingGoesToItsService) {
     platform::PrivateBus bus;
-    bus.start();
     bus.startKeyRing(platform::PrivateBus::Ring::Open);
     bus.writeElsewhere("apiKey_coingecko", "GlintarUser", "CG-e2e");
     auto program = start({"line", "--once"}, {{"DBUS_SESSION_BUS_ADDRESS", bus.address()}});

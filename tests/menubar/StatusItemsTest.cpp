@@ -242,5 +242,22 @@ TEST_F(StatusItemsTest, TheCountdownIsReplacedWhenItLooksDifferent) {
     EXPECT_EQ(display().imagesSet, 4);
 }
 
+TEST_F(StatusItemsTest, QuittingMayDestroyTheItems) {
+    std::string said;
+    items.reset();
+    desktop.statusBar.items.clear();
+    const std::string farewell = "longer than what a text holds without memory of its own";
+    items.emplace(platform, desktop.desktop(),
+                  StatusItems::Callbacks{.redisplay = [] {},
+                                         .quit =
+                                             [this, &said, farewell] {
+                                                 items.reset();
+                                                 said = farewell;
+                                             }});
+    const auto quit = anchor().menu.back().action;
+    quit();
+    EXPECT_EQ(said, farewell);
+}
+
 }  // namespace
 }  // namespace glintar::menubar
