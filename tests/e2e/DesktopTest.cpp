@@ -32,7 +32,7 @@ TEST_P(DesktopsTest, PillsStandInTheCornerAboveOtherWindowsAndTakeNoFocus) {
     ASSERT_TRUE(showsPills(kLightPill)) << program.errors();
     const auto place = placeOfStrip();
     ASSERT_TRUE(place);
-    EXPECT_EQ(place->x + place->width, 1280);
+    EXPECT_EQ(place->right(), 1280);
     EXPECT_GE(place->y, GetParam().hasPanel ? 20 : 0);
     EXPECT_LE(place->y, GetParam().hasPanel ? 60 : 0);
 
@@ -41,7 +41,7 @@ TEST_P(DesktopsTest, PillsStandInTheCornerAboveOtherWindowsAndTakeNoFocus) {
     ASSERT_TRUE(eventually([] { return placeOf("other").has_value(); }));
     EXPECT_TRUE(showsPills(kLightPill)) << "it is covered";
     const auto focused = outputOf({"xdotool", "getwindowfocus"});
-    display->input({"mousemove", std::to_string(place->x + 60), std::to_string(place->y + 8), "click", "1"});
+    display->input({"mousemove", std::to_string(int(place->x) + 60), std::to_string(int(place->y) + 8), "click", "1"});
     EXPECT_EQ(outputOf({"xdotool", "getwindowfocus"}), focused);
 
     program.signal(SIGTERM);

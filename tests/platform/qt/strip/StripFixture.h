@@ -39,12 +39,6 @@ DesktopSettings& settings();
 /// Lets Qt and the X server finish what has been asked of them.
 void settle();
 
-/// What a window is, as other programs see it.
-struct SeenWindow {
-    xcb_window_t id = XCB_NONE;
-    platform::Rect frame;  ///< pixels from the top left
-};
-
 /// A status bar as the program has it, with a price line of two pills and an icon.
 class StripFixture : public testing::Test {
 protected:
@@ -60,8 +54,8 @@ protected:
     void showPills();
     void showText(const std::string& text);
 
-    /// The strip's window, found by its title on the screen; none while it is not shown.
-    std::optional<SeenWindow> seen() const;
+    /// The strip's window; none while it is not shown.
+    static std::optional<SeenWindow> seen() { return Display::window("Glintar prices"); }
     bool standsAt(const platform::Rect& pixels) const;
 
     /// Whether the top right corner of the strip is soon there, in pixels from the top left.

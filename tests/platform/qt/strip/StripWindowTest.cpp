@@ -104,7 +104,7 @@ TEST_F(StripWindow, StaysWhereTheUserDragsIt) {
 }
 
 TEST_F(StripWindow, IsTranslucentWhereThereIsACompositorAndOpaqueElsewhere) {
-    display().paintBackground({0, 0xc0, 0});
+    display().paintWall({0, 0xc0, 0});
     start();
     showPills();
     ASSERT_TRUE(comesToEndAt(1280, 0));
