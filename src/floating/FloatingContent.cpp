@@ -2,6 +2,7 @@
 
 #include "config/Settings.h"
 #include "market/GasNetwork.h"
+#include "menubar/GasPill.h"
 #include "menubar/PillColors.h"
 #include "platform/Preferences.h"
 #include "text/Number.h"
@@ -9,8 +10,10 @@
 
 #include <fmt/format.h>
 
+#include <array>
 #include <cmath>
 #include <cstdint>
+#include <utility>
 
 namespace glintar::floating {
 
@@ -84,7 +87,8 @@ std::optional<std::string> transferCostText(double fee, const market::MarketData
 
 std::vector<HeaderItem> feeItems(double fee, market::GasNetwork network, const market::MarketDataMap& quotes,
                                  const Palette& palette) {
-    const Color level = fee < 20 ? palette.green : fee < 50 ? palette.orange : palette.red;
+    const std::array levels{palette.green, palette.orange, palette.red};
+    const Color level = levels.at(std::to_underlying(menubar::gasLevel(fee)));
     const auto single = [](std::string words, const Font& font, const Color& color) {
         return std::vector{StyledText{std::move(words), font, color}};
     };

@@ -1,14 +1,11 @@
 #pragma once
 
-#include "menubar/LineText.h"
 #include "menubar/StatusLine.h"
 
 #include <string>
 #include <string_view>
 
 namespace glintar::line {
-
-using menubar::sparklineText;
 
 /// One JSON object for a text bar or script. Numbers read back to the same doubles.
 [[nodiscard]] std::string jsonText(const menubar::StatusLine& line, std::string_view plain, std::string_view tooltip);

@@ -1,6 +1,7 @@
 #include "line/TextStatusBar.h"
 
 #include "line/LineFormat.h"
+#include "menubar/LineText.h"
 #include "platform/TextOutput.h"
 
 #include <fmt/format.h>

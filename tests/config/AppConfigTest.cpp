@@ -25,26 +25,17 @@ TEST(AppConfigTest, DecodesEveryField) {
     ASSERT_TRUE(config) << config.error();
     ASSERT_EQ(config->sources.size(), 2u);
     const SourceConfig& source = config->sources[0];
-    EXPECT_EQ(source.id, "s1");
-    EXPECT_EQ(source.name, "S One");
-    EXPECT_TRUE(source.supports_batch);
-    EXPECT_EQ(source.batch_separator, "|");
-    EXPECT_EQ(source.batch_param_type, "symbol");
-    EXPECT_EQ(source.url_template, "u");
-    EXPECT_EQ(source.response_type, "array");
-    EXPECT_EQ(source.id_mapping_path, "i");
-    EXPECT_EQ(source.image_path, "im");
-    EXPECT_EQ(source.price_path, "p");
-    EXPECT_EQ(source.change_path, "c");
-    EXPECT_EQ(source.high_path, "h");
-    EXPECT_EQ(source.low_path, "l");
-    EXPECT_EQ(source.sparkline_path, "sp");
-    EXPECT_EQ(source.offical_URL, "o");
-    EXPECT_EQ(source.API_intro, "a");
-    EXPECT_EQ(source.api_key_available, true);
-    EXPECT_EQ(source.header, "H");
-    EXPECT_FALSE(config->sources[1].header);
-    EXPECT_FALSE(config->sources[1].api_key_available);
+    EXPECT_EQ(source.id + source.name + source.url_template + source.response_type + source.price_path,
+              "s1S Oneuarrayp");
+    std::string optional;
+    for (const auto& field : {source.batch_separator, source.batch_param_type, source.id_mapping_path,
+                              source.image_path, source.change_path, source.high_path, source.low_path,
+                              source.sparkline_path, source.offical_URL, source.API_intro, source.header}) {
+        optional += field.value_or("<none>") + " ";
+    }
+    EXPECT_EQ(optional, "| symbol i im c h l sp o a H ");
+    EXPECT_TRUE(source.supports_batch && source.api_key_available.value());
+    EXPECT_FALSE(config->sources[1].header || config->sources[1].api_key_available);
 
     ASSERT_TRUE(config->gasConfigs);
     const GasConfig& gas = config->gasConfigs->at(0);

@@ -1,25 +1,19 @@
 #include "config/AppConfig.h"
 #include "config/CoinCatalogue.h"
 #include "json/Json.h"
+#include "support/TestFiles.h"
 #include "text/Address.h"
 #include "text/Unicode.h"
 
 #include <gtest/gtest.h>
 
-#include <fstream>
-#include <iterator>
 #include <set>
 
 namespace glintar::config {
 namespace {
 
-std::string resource(const std::string& name) {
-    std::ifstream file(std::string(GLINTAR_RESOURCES "/") + name, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
 TEST(ShippedDocumentsTest, SourcesDecodeAndCanBeAsked) {
-    const auto config = decodeAppConfig(resource("api_endpoints.json"));
+    const auto config = decodeAppConfig(test::readFile(test::shippedResource("api_endpoints.json")));
     ASSERT_TRUE(config) << config.error();
     EXPECT_EQ(config->sources.size(), 14u);
     EXPECT_EQ(config->sources[0].id, "coingecko");
@@ -40,7 +34,7 @@ TEST(ShippedDocumentsTest, SourcesDecodeAndCanBeAsked) {
 }
 
 TEST(ShippedDocumentsTest, EachFeeServiceIsFoundUnderItsOwnNetworkOnly) {
-    const auto config = decodeAppConfig(resource("api_endpoints.json"));
+    const auto config = decodeAppConfig(test::readFile(test::shippedResource("api_endpoints.json")));
     ASSERT_TRUE(config && config->gasConfigs);
     const auto holdsAny = [](std::string_view id, std::initializer_list<std::string_view> words) {
         return std::ranges::any_of(words, [&](std::string_view word) { return text::lower(id).contains(word); });
@@ -58,7 +52,7 @@ TEST(ShippedDocumentsTest, EachFeeServiceIsFoundUnderItsOwnNetworkOnly) {
 }
 
 TEST(ShippedDocumentsTest, CatalogueKeepsEveryCoin) {
-    const std::string text = resource("coingecko_coins_list.json");
+    const std::string text = test::readFile(test::shippedResource("coingecko_coins_list.json"));
     const auto document = json::Document::parse(text);
     const auto catalogue = CoinCatalogue::decode(text);
     ASSERT_TRUE(document);

@@ -171,6 +171,12 @@ TEST_P(UpdaterTest, WhatIsNoVersionDocumentEndsTheCheck) {
     }
 }
 
+TEST_P(UpdaterTest, AGoodDocumentCountsWhateverItsStatus) {
+    machine.http.answer(document.dataAddress, document.body, 404);
+    check();
+    EXPECT_THAT(announcements, ElementsAre(document.stored + " v6 " + document.body));
+}
+
 TEST_P(UpdaterTest, AGoodVersionDocumentCountsWhateverItsStatusAndDescription) {
     for (const auto& [body, status] : {std::pair{R"({"version":6})", 404},
                                        {R"({"desc":null,"version":6,"x":[]})", 200},

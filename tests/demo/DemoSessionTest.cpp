@@ -3,15 +3,12 @@
 #include "demo/DemoSession.h"
 #include "platform/qtcore/QtPreferences.h"
 #include "platform/virtual/VirtualPlatform.h"
+#include "support/TemporaryFolder.h"
 #include "support/TestFiles.h"
 
 #include <gtest/gtest.h>
 #include <httplib.h>
-#include <sys/prctl.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
-#include <csignal>
 #include <cstdlib>
 
 namespace glintar::demo {
@@ -22,21 +19,16 @@ namespace fs = std::filesystem;
 
 class DemoSessionTest : public testing::Test {
 protected:
-    void SetUp() override {
-        std::string folder = testing::TempDir() + "/session-XXXXXX";
-        ASSERT_TRUE(mkdtemp(folder.data()));
-        root = folder;
-        fs::create_directory(root / "temporary");
-        setenv("TMPDIR", (root / "temporary").c_str(), 1);
+    DemoSessionTest() {
+        fs::create_directory(temporary);
+        setenv("TMPDIR", temporary.c_str(), 1);
     }
-    void TearDown() override {
-        unsetenv("TMPDIR");
-        fs::remove_all(root);
-    }
+    ~DemoSessionTest() override { unsetenv("TMPDIR"); }
 
-    [[nodiscard]] bool isTidy() const { return fs::is_empty(root / "temporary"); }
+    [[nodiscard]] bool isTidy() const { return fs::is_empty(temporary); }
 
-    fs::path root;
+    test::TemporaryFolder folder;
+    const fs::path temporary = folder.path() / "temporary";
 };
 
 TEST_F(DemoSessionTest, OffersAMarketAndAProfileThatAsksIt) {
@@ -72,7 +64,7 @@ TEST_F(DemoSessionTest, ExplainsAMarketThatDoesNotComeUpAndLeavesNothing) {
     };
     for (const Row& row : {Row{"", "No such file"}, Row{"exit 3", "ended at once"}, Row{"echo hello", "\"hello\""},
                            Row{"exec sleep 60", "too long"}}) {
-        const fs::path program = root / "glintar-demo-market";
+        const fs::path program = folder.path() / "glintar-demo-market";
         if (!row.script.empty()) {
             std::ofstream(program) << "#!/bin/sh\n" << row.script << "\n";
             fs::permissions(program, fs::perms::owner_all);
@@ -82,22 +74,6 @@ TEST_F(DemoSessionTest, ExplainsAMarketThatDoesNotComeUpAndLeavesNothing) {
         EXPECT_TRUE(session.error().contains(row.error)) << session.error();
         EXPECT_TRUE(isTidy()) << row.script;
     }
-}
-
-TEST_F(DemoSessionTest, LeavesNothingBehindWhenTheProgramIsKilled) {
-    prctl(PR_SET_CHILD_SUBREAPER, 1);  // the market becomes our child once its parent is gone
-    const pid_t program = fork();
-    if (program == 0) {
-        const auto session = DemoSession::start(GLINTAR_MARKET_PROGRAM);
-        raise(session ? SIGKILL : SIGTERM);
-    }
-    int status = 0;
-    ASSERT_EQ(waitpid(program, &status, 0), program);
-    EXPECT_EQ(WTERMSIG(status), SIGKILL) << "the session did not start";
-    ASSERT_GT(waitpid(-1, &status, 0), 0) << "no market was left to end";
-    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
-    EXPECT_TRUE(isTidy());
-    prctl(PR_SET_CHILD_SUBREAPER, 0);
 }
 
 }  // namespace

@@ -1,11 +1,12 @@
 // The simulated answers beside what the real services once answered.
 
-#include "demo/MarketAnswers.h"
+#include "demo/MarketServer.h"
 #include "json/Json.h"
 #include "support/TestFiles.h"
 
 #include <fmt/format.h>
 #include <gtest/gtest.h>
+#include <httplib.h>
 
 #include <algorithm>
 #include <vector>
@@ -53,71 +54,41 @@ std::vector<std::string> textsInQuotes(std::string_view text) {
 }
 
 struct Recorded {
-    std::string name;
-    Question question;
-    std::string file;
-    std::string within;  // compare only this member
+    std::string address, file;
+    std::string within = {};  ///< compare only this member
 };
 
-class RecordedShape : public testing::TestWithParam<Recorded> {};
-
-TEST_P(RecordedShape, IsThatOfTheSimulatedAnswer) {
-    const Market market(1);
-    const MarketAnswers answers(market, "http://127.0.0.1:1");
-    const Answer answer = answers.answer(GetParam().question, 0, {});
-    const std::string recorded = test::readFile(test::testData("answers/" + GetParam().file));
-    const auto ours = json::parseContainer(answer.body);
-    const auto theirs = json::parseContainer(recorded);
-    ASSERT_TRUE(ours && theirs) << answer.body;
-
-    const auto names = textsInQuotes(answer.body + recorded);
-    const auto part = [&](json::View root) { return root.member(GetParam().within).value_or(root); };
-    EXPECT_EQ(shape(part(ours->root()), names), shape(part(theirs->root()), names));
+TEST(MarketAnswersTest, EachHasTheShapeOfARecordedAnswer) {
+    const auto server = MarketServer::start({}).value();
+    httplib::Client client(server->address());
+    for (const auto& [address, file, within] : {
+             Recorded{"/coingecko/api/v3/coins/markets?vs_currency=usd&ids=bitcoin&sparkline=true"
+                      "&price_change_percentage=24h",
+                      "coingecko/markets_btc_sparkline168.json"},
+             {"/coingecko/api/v3/coins/markets?vs_currency=usd&ids=bitcoin", "coingecko/markets_btc_in_myr.json"},
+             {"/coingecko/api/v3/coins/markets?ids=bitcoin", "coingecko/error_422_missing_vs_currency.json"},
+             {"/coingecko_simple/api/v3/simple/price?ids=bitcoin&include_24hr_change=true",
+              "coingecko_simple/price_change_null.json", "bitcoin"},
+             {"/binance/api/v3/ticker/24hr?symbol=BTCUSDT", "binance/btcusdt_2020.json"},
+             {"/binance/api/v3/ticker/24hr?symbol=USDTUSDT", "binance/error_400_invalid_symbol.json"},
+             {"/gate/api/v4/spot/tickers?currency_pair=BTC_USDT", "gate/btc_usdt_2023.json"},
+             {"/gate/api/v4/spot/tickers?currency_pair=BTC", "gate/error_400_invalid_currency.json"},
+             {"/coinbase/v2/prices/BTC-USD/spot", "coinbase/btc_usd_2016.json"},
+             {"/defillama/prices/current/coingecko:binancecoin", "defillama/bnb_2022.json"},
+             {"/mempool/api/v1/fees/recommended", "fees_mempool_space/recommended_live.json"},
+             {"/blockscout/api/v2/stats", "fees_blockscout/eth_stats_2026.json"},
+         }) {
+        const auto answer = client.Get(address);
+        ASSERT_TRUE(answer) << address;
+        const std::string recorded = test::readFile(test::testData("answers/" + file));
+        const auto ours = json::parseContainer(answer->body);
+        const auto theirs = json::parseContainer(recorded);
+        ASSERT_TRUE(ours && theirs) << answer->body;
+        const auto names = textsInQuotes(answer->body + recorded);
+        const auto part = [&](json::View root) { return root.member(within).value_or(root); };
+        EXPECT_EQ(shape(part(ours->root()), names), shape(part(theirs->root()), names)) << address;
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Services, RecordedShape,
-    testing::Values(
-        Recorded{
-            "CoinGeckoWithSparkline",
-            {"coingecko",
-             "/api/v3/coins/markets",
-             {{"vs_currency", "usd"}, {"ids", "bitcoin"}, {"sparkline", "true"}, {"price_change_percentage", "24h"}}},
-            "coingecko/markets_btc_sparkline168.json",
-            ""},
-        Recorded{"CoinGeckoBare",
-                 {"coingecko", "/api/v3/coins/markets", {{"vs_currency", "usd"}, {"ids", "bitcoin"}}},
-                 "coingecko/markets_btc_in_myr.json",
-                 ""},
-        Recorded{"CoinGeckoWithoutCurrency",
-                 {"coingecko", "/api/v3/coins/markets", {{"ids", "bitcoin"}}},
-                 "coingecko/error_422_missing_vs_currency.json",
-                 ""},
-        Recorded{"CoinGeckoSimple",
-                 {"coingecko_simple", "/api/v3/simple/price", {{"ids", "bitcoin"}, {"include_24hr_change", "true"}}},
-                 "coingecko_simple/price_change_null.json",
-                 "bitcoin"},
-        Recorded{
-            "Binance", {"binance", "/api/v3/ticker/24hr", {{"symbol", "BTCUSDT"}}}, "binance/btcusdt_2020.json", ""},
-        Recorded{"BinanceInvalid",
-                 {"binance", "/api/v3/ticker/24hr", {{"symbol", "USDTUSDT"}}},
-                 "binance/error_400_invalid_symbol.json",
-                 ""},
-        Recorded{
-            "Gate", {"gate", "/api/v4/spot/tickers", {{"currency_pair", "BTC_USDT"}}}, "gate/btc_usdt_2023.json", ""},
-        Recorded{"GateInvalid",
-                 {"gate", "/api/v4/spot/tickers", {{"currency_pair", "BTC"}}},
-                 "gate/error_400_invalid_currency.json",
-                 ""},
-        Recorded{"Coinbase", {"coinbase", "/v2/prices/BTC-USD/spot", {}}, "coinbase/btc_usd_2016.json", ""},
-        Recorded{
-            "DefiLlama", {"defillama", "/prices/current/coingecko:binancecoin", {}}, "defillama/bnb_2022.json", ""},
-        Recorded{"MempoolSpace",
-                 {"mempool", "/api/v1/fees/recommended", {}},
-                 "fees_mempool_space/recommended_live.json",
-                 ""},
-        Recorded{"Blockscout", {"blockscout", "/api/v2/stats", {}}, "fees_blockscout/eth_stats_2026.json", ""}),
-    [](const auto& row) { return row.param.name; });
 
 }  // namespace
 }  // namespace glintar::demo

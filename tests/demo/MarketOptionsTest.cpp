@@ -1,9 +1,7 @@
 #include "demo/MarketOptions.h"
+#include "support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
-#include <unistd.h>
-
-#include <cstdlib>
 
 namespace glintar::demo {
 namespace {
@@ -36,9 +34,8 @@ TEST(MarketOptionsTest, ReadsWhatItUnderstandsAndRefusesTheRest) {
 }
 
 TEST(MarketOptionsTest, RemovesOnlyADirectoryMadeForADemonstration) {
-    std::string folder = testing::TempDir() + "/options-XXXXXX";
-    ASSERT_TRUE(mkdtemp(folder.data()));
-    const std::filesystem::path root = folder;
+    const test::TemporaryFolder folder;
+    const auto& root = folder.path();
     std::filesystem::create_directory(root / "glintar-demo-abc");
     std::filesystem::create_directory(root / "precious");
     std::filesystem::create_directory_symlink(root / "precious", root / "glintar-demo-link");
@@ -48,7 +45,6 @@ TEST(MarketOptionsTest, RemovesOnlyADirectoryMadeForADemonstration) {
     EXPECT_FALSE(parse({"--remove-at-end", root / "glintar-demo-link"}));
     EXPECT_FALSE(parse({"--remove-at-end", root / "glintar-demo-abc/.."}));
     EXPECT_FALSE(parse({"--remove-at-end", root / "glintar-demo-missing"}));
-    std::filesystem::remove_all(root);
 }
 
 }  // namespace

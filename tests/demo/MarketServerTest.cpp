@@ -87,6 +87,8 @@ TEST_F(MarketServerTest, MovesWithEveryRequestAsItsSeedSays) {
     SetUp();
     EXPECT_EQ(price(binance()), first);
     EXPECT_EQ(price(binance()), second);
+    server = MarketServer::start({.seed = 2, .step = std::nullopt}).value();
+    EXPECT_NE(price(binance()), first);
 }
 
 TEST_F(MarketServerTest, LogsRequestsAndKeysButNotItsOwnControl) {

@@ -4,31 +4,12 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <set>
 
 namespace glintar::demo {
 namespace {
 
 using testing::Contains;
 using testing::DoubleNear;
-
-std::vector<double> prices(std::uint64_t seed, const std::vector<Step>& steps) {
-    const Market market(seed);
-    std::vector<double> prices;
-    for (const Step step : steps) {
-        prices.push_back(market.byId("bitcoin", step).price);
-    }
-    return prices;
-}
-
-TEST(MarketTest, TheSameSeedGivesTheSamePricesInWhateverOrder) {
-    const auto forwards = prices(7, {0, 1, 2, 500});
-    auto backwards = prices(7, {500, 2, 1, 0});
-    std::ranges::reverse(backwards);
-    EXPECT_EQ(forwards, backwards);
-    EXPECT_NE(forwards, prices(8, {0, 1, 2, 500}));
-    EXPECT_EQ(std::set(forwards.begin(), forwards.end()).size(), 4) << "prices move with every step";
-}
 
 TEST(MarketTest, WalksLikeAMarketAndNotLikeNoise) {
     const Market market(1);

@@ -83,13 +83,16 @@ private:
 
 class ConfigurationServerTest : public ProgramTest {
 protected:
-    /// Runs the line until the text has been logged.
-    std::string runUntil(const std::string& server, const std::string& authority, const std::string& text) const {
+    /// Runs the line until the texts have been logged.
+    std::string runUntil(const std::string& server, const std::string& authority,
+                         const std::vector<std::string>& texts) const {
         auto program = start({"line"}, {{"GLINTAR_CONFIG_SERVER", server},
                                         {"SSL_CERT_FILE", authority},
                                         {"SSL_CERT_DIR", std::nullopt},
                                         {"NO_PROXY", "*"}});
-        EXPECT_TRUE(program.waitForErrors(text)) << program.errors();
+        for (const auto& text : texts) {
+            EXPECT_TRUE(program.waitForErrors(text)) << program.errors();
+        }
         program.signal(SIGTERM);
         EXPECT_EQ(program.wait(), 0);
         return program.errors();
@@ -110,7 +113,8 @@ TEST_F(ConfigurationServerTest, NewVersionsComeFromAStaticServerOverTlsAndStay) 
     const std::string published = marketDocument() + "\n\n";
     server.publish("api_endpoints", published, 5);
     server.publish("coingecko_coins_list", kCatalogue, 2);
-    const auto said = runUntil(server.address(), server.authority(), "💾 [APIConfig] 新配置已写入磁盘。");
+    const auto said = runUntil(server.address(), server.authority(),
+                               {"💾 [APIConfig] 新配置已写入磁盘。", "✅ [CoinList] 列表更新完成并保存。"});
     EXPECT_THAT(said, HasSubstr("🚀 [APIConfig] 发现新配置 v5，开始下载..."));
     EXPECT_EQ(marketDocument(), published);
     EXPECT_EQ(storedCatalogue(), kCatalogue);
@@ -120,7 +124,7 @@ TEST_F(ConfigurationServerTest, NewVersionsComeFromAStaticServerOverTlsAndStay) 
     // Rolled back: a number that is not higher is left where it is.
     server.publish("api_endpoints", "{}", 4);
     server.publish("coingecko_coins_list", "[]", 2);
-    runUntil(server.address(), server.authority(), "✅ [APIConfig] 配置已是最新。");
+    runUntil(server.address(), server.authority(), {"✅ [APIConfig] 配置已是最新。", "✅ [CoinList] 列表已是最新。"});
     EXPECT_EQ(marketDocument(), published);
     EXPECT_EQ(storedCatalogue(), kCatalogue);
 }
@@ -130,7 +134,7 @@ TEST_F(ConfigurationServerTest, AnAuthorityThatNobodyTrustsIsNotBelieved) {
     server.publish("api_endpoints", "{}", 9);
     const support::TestAuthority other;
     const std::string before = marketDocument();
-    runUntil(server.address(), other.file(), "⚠️ [APIConfig] 版本检查失败: ");
+    runUntil(server.address(), other.file(), {"⚠️ [APIConfig] 版本检查失败: ", "⚠️ [CoinList] 版本检查失败: "});
     EXPECT_EQ(marketDocument(), before);
     EXPECT_THAT(server.requests(), Not(HasSubstr("/api/")));
 }
@@ -154,26 +158,30 @@ TEST_P(LyingServerTest, NeverReplacesWhatIsThere) {
         server.on(fmt::format("/api/{}.json", document), GetParam().document);
     }
     const auto said = runUntil(server.url("", "localhost"), server.authority().file(),
-                               "⚠️" == GetParam().line ? "[APIConfig] 版本检查失败: " : "[APIConfig] 下载或保存失败: ");
+                               {"[APIConfig] " + GetParam().line, "[CoinList] " + GetParam().line});
     EXPECT_EQ(marketDocument(), before);
     EXPECT_EQ(storedCatalogue(), good);
     EXPECT_THAT(said, Not(HasSubstr("💾")));
 }
 
 using Manner = support::LoopbackReply::Manner;
+constexpr auto kCheckFailed = "版本检查失败: ";
+constexpr auto kDownloadFailed = "下载或保存失败: ";
 const support::LoopbackReply kVersionNine{.body = R"({"version":9})"};
 
 INSTANTIATE_TEST_SUITE_P(
     Lies, LyingServerTest,
-    testing::Values(
-        Lie{"AnErrorPageForANumber", {.body = "<html>404</html>"}, {.body = "{}"}, "⚠️"},
-        Lie{"ATextForANumber", {.body = R"({"version":"9"})"}, {.body = "{}"}, "⚠️"},
-        Lie{"AnErrorPageForADocument", kVersionNine, {.body = "<html>welcome</html>"}, "❌"},
-        Lie{"HalfADocument",
-            kVersionNine,
-            {.body = R"({"sources":[],"gas_configs":[]})", .manner = Manner::Truncate, .sentBytes = 20},
-            "❌"},
-        Lie{"ADocumentWithoutEnd", kVersionNine, {.body = std::string(100000, ' '), .manner = Manner::Endless}, "❌"}),
+    testing::Values(Lie{"AnErrorPageForANumber", {.body = "<html>404</html>"}, {.body = "{}"}, kCheckFailed},
+                    Lie{"ATextForANumber", {.body = R"({"version":"9"})"}, {.body = "{}"}, kCheckFailed},
+                    Lie{"AnErrorPageForADocument", kVersionNine, {.body = "<html>welcome</html>"}, kDownloadFailed},
+                    Lie{"HalfADocument",
+                        kVersionNine,
+                        {.body = R"({"sources":[],"gas_configs":[]})", .manner = Manner::Truncate, .sentBytes = 20},
+                        kDownloadFailed},
+                    Lie{"ADocumentWithoutEnd",
+                        kVersionNine,
+                        {.body = std::string(100000, ' '), .manner = Manner::Endless},
+                        kDownloadFailed}),
     [](const auto& test) { return test.param.name; });
 
 }  // namespace

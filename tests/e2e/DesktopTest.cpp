@@ -40,7 +40,7 @@ TEST_P(DesktopsTest, PillsStandInTheCornerAboveOtherWindowsAndTakeNoFocus) {
     ASSERT_TRUE(showsPills(kLightPill)) << program.errors();
     const auto place = placeOfStrip();
     ASSERT_TRUE(place);
-    EXPECT_EQ(place->x + place->width, 1280);
+    EXPECT_EQ(place->right(), 1280);
     EXPECT_GE(place->y, GetParam().hasPanel ? 20 : 0);
     EXPECT_LE(place->y, GetParam().hasPanel ? 60 : 0);
 
@@ -51,7 +51,7 @@ TEST_P(DesktopsTest, PillsStandInTheCornerAboveOtherWindowsAndTakeNoFocus) {
     ASSERT_TRUE(eventually([] { return placeOf("other").has_value(); }));
     EXPECT_TRUE(showsPills(kLightPill)) << "it is covered";
     const auto focused = outputOf({"xdotool", "getwindowfocus"});
-    display->input({"mousemove", std::to_string(place->x + 60), std::to_string(place->y + 8), "click", "1"});
+    display->input({"mousemove", std::to_string(int(place->x) + 60), std::to_string(int(place->y) + 8), "click", "1"});
     EXPECT_EQ(outputOf({"xdotool", "getwindowfocus"}), focused);
 
     program.signal(SIGTERM);
@@ -93,6 +93,7 @@ TEST_P(SecondStartTest, ShowsTheMenuOfTheFirstWhoseQuitEndsIt) {
     display->input({"key", "Down", "Return"});
     EXPECT_EQ(first.wait(), 0);
     EXPECT_THAT(first.errors(), HasSubstr("Quit App clicked"));
+    EXPECT_FALSE(std::filesystem::exists(display->home() / ".dbus")) << "a bus was started, which outlives us";
 }
 
 INSTANTIATE_TEST_SUITE_P(SecondStarts, SecondStartTest, testing::Values(Display::Bus::Private, Display::Bus::None),
@@ -111,9 +112,14 @@ TEST_F(DesktopTest, TheScreenGoingAwayEndsItWithOneLine) {
 }
 
 TEST_F(DesktopTest, AScreenOutOfReachIsSaidSo) {
-    auto program = start({}, {{"DISPLAY", ":9999"}});
-    EXPECT_EQ(program.wait(), 1);
-    EXPECT_THAT(program.errors(), HasSubstr(":9999"));
+    for (const auto& [name, said] :
+         {std::pair<std::optional<std::string>, std::string>{":9999", "display :9999"}, {std::nullopt, "$DISPLAY"}}) {
+        auto where = environment();
+        where["DISPLAY"] = name;
+        Program program({GLINTAR_BUILD "/glintar-desktop"}, where);
+        EXPECT_EQ(program.wait(), 1);
+        EXPECT_THAT(program.errors(), HasSubstr(said));
+    }
 }
 
 TEST_F(DesktopTest, TheDemonstrationNeedsNoProfileAndLeavesNoneBehind) {

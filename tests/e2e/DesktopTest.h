@@ -6,20 +6,11 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <charconv>
 #include <cstdlib>
 #include <optional>
 #include <string>
 
 namespace glintar::test {
-
-/// Where a window stands, in pixels.
-struct Place {
-    int x = 0;
-    int y = 0;
-    int width = 0;
-    int height = 0;
-};
 
 constexpr int kLightPill = 230;
 constexpr int kDarkPill = 38;
@@ -65,27 +56,16 @@ protected:
         return Program({"/usr/bin/python3", GLINTAR_PORTAL}, environment(), Program::Output::Terminal);
     }
 
-    static std::optional<Place> placeOf(const std::string& title) {
-        const auto text = outputOf({"xwininfo", "-name", title});
-        if (!text.contains("Map State: IsViewable")) {
-            return std::nullopt;
-        }
-        const auto numberAfter = [&](std::string_view words) {
-            int number = 0;
-            const char* const from = text.data() + text.find(words) + words.size();
-            std::from_chars(from, text.data() + text.size(), number);
-            return number;
-        };
-        return Place{numberAfter("Absolute upper-left X:  "), numberAfter("Absolute upper-left Y:  "),
-                     numberAfter("Width: "), numberAfter("Height: ")};
+    static std::optional<platform::Rect> placeOf(const std::string& title) {
+        return Display::window(title).transform([](const SeenWindow& window) { return window.frame; });
     }
 
     /// Until it is there. Prices that arrive change its width.
-    static std::optional<Place> placeOfStrip() {
-        std::optional<Place> place;
+    static std::optional<platform::Rect> placeOfStrip() {
+        std::optional<platform::Rect> place;
         static_cast<void>(eventually([&] {
             place = placeOf("Glintar prices");
-            return place && place->x + place->width == 1280;
+            return place && place->right() == 1280;
         }));
         return place;
     }
@@ -93,13 +73,14 @@ protected:
     /// How many pills of this grey stand in the strip.
     int pills(int grey) const {
         const auto place = placeOf("Glintar prices");
-        if (!place || place->x < 0 || place->y < 0 || place->x + place->width > 1280) {
+        if (!place || place->x < 0 || place->y < 0 || place->right() > 1280) {
             return 0;
         }
         int found = 0;
         int run = 0;
         // Above the texts and below the rim of the pills.
-        for (const auto& pixel : display->pixels(place->x, place->y + place->height / 2 - 9, place->width, 1)) {
+        for (const auto& pixel :
+             display->pixels(int(place->x), int(place->y + place->height / 2) - 9, int(place->width), 1)) {
             const bool isPill = std::ranges::all_of(pixel, [&](int part) { return std::abs(part - grey) <= 6; });
             run = isPill ? run + 1 : 0;
             found += run == 30;

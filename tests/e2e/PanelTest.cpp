@@ -95,7 +95,7 @@ TEST_F(PanelTest, UnderWaylandItRestsBelowTheStripAndSaysSoOnce) {
     ASSERT_TRUE(eventually([&] { return log().contains("cardano"); })) << program.errors();
     const auto strip = placeOfStrip();
     ASSERT_TRUE(strip);
-    EXPECT_EQ(strip->x + strip->width, 1280);
+    EXPECT_EQ(strip->right(), 1280);
     EXPECT_EQ(strip->y, 0);
     // The frame of this one reaches under the strip and must not get its clicks.
     const Child other({"xmessage", "-name", "other", "-geometry", "1270x780+0+0", "something else"});
@@ -114,8 +114,8 @@ TEST_F(PanelTest, UnderWaylandItRestsBelowTheStripAndSaysSoOnce) {
         // But for its shadow of 10 pixels, 4 below the strip.
         EXPECT_TRUE(eventually([&] {
             const auto panel = placeOf("Glintar panel");
-            return panel && panel->x + panel->width - 10 == 1280 && panel->y + 10 == strip->height + 4 &&
-                   brightness(panel->x + 10, panel->y + 10) > 240;
+            return panel && panel->right() - 10 == 1280 && panel->y + 10 == strip->height + 4 &&
+                   brightness(int(panel->x) + 10, int(panel->y) + 10) > 240;
         }));
     }
     program.signal(SIGTERM);

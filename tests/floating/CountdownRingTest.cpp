@@ -65,22 +65,5 @@ TEST_F(CountdownRingTest, NobodyIsWokenWhileItLooksTheSame) {
     }
 }
 
-TEST_F(CountdownRingTest, ARefillTakesASecondAndAtMostFiftySteps) {
-    for (const double scale : {1, 3}) {
-        ring = CountdownRing(start);
-        ring.setNextRefresh(at(100s), at(160s), Seconds(60));  // long empty
-        Instant now = at(100s);
-        int steps = 0;
-        while (now < at(102s)) {
-            const auto wait = ring.unchangedFor(now, scale);
-            ASSERT_TRUE(wait && *wait >= 20ms);
-            now += *wait;
-            ++steps;
-        }
-        EXPECT_GT(steps, 35);
-        EXPECT_LE(steps, 51);
-    }
-}
-
 }  // namespace
 }  // namespace glintar::floating

@@ -26,12 +26,6 @@ protected:
         return layOutPanel(composeContent(state, preferences, platform::Appearance::Dark), graphics, PixelGrid(scale),
                            margin);
     }
-    /// All of the picture but the green of its ring.
-    const platform::VirtualImage& update(FloatingView::Surroundings surroundings) {
-        view.update(state, surroundings, 1);
-        const auto images = platform::drawn(view.picture()).all(Kind::Image);
-        return *images.back().image;
-    }
     void showTwoCoins() {
         for (const auto key : {config::kShowChange, config::kShowHighLow, config::kShowSparkline}) {
             preferences.setBoolean(key, true);
@@ -158,47 +152,6 @@ TEST_F(FloatingViewTest, AbsurdPricesDoNotAskForAnAbsurdPicture) {
     quote.price = quote.high24h.emplace(-1e308);
     quote.low24h = -1e308;
     EXPECT_LE(layOut().plate.width, 4096);
-}
-
-TEST_F(FloatingViewTest, OverWhatShowsThroughThePlateHasAShadow) {
-    showTwoCoins();
-    const auto& picture = update({.appearance = platform::Appearance::Dark, .scale = 1});
-    EXPECT_EQ(picture.size(), (Size{309, 147}));
-    EXPECT_EQ(picture.operations.at(0).frame, (Rect{10, 10, 289, 127}));
-    EXPECT_EQ(picture.operations.at(0).color, platform::Color::white(0, 0.85));
-    EXPECT_EQ(picture.operations.at(0).radius, 8);
-    EXPECT_EQ(picture.shadow.radius, 4);
-    EXPECT_EQ(picture.shadow.offset, (Point{0, -2}));
-    EXPECT_EQ(picture.shadow.color, platform::Color::white(0, 0.6));
-    EXPECT_EQ(picture.text("64250.50").frame.origin(), (Point{77, 72}));
-
-    state.isTransparent = true;
-    const auto& bare = update({.appearance = platform::Appearance::Dark, .scale = 1});
-    EXPECT_EQ(bare.all(Kind::Fill).size(), 2U) << "the dividers";
-    EXPECT_EQ(bare.shadow.radius, 4);
-    const auto& arc = platform::drawn(view.picture()).operations.at(0);  // beneath it, for its shadow alone
-    EXPECT_EQ(arc.frame, (Rect{101, 98, 40, 40}));
-    EXPECT_EQ(arc.image->shadow.radius, 4);
-    EXPECT_EQ(arc.image->operations.at(0).arc.center, (Point{20, 20}));
-}
-
-TEST_F(FloatingViewTest, WithoutACompositorThePlateIsOpaqueAndBareContentIsOutlined) {
-    const FloatingView::Surroundings opaque{.appearance = platform::Appearance::Dark, .isTranslucent = false};
-    const auto& picture = update(opaque);
-    EXPECT_EQ(picture.size(), (Size{114, 66}));
-    EXPECT_EQ(picture.operations.at(0).color, platform::Color::white(0, 1));
-    EXPECT_EQ(picture.shadow.radius, 0);
-    const auto& rim = picture.operations.at(1);
-    EXPECT_EQ(rim.frame, (Rect{0.5, 0.5, 113, 65}));
-    EXPECT_EQ(rim.lineWidth, 1);
-    EXPECT_EQ(rim.color, platform::Color::white(1, 0.2));
-
-    state.isTransparent = true;
-    const auto images = update(opaque).all(Kind::Image);
-    ASSERT_EQ(images.size(), 10U) << "nine times the outline, and the source's image";
-    EXPECT_EQ(images[0].frame, (Rect{-1, -1, 114, 66}));
-    EXPECT_EQ(images[8].frame, (Rect{1, 1, 114, 66}));
-    EXPECT_EQ(images[0].image->text("Coingecko").color, platform::Color::white(0, 1));
 }
 
 TEST_F(FloatingViewTest, TheRingEmptiesClockwiseByPixels) {

@@ -1,6 +1,5 @@
-#include "json/Json.h"
 #include "line/LineCommand.h"
-#include "line/LineFormat.h"
+#include "menubar/LineText.h"
 #include "platform/TextOutput.h"
 #include "platform/virtual/VirtualPlatform.h"
 #include "support/Market.h"
@@ -121,12 +120,6 @@ TEST_F(LineCommandTest, AnInterruptBeforeTheOnlyRefreshIsAFailure) {
     EXPECT_THAT(finished, ElementsAre(1));
 }
 
-TEST_F(LineCommandTest, AReaderThatLeavesEndsIt) {
-    run({}, 2s);
-    output.onClosed("");
-    EXPECT_THAT(finished, ElementsAre(0));
-}
-
 TEST_F(LineCommandTest, AnOutputThatCannotBeWrittenIsAFailureWithAReason) {
     run({}, 2s);
     output.onClosed("No space left on device");
@@ -181,14 +174,6 @@ TEST_F(LineCommandTest, JsonHoldsTheWholeAnswer) {
 TEST_F(LineCommandTest, ASimulatedMarketIsMarked) {
     run({.once = true, .demo = true}, 1s);
     EXPECT_EQ(output.lines.at(0), "[simulated] BTC 64012.55 (60000.00)");
-}
-
-TEST(LineFormatTest, SparklinesReachFromTheLowestToTheHighest) {
-    using List = std::vector<double>;
-    EXPECT_EQ(sparklineText(List{1, 2, 3, 4, 5, 6, 7, 8}), "▁▂▃▄▅▆▇█");
-    EXPECT_EQ(sparklineText(List{5, 5, 5}), "▁▁▁");
-    EXPECT_EQ(sparklineText(List{5}), "");
-    EXPECT_EQ(sparklineText(List{-1.7e308, 1.7e308}), "▁█");
 }
 
 TEST(LineFormatTest, NamesCannotBreakTheLine) {

@@ -273,23 +273,14 @@ TEST_F(CryptoServiceTest, AnswersMayComeFromManyThreadsAtOnce) {
         void async(platform::Task task) override { task(); }
         void asyncAfter(platform::Duration, platform::Task) override {}
     } queue;
-    struct : platform::RunLoop {
-        void post(platform::Task) override {}
-        void postAfter(platform::Duration, platform::Task) override {}
-        platform::TimerHandle after(platform::Duration, platform::Task) override { return nullptr; }
-        platform::TimerHandle every(platform::Duration, std::function<void()>) override { return nullptr; }
-        platform::Instant now() const override { return {}; }
-        platform::BootInstant bootNow() const override { return {}; }
-        platform::WallTime wallNow() const override { return {}; }
-    } loop;
     ThreadedHttp http;
     auto& whole = machine.platform();
     struct : platform::Console {
         void write(Path, std::string_view) override {}
     } console;
     platform::Platform threaded{
-        loop,         queue,       http,    whole.preferences, whole.secrets,   whole.notifications, whole.directories,
-        whole.bundle, whole.files, console, whole.entropy,     whole.localTime, whole.registry};
+        whole.runLoop, queue,       http,    whole.preferences, whole.secrets,   whole.notifications, whole.directories,
+        whole.bundle,  whole.files, console, whole.entropy,     whole.localTime, whole.registry};
     select("gate");
     std::vector<config::Coin> coins;
     for (int i = 0; i < 20; ++i) {

@@ -4,32 +4,10 @@
 #include "menubar/PillPainter.h"
 #include "menubar/StatusItemsTest.h"
 
-#include <mutex>
-
 namespace glintar::menubar {
 namespace {
 
 using testing::ElementsAre;
-
-/// Takes posts from any thread, and nothing else.
-class SharedLoop final : public platform::RunLoop {
-public:
-    explicit SharedLoop(platform::RunLoop& loop) : loop_(loop) {}
-    void post(platform::Task task) override {
-        const std::lock_guard lock(mutex_);
-        loop_.post(std::move(task));
-    }
-    void postAfter(platform::Duration, platform::Task) override {}
-    platform::TimerHandle after(platform::Duration, platform::Task) override { return {}; }
-    platform::TimerHandle every(platform::Duration, std::function<void()>) override { return {}; }
-    platform::Instant now() const override { return {}; }
-    platform::BootInstant bootNow() const override { return {}; }
-    platform::WallTime wallNow() const override { return {}; }
-
-private:
-    std::mutex mutex_;
-    platform::RunLoop& loop_;
-};
 
 class PillPainterTest : public StatusItemsTest {
 protected:
@@ -38,6 +16,7 @@ protected:
                                              [this] { ++redisplays; });
     }
     StatusLine line() const { return composeStatusLine(machine.preferences, coins, quotes, gas, error); }
+    void drawWhileIconsArrive();
 };
 
 TEST_F(PillPainterTest, ThePillIsKnownByWhatStandsOnIt) {
@@ -90,67 +69,41 @@ TEST_F(PillPainterTest, AWholeLineOfTheWidestUsualPillsIsKept) {
     EXPECT_EQ(drawingsToShow(), 0);
 }
 
-TEST_F(PillPainterTest, IconsMayArriveWhileTheLookChanges) {
-    SharedLoop loop(machine.runLoop);
-    machine.directories.cachesFolder.reset();  // the files are for one thread
-    platform::Platform threaded{loop,
-                                work,
-                                machine.http,
-                                machine.preferences,
-                                machine.secrets,
-                                machine.notifications,
-                                machine.directories,
-                                machine.bundle,
-                                machine.files,
-                                machine.console,
-                                machine.entropy,
-                                machine.localTime,
-                                machine.registry};
-    machine.http.answer("icons.test", "image 9x9 a");
-    for (const std::string id : {"a", "b", "c", "d", "e"}) {
-        add(id, "https://icons.test/" + id);
-    }
+/// Draws five pills, light and dark, with one painter for each that shares the icons, while these arrive.
+void PillPainterTest::drawWhileIconsArrive() {
     const auto shown = line();
     const auto draw = [&](PillPainter& with, const CoinPart& part) {
         return platform::drawn(with.drawPill(with.renderKey(shown, part), part));
     };
-    for (int round = 1; round <= 200; ++round) {
-        const auto icons = std::make_shared<CoinIcons>(threaded, desktop.graphics);
-        auto light = painter(icons, platform::Appearance::Light);
-        const auto dark = painter(icons, platform::Appearance::Dark);
-        for (const auto& part : shown.coins) {
-            draw(*light, part);
-        }
-        machine.advance(1s);  // the answers wait to be decoded
-        for (const auto& part : shown.coins) {
-            work.async([&, held = light] { draw(*held, part); });
-            work.async([&] { draw(*dark, part); });
-        }
-        light.reset();
-        work.runTogether();
-        EXPECT_EQ(machine.http.asked("icons.test"), 5 * round) << "neither an icon nor its download was seen";
-        for (const auto& part : shown.coins) {
-            EXPECT_EQ(draw(*dark, part).all(platform::Drawn::Kind::Image).size(), 1) << part.coin.apiId;
-        }
-        machine.advance(1s);
+    const auto icons = std::make_shared<CoinIcons>(platform, desktop.graphics);
+    auto light = painter(icons, platform::Appearance::Light);
+    const auto dark = painter(icons, platform::Appearance::Dark);
+    for (const auto& part : shown.coins) {
+        draw(*light, part);
     }
+    machine.advance(1s);  // the answers wait to be decoded
+    for (const auto& part : shown.coins) {
+        work.async([&, held = light] { draw(*held, part); });
+        work.async([&] { draw(*dark, part); });
+    }
+    light.reset();
+    work.runTogether();
+    for (const auto& part : shown.coins) {
+        EXPECT_EQ(draw(*dark, part).all(platform::Drawn::Kind::Image).size(), 1) << part.coin.apiId;
+    }
+    machine.advance(1s);
 }
 
-TEST_F(StatusItemsTest, QuittingMayDestroyTheItems) {
-    std::string said;
-    items.reset();
-    desktop.statusBar.items.clear();
-    const std::string farewell = "longer than what a text holds without memory of its own";
-    items.emplace(platform, desktop.desktop(),
-                  StatusItems::Callbacks{.redisplay = [] {},
-                                         .quit =
-                                             [this, &said, farewell] {
-                                                 items.reset();
-                                                 said = farewell;
-                                             }});
-    const auto quit = anchor().menu.back().action;
-    quit();
-    EXPECT_EQ(said, farewell);
+TEST_F(PillPainterTest, IconsMayArriveWhileTheLookChanges) {
+    machine.directories.cachesFolder.reset();  // the files are for one thread
+    machine.http.answer("icons.test", "image 9x9 a");
+    for (const std::string id : {"a", "b", "c", "d", "e"}) {
+        add(id, "https://icons.test/" + id);
+    }
+    for (int round = 1; round <= 200; ++round) {
+        drawWhileIconsArrive();
+        EXPECT_EQ(machine.http.asked("icons.test"), 5 * round) << "neither an icon nor its download was seen";
+    }
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 // The countdown beside the line: a picture, and when it is drawn.
 
 #include "menubar/ProgressImage.h"
+#include "menubar/RefreshCycle.h"
 #include "platform/virtual/VirtualGraphics.h"
 
 #include <gmock/gmock.h>
@@ -12,8 +13,7 @@ namespace glintar::menubar {
 namespace {
 
 using platform::Appearance;
-using platform::Color;
-using platform::Rect;
+using testing::IsEmpty;
 using testing::SizeIs;
 using Kind = platform::Drawn::Kind;
 
@@ -22,18 +22,7 @@ const platform::ImagePtr icon = *graphics.decode("image 64x64 btc");
 constexpr Look kLight;
 constexpr Look kDark{.appearance = Appearance::Dark, .scale = 2};
 
-TEST(ProgressImageTest, TheBrightPartGrowsClockwiseFromTwelve) {
-    const auto picture = platform::drawn(renderProgressImage(graphics, icon, 0.25, 2));
-    EXPECT_EQ(picture.size(), (platform::Size{28, 21}));
-    ASSERT_THAT(picture.operations, SizeIs(3));
-    const auto &dim = picture.operations[0], &pie = picture.operations[1], &ring = picture.operations[2];
-    EXPECT_EQ(dim.frame, (Rect{0, 0, 21, 21}));
-    EXPECT_EQ(dim.opacity, 0.3);
-    EXPECT_EQ(pie.frame, dim.frame);
-    EXPECT_EQ(pie.arc, (platform::Canvas::Arc{{10.5, 10.5}, 15, 90, -90}));
-    EXPECT_EQ(ring.arc, (platform::Canvas::Arc{{10.5, 10.5}, 10, 0, 360}));
-    EXPECT_EQ(ring.color, Color::white(0.2, 0.8));
-    EXPECT_EQ(ring.lineWidth, 1);
+TEST(ProgressImageTest, AnyNumberAndNoIconCanBeDrawn) {
     EXPECT_EQ(platform::drawn(renderProgressImage(graphics, icon, std::nan(""), 1)).all(Kind::Pie).at(0).arc.sweep, 0);
     EXPECT_THAT(platform::drawn(renderProgressImage(graphics, nullptr, 1, 1)).operations, SizeIs(1));
 }
@@ -66,18 +55,47 @@ TEST(CountdownTest, ItIsDrawnOncePerHalfPixelAndNobodyNeedAskInBetween) {
     EXPECT_GT(Countdown::unchangedFor(0.5, Seconds{0}, 1).count(), 0);
 }
 
-TEST(CountdownTest, ItIsDrawnAgainWhenSourceOrLookChange) {
-    Countdown countdown(graphics);
-    const auto imageAt = [&](double elapsed, std::string_view source, const Look& look) -> std::string {
-        const auto picture = countdown.pictureAt(elapsed, source, look);
-        return picture ? platform::drawn(picture).all(Kind::Image).at(0).text : "";
-    };
-    EXPECT_EQ(imageAt(0.5, "coingecko", kLight), "coingecko");
-    EXPECT_EQ(imageAt(0.5005, "coingecko", kLight), "");
-    EXPECT_EQ(imageAt(0.5005, "unheard-of", kLight), "network");
-    EXPECT_EQ(imageAt(0.5005, "unheard-of", {.appearance = Appearance::Dark}), "network");
-    EXPECT_EQ(imageAt(0.5005, "unheard-of", kDark), "network");
-    EXPECT_EQ(imageAt(0.1, "unheard-of", kDark), "network") << "a new countdown";
+using CountdownCycleTest = RefreshCycleTest;
+
+TEST_F(CountdownCycleTest, TheCountdownRunsWithTheIntervalAndOnlyWhereItIsSeen) {
+    begin();
+    machine.advance(10s);
+    EXPECT_THAT(surface.progress, IsEmpty());
+    surface.hasProgress = true;
+    controller->forceFullUpdate();
+    machine.advance(30s);
+    EXPECT_THAT(surface.progress, SizeIs(300));
+    EXPECT_NEAR(surface.progress.back(), 0.5, 1e-9);
+    machine.advance(29s);
+    EXPECT_NEAR(surface.progress.back(), 59.0 / 60, 1e-9);
+    machine.advance(2s);
+    EXPECT_NEAR(surface.progress.back(), 1.0 / 60, 1e-9);
+
+    surface.unchangedFor = platform::Seconds(5);
+    const auto before = surface.progress.size();
+    machine.advance(20s);
+    EXPECT_LE(surface.progress.size() - before, 5U) << "what looks the same is not drawn again";
+}
+
+TEST_F(CountdownCycleTest, ACountdownThatNothingShowsHasNoTimerUntilALineHasOneAgain) {
+    surface.hasProgress = true;
+    begin();
+    surface.hasProgress = false;  // the line is empty
+    machine.advance(1s);
+    const auto timers = machine.runLoop.pending();
+    const auto shown = surface.progress.size();
+    machine.advance(20s);
+    EXPECT_EQ(surface.progress.size(), shown);
+    surface.hasProgress = true;
+    machine.advance(20s);
+    EXPECT_EQ(surface.progress.size(), shown) << "nothing wakes up to look";
+    EXPECT_EQ(machine.runLoop.pending(), timers);
+
+    controller->redisplayFromCache();
+    EXPECT_EQ(surface.progress.size(), shown + 1) << "with the line, so that no old one is seen beside it";
+    EXPECT_EQ(machine.runLoop.pending(), timers + 1);
+    machine.advance(1s);
+    EXPECT_EQ(surface.progress.size(), shown + 11);
 }
 
 }  // namespace

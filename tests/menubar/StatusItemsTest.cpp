@@ -240,10 +240,31 @@ TEST_F(StatusItemsTest, TheCountdownIsReplacedWhenItLooksDifferent) {
     items->showProgress(0.5 + 0.9 / 132, 60s);
     EXPECT_EQ(display().imagesSet, 1);
     machine.preferences.setString("selectedSourceID", "binance");
+    items->showProgress(0.5, 60s);
+    EXPECT_EQ(platform::drawn(display().image).operations.at(0).text, "network");
     desktop.statusBar.setScale(2);
     EXPECT_NEAR(items->showProgress(0.5, 60s).count(), 60.0 / 264, 1e-9);
-    EXPECT_EQ(platform::drawn(display().image).operations.at(0).text, "network");
     EXPECT_EQ(platform::drawn(display().image).scale, 2);
+    desktop.events.setAppearance(Appearance::Dark);
+    items->showProgress(0.5, 60s);
+    EXPECT_EQ(display().imagesSet, 4);
+}
+
+TEST_F(StatusItemsTest, QuittingMayDestroyTheItems) {
+    std::string said;
+    items.reset();
+    desktop.statusBar.items.clear();
+    const std::string farewell = "longer than what a text holds without memory of its own";
+    items.emplace(platform, desktop.desktop(),
+                  StatusItems::Callbacks{.redisplay = [] {},
+                                         .quit =
+                                             [this, &said, farewell] {
+                                                 items.reset();
+                                                 said = farewell;
+                                             }});
+    const auto quit = anchor().menu.back().action;
+    quit();
+    EXPECT_EQ(said, farewell);
 }
 
 }  // namespace

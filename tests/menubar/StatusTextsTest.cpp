@@ -1,12 +1,10 @@
 #include "menubar/StatusLine.h"
 #include "menubar/StatusTexts.h"
 #include "platform/virtual/VirtualStores.h"
+#include "support/CommaLocale.h"
 #include "support/Market.h"
 
 #include <gtest/gtest.h>
-
-#include <clocale>
-#include <limits>
 
 namespace glintar::menubar {
 namespace {
@@ -14,33 +12,31 @@ namespace {
 using market::GasNetwork;
 
 TEST(StatusTextsTest, NumbersReadAsOnThePill) {
-    for (const auto* locale : {"C", "de_DE.UTF-8"}) {  // a comma must never appear
-        std::setlocale(LC_ALL, locale);
-        EXPECT_EQ(priceText(0.5), "0.5000");
-        EXPECT_EQ(priceText(1.0), "1.0000");
-        EXPECT_EQ(priceText(1.5), "1.50");
-        EXPECT_EQ(priceText(64012.553), "64012.55");
-        EXPECT_EQ(priceText(-3), "-3.0000");
-        EXPECT_EQ(priceText(1e-12), "0.0000");
-        EXPECT_EQ(priceText(1e15), "1000000000000000.00");
+    const test::CommaLocale german;
+    EXPECT_EQ(priceText(0.5), "0.5000");
+    EXPECT_EQ(priceText(1.0), "1.0000");
+    EXPECT_EQ(priceText(1.5), "1.50");
+    EXPECT_EQ(priceText(64012.553), "64012.55");
+    EXPECT_EQ(priceText(-3), "-3.0000");
+    EXPECT_EQ(priceText(1e-12), "0.0000");
+    EXPECT_EQ(priceText(1e15), "1000000000000000.00");
 
-        EXPECT_EQ(referenceText(60000), "60000.00");
-        EXPECT_EQ(referenceText(0), std::nullopt);
-        EXPECT_EQ(referenceText(-1), std::nullopt);
-        EXPECT_EQ(referenceText(std::nullopt), std::nullopt);
+    EXPECT_EQ(referenceText(60000), "60000.00");
+    EXPECT_EQ(referenceText(0), std::nullopt);
+    EXPECT_EQ(referenceText(-1), std::nullopt);
+    EXPECT_EQ(referenceText(std::nullopt), std::nullopt);
 
-        EXPECT_EQ(changeText(-2.5), "-2.50%");
-        EXPECT_EQ(changeText(0), "+0.00%");
-        EXPECT_EQ(changeText(1.2), "+1.20%");
+    EXPECT_EQ(changeText(-2.5), "-2.50%");
+    EXPECT_EQ(changeText(0), "+0.00%");
+    EXPECT_EQ(changeText(1.2), "+1.20%");
 
-        EXPECT_EQ(highLowText(0.9, 1.2).high, "0.900");
-        EXPECT_EQ(highLowText(0.9, 1.2).low, "1.2");
-        EXPECT_EQ(highLowText(1.0, 1.0).high, "1.000");
-    }
-    std::setlocale(LC_ALL, "C");
+    EXPECT_EQ(highLowText(0.9, 1.2).high, "0.900");
+    EXPECT_EQ(highLowText(0.9, 1.2).low, "1.2");
+    EXPECT_EQ(highLowText(1.0, 1.0).high, "1.000");
 }
 
 TEST(StatusTextsTest, FeesReadAsOnThePill) {
+    const test::CommaLocale german;
     EXPECT_EQ(gasText(GasNetwork::Ethereum, 0, std::nullopt), "0G");
     EXPECT_EQ(gasText(GasNetwork::Ethereum, 0.004, std::nullopt), "<0.01G");
     EXPECT_EQ(gasText(GasNetwork::Ethereum, 12, std::nullopt), "12G");
@@ -60,7 +56,9 @@ TEST(StatusTextsTest, TheEthereumPriceIsFoundUnderEitherName) {
 
 TEST(StatusTextsTest, ErrorsBecomeAFewWords) {
     EXPECT_EQ(shortErrorLabel("Cooling down for error 429 (30s)"), "Limit 429");
-    EXPECT_EQ(shortErrorLabel("Network Error"), "Net Error");
+    EXPECT_EQ(shortErrorLabel("Network 429"), "Limit 429");
+    EXPECT_EQ(shortErrorLabel("Network timeout"), "Net Error");
+    EXPECT_EQ(shortErrorLabel("Server timeout"), "Timeout");
     EXPECT_EQ(shortErrorLabel("TIMEOUT"), "Timeout");
     EXPECT_EQ(shortErrorLabel("Server Error (502)"), "Server Err");
     EXPECT_EQ(shortErrorLabel("HTTP 404"), "Error");

@@ -1,12 +1,12 @@
 #include "config/AppConfig.h"
-#include "pictures/ShippedBundle.h"
 #include "platform/qt/graphics/QtGraphics.h"
 #include "platform/qt/graphics/QtImage.h"
+#include "support/FolderBundle.h"
+#include "support/TestFiles.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <fstream>
 #include <iterator>
 #include <map>
 #include <set>
@@ -17,10 +17,9 @@ namespace glintar::test {
 namespace {
 
 TEST(ArtworkTest, EachSourceAndSymbolHasASharpPictureInAnySize) {
-    const ShippedBundle bundle;
+    const FolderBundle bundle;
     const platform::QtGraphics graphics(bundle);
-    std::ifstream file(GLINTAR_RESOURCES "/api_endpoints.json", std::ios::binary);
-    const auto config = config::decodeAppConfig({std::istreambuf_iterator<char>(file), {}});
+    const auto config = config::decodeAppConfig(readFile(shippedResource("api_endpoints.json")));
     ASSERT_TRUE(config && config->gasConfigs);
 
     std::map<std::string, platform::ImagePtr> pictures;

@@ -82,18 +82,4 @@ PictureDifference differenceOf(const QImage& before, const QImage& after) {
     return worst;
 }
 
-QImage differencePicture(const QImage& before, const QImage& after) {
-    QImage picture(before.size(), QImage::Format_RGB32);
-    for (int y = 0; y < picture.height(); ++y) {
-        for (int x = 0; x < picture.width(); ++x) {
-            Sums here;
-            here.add(channels(before.pixel(x, y)), channels(after.pixel(x, y)));
-            const int pale = 191 + qGray(before.pixel(x, y)) / 4;
-            const int rest = std::max(0, pale - 4 * std::ranges::max(here.apart));
-            picture.setPixel(x, y, qRgb(pale, rest, rest));
-        }
-    }
-    return picture;
-}
-
 }  // namespace glintar::test

@@ -19,7 +19,4 @@ struct PictureDifference {
 /// Both of one size, with 32 bits to a pixel.
 [[nodiscard]] PictureDifference differenceOf(const QImage& before, const QImage& after);
 
-/// What changed in red, the brighter the more, over a pale `before`.
-[[nodiscard]] QImage differencePicture(const QImage& before, const QImage& after);
-
 }  // namespace glintar::test

@@ -9,7 +9,6 @@
 #include "platform/qt/graphics/QtImage.h"
 #include "platform/virtual/VirtualStores.h"
 
-#include <QBuffer>
 #include <QPainter>
 #include <fmt/format.h>
 
@@ -83,25 +82,6 @@ config::Coin coin(std::string displayName, std::optional<double> referencePrice 
     return {.id = displayName, .displayName = displayName, .apiId = displayName, .referencePrice = referencePrice};
 }
 
-/// A coin's icon as it comes from a service: a PNG larger than it is shown, with a transparent ground.
-ImagePtr downloadedIcon(const Graphics& graphics) {
-    QImage icon(64, 64, QImage::Format_ARGB32);
-    icon.fill(Qt::transparent);
-    QPainter painter(&icon);
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(QColor(0xf7, 0x93, 0x1a));
-    painter.drawEllipse(0, 0, 64, 64);
-    painter.setBrush(Qt::white);
-    painter.drawPolygon(QPolygonF{{32, 10}, {48, 34}, {32, 54}, {16, 34}});
-    painter.end();
-    QByteArray bytes;
-    QBuffer buffer(&bytes);
-    buffer.open(QIODevice::WriteOnly);
-    icon.save(&buffer, "PNG");
-    return graphics.decode(bytes.toStdString()).value();
-}
-
 void show(VirtualPreferences& preferences, bool change, bool highLow, bool sparkline) {
     preferences.setBoolean(config::kShowChange, change);
     preferences.setBoolean(config::kShowHighLow, highLow);
@@ -111,7 +91,7 @@ void show(VirtualPreferences& preferences, bool change, bool highLow, bool spark
 
 QImage pills(const Graphics& graphics, Appearance appearance, double scale) {
     const Look look{appearance, scale};
-    const ImagePtr icon = downloadedIcon(graphics);
+    const ImagePtr icon = graphics.image("AppIcon");
     VirtualPreferences preferences;
     const auto pill = [&](const config::Coin& shown, const market::UnifiedMarketData& its, const ImagePtr& head) {
         const auto line = menubar::composeStatusLine(preferences, {shown}, {{shown.apiId, its}}, {}, {});

@@ -1,6 +1,6 @@
 #include "pictures/Sheets.h"
-#include "pictures/ShippedBundle.h"
 #include "platform/qt/graphics/QtGraphics.h"
+#include "support/FolderBundle.h"
 
 #include <QGuiApplication>
 #include <fmt/format.h>
@@ -11,7 +11,7 @@
 namespace {
 
 int renew() {
-    const glintar::test::ShippedBundle bundle;
+    const glintar::test::FolderBundle bundle;
     const glintar::platform::QtGraphics graphics(bundle);
     for (const auto& sheet : glintar::test::sheets()) {
         const QString path = sheet.referencePath();

@@ -81,7 +81,7 @@ Display::Display(const std::string& screen, Bus bus) {
 }
 
 Display::~Display() {
-    background_.reset();
+    wall_.reset();
     for (Child* const child : {&panel_, &tray_, &compositor_, &manager_, &bus_}) {
         child->stop();
     }
@@ -122,8 +122,7 @@ void Display::startBus() {
     auto [bus, told] =
         startTelling({"dbus-daemon", "--session", "--nofork", "--print-address=3", "--address=unix:path=" + socket});
     bus_ = std::move(bus);
-    busAddress_ = told;
-    set("DBUS_SESSION_BUS_ADDRESS", busAddress_);
+    set("DBUS_SESSION_BUS_ADDRESS", told);
 }
 
 void Display::startManager(Manager manager) {
@@ -204,20 +203,37 @@ void Display::unsplit() {
     outputOf({"xrandr", "--delmonitor", "LEFT"});
 }
 
-void Display::paintBackground(Pixel color) {
+void Display::paintWall(Pixel color) {
     auto connection = connect();
     xcb_connection_t* const xcb = connection->get();
-    const auto window = xcb_generate_id(xcb);
-    const std::array<std::uint32_t, 2> values{static_cast<std::uint32_t>(color[0] << 16 | color[1] << 8 | color[2]), 1};
-    xcb_create_window(xcb, XCB_COPY_FROM_PARENT, window, connection->screen().root, 0, 0,
-                      static_cast<std::uint16_t>(width_), static_cast<std::uint16_t>(height_), 0,
-                      XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, XCB_CW_BACK_PIXEL | XCB_CW_OVERRIDE_REDIRECT,
-                      values.data());
-    const std::uint32_t below = XCB_STACK_MODE_BELOW;
-    xcb_configure_window(xcb, window, XCB_CONFIG_WINDOW_STACK_MODE, &below);
-    xcb_map_window(xcb, window);
+    const auto root = connection->root();
+    const xcb_pixmap_t wall = xcb_generate_id(xcb);
+    xcb_create_pixmap(xcb, connection->screen().root_depth, wall, root, 1, 1);
+    const xcb_gcontext_t pen = xcb_generate_id(xcb);
+    const auto foreground = static_cast<std::uint32_t>(color[0] << 16 | color[1] << 8 | color[2]);
+    xcb_create_gc(xcb, pen, wall, XCB_GC_FOREGROUND, &foreground);
+    const xcb_rectangle_t all{0, 0, 1, 1};
+    xcb_poly_fill_rectangle(xcb, wall, pen, 1, &all);
+    xcb_change_property(xcb, XCB_PROP_MODE_REPLACE, root, connection->atom("_XROOTPMAP_ID"), XCB_ATOM_PIXMAP, 32, 1,
+                        &wall);
+    xcb_change_window_attributes(xcb, root, XCB_CW_BACK_PIXMAP, &wall);
+    xcb_clear_area(xcb, 0, root, 0, 0, 0, 0);
     connection->flush();
-    background_ = std::move(connection);
+    wall_ = std::move(connection);
+}
+
+std::optional<SeenWindow> Display::window(const std::string& title) {
+    const auto text = outputOf({"xwininfo", "-name", title, "-int"});
+    if (!text.contains("IsViewable")) {
+        return {};
+    }
+    const auto after = [&](std::string_view name) {
+        const auto from = text.find_first_not_of(' ', text.find(name) + name.size());
+        return number(std::string_view(text).substr(from));
+    };
+    return SeenWindow{.id = static_cast<xcb_window_t>(after("Window id:")),
+                      .frame = {double(after("Absolute upper-left X:")), double(after("Absolute upper-left Y:")),
+                                double(after("Width:")), double(after("Height:"))}};
 }
 
 std::vector<Pixel> Display::pixels(int x, int y, int width, int height) const {

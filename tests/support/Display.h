@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/Geometry.h"
 #include "platform/xcb/XcbConnection.h"
 #include "support/Child.h"
 #include "support/TemporaryFolder.h"
@@ -15,6 +16,11 @@
 namespace glintar::test {
 
 using Pixel = std::array<std::uint8_t, 3>;  ///< red, green and blue
+
+struct SeenWindow {
+    xcb_window_t id = XCB_NONE;
+    platform::Rect frame;  ///< pixels from the top left
+};
 
 /// A screen without a monitor, on which a test puts what desktops have. While it lives, $DISPLAY and
 /// $DBUS_SESSION_BUS_ADDRESS name it and a message bus of its own, the home and XDG folders are a temporary one, and
@@ -50,10 +56,11 @@ public:
     void split(int leftWidth);
     void unsplit();
 
-    /// Puts a window of that colour behind all others. (Of what is painted on the root window compositors know
-    /// nothing.)
-    void paintBackground(Pixel color);
-    void clearBackground() { background_.reset(); }
+    /// Behind all windows, also for compositors, which take the wallpaper by a name of its own.
+    void paintWall(Pixel color);
+
+    /// What other programs see of the window with that title on $DISPLAY; none while it is not shown.
+    [[nodiscard]] static std::optional<SeenWindow> window(const std::string& title);
 
     /// What somebody in front of the screen sees, row by row.
     [[nodiscard]] std::vector<Pixel> pixels(int x, int y, int width, int height) const;
@@ -63,7 +70,6 @@ public:
     void input(const std::vector<std::string>& words) const;
 
     [[nodiscard]] const std::string& name() const { return name_; }  ///< such as ":3"
-    [[nodiscard]] const std::string& busAddress() const { return busAddress_; }
     [[nodiscard]] const std::filesystem::path& home() const { return home_.path(); }
 
 private:
@@ -75,10 +81,9 @@ private:
     TemporaryFolder home_;
     std::vector<std::pair<std::string, std::optional<std::string>>> before_;  ///< of the environment
     std::string name_;
-    std::string busAddress_;
     int width_ = 0;
     int height_ = 0;
-    std::unique_ptr<platform::XcbConnection> background_;
+    std::unique_ptr<platform::XcbConnection> wall_;
     Child bus_, server_, wayland_, manager_, compositor_, tray_, panel_;
 };
 

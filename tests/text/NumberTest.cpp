@@ -1,13 +1,13 @@
+#include "support/CommaLocale.h"
 #include "text/Number.h"
 
 #include <gtest/gtest.h>
-
-#include <locale>
 
 namespace glintar::text {
 namespace {
 
 TEST(NumberTest, ReadsWholeDecimalsOnly) {
+    const test::CommaLocale german;
     struct Case {
         std::string text;
         std::optional<double> value;
@@ -55,25 +55,8 @@ TEST(NumberTest, ReadsWholeDecimalsOnly) {
     }
 }
 
-/// A process whose locale writes one and a half as "1,5", and a million with points.
-class CommaLocale {
-public:
-    CommaLocale() : before_(std::locale::global(std::locale(std::locale(), new Comma))) {}
-    ~CommaLocale() { std::locale::global(before_); }
-    CommaLocale(const CommaLocale&) = delete;
-    CommaLocale& operator=(const CommaLocale&) = delete;
-
-private:
-    struct Comma final : std::numpunct<char> {
-        char do_decimal_point() const override { return ','; }
-        char do_thousands_sep() const override { return '.'; }
-        std::string do_grouping() const override { return "\3"; }
-    };
-    std::locale before_;
-};
-
 TEST(NumberTest, WritesFixedDecimalsWhateverTheLocale) {
-    const CommaLocale german;
+    const test::CommaLocale german;
     struct Case {
         double value;
         int decimals;

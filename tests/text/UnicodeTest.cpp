@@ -36,12 +36,6 @@ TEST(UnicodeTest, WhatServersSendCannotDriveTheTerminal) {
     EXPECT_EQ(printable("a\tb\nc\r\x1b[2J\x7f\xc2\x9b"
                         "1m\xff币"),
               "a\tb\nc\uFFFD\uFFFD[2J\uFFFD\uFFFD1m\uFFFD币");
-    // In linear time: a whole answer of such characters is gone through at once.
-    std::string hostile;
-    for (int i = 0; i < 4'000'000; ++i) {
-        hostile += "\xc2\x80";
-    }
-    EXPECT_EQ(printable(hostile).size(), 12'000'000U);
 }
 
 TEST(UnicodeTest, FitsIntoTheColumnsOfATerminal) {

@@ -46,7 +46,7 @@ std::optional<QDBusConnection> sessionBus() {
 }  // namespace
 
 DesktopPlatform::DesktopPlatform(int& argc, char** argv, const RealPlatform::Options& options)
-    : guard_("glintar", [] {}),  // every change has been saved when it was made
+    : guard_("glintar"),  // every change has been saved when it was made
       policy_(prepareApplication()),
       application_(argc, argv),
       machine_(options),

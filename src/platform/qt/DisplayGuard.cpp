@@ -19,7 +19,6 @@ namespace {
 struct Guarded {
     bool isActive = false;
     std::string programName;
-    std::function<void()> onDisplayGone;
     QtMessageHandler next = nullptr;
 };
 
@@ -32,9 +31,6 @@ void leave() {
     Guarded& guard = guarded();
     if (!std::exchange(guard.isActive, false)) {
         return;
-    }
-    if (const auto save = std::exchange(guard.onDisplayGone, {})) {
-        save();
     }
     complain(fmt::format("{}: the display has gone away\n", guard.programName));
     ::_exit(1);
@@ -63,11 +59,10 @@ std::optional<std::string> displayProblem() {
     return {};
 }
 
-DisplayGuard::DisplayGuard(std::string programName, std::function<void()> onDisplayGone) {
+DisplayGuard::DisplayGuard(std::string programName) {
     Guarded& guard = guarded();
     static const bool isRegistered = std::atexit(leave) == 0;
     guard.programName = std::move(programName);
-    guard.onDisplayGone = std::move(onDisplayGone);
     guard.isActive = isRegistered;
     if (guard.next == nullptr) {
         guard.next = qInstallMessageHandler(handleMessage);

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <functional>
 #include <optional>
 #include <string>
 
@@ -11,15 +10,14 @@ namespace glintar::platform {
 [[nodiscard]] std::optional<std::string> displayProblem();
 
 /// Sees to an orderly end when the X server goes away: Qt then calls exit from wherever it is, so that nothing on the
-/// stack is destroyed. Between its making and `release`, such an end runs `onDisplayGone`, says "the display has gone
-/// away" on standard error instead of Qt's own words, and leaves at once with status 1, without destroying anything.
+/// stack is destroyed. Between its making and `release`, such an end says "the display has gone away" on standard error
+/// instead of Qt's own words, and leaves at once with status 1, without destroying anything.
 ///
 /// One per process, made before the QApplication. Main thread only.
 class DisplayGuard {
 public:
-    /// `programName` is what the line on standard error starts with. `onDisplayGone` saves what must be saved; it runs
-    /// in the middle of something, and must not ask the display or run an event loop.
-    DisplayGuard(std::string programName, std::function<void()> onDisplayGone);
+    /// `programName` is what the line on standard error starts with.
+    explicit DisplayGuard(std::string programName);
     ~DisplayGuard();  // as `release`
     DisplayGuard(const DisplayGuard&) = delete;
     DisplayGuard& operator=(const DisplayGuard&) = delete;

@@ -6,10 +6,9 @@
 
 namespace glintar::platform {
 
-bool prepareSessionBus() {
+void prepareSessionBus() {
     const auto address = sessionBusAddress();
     ::setenv("DBUS_SESSION_BUS_ADDRESS", address ? address->c_str() : "disabled:", 1);
-    return address.has_value();
 }
 
 }  // namespace glintar::platform

@@ -70,7 +70,7 @@ public:
     int asked = 0;
 };
 
-/// Keeps what it was told, beside a log of the order in which it was told.
+/// Keeps what it was told.
 class VirtualWindow final : public Window {
 public:
     void setPicture(ImagePtr newPicture, double newMargin) override;

@@ -3,8 +3,6 @@
 #include "platform/Graphics.h"
 
 #include <atomic>
-#include <map>
-#include <mutex>
 #include <set>
 #include <string>
 #include <vector>

@@ -3,9 +3,13 @@
 #include "platform/RunLoop.h"
 #include "platform/TimerQueue.h"
 
+#include <atomic>
+#include <mutex>
+#include <vector>
+
 namespace glintar::platform {
 
-/// A run loop whose time moves only when the test moves it. Single-threaded.
+/// A run loop whose time moves only when the test moves it. `post` and `now` from any thread, the rest from one.
 class VirtualRunLoop final : public RunLoop {
 public:
     /// Moves all clocks by the duration, running what falls due on the way, in order.
@@ -18,21 +22,26 @@ public:
     void sleep(Duration duration) { asleep_ += duration; }
 
     /// Posts and timers that have not run yet.
-    [[nodiscard]] std::size_t pending() const { return queue_.size(); }
+    [[nodiscard]] std::size_t pending() { return queue().size(); }
 
-    void post(Task task) override { queue_.schedule(now_, std::move(task)); }
-    void postAfter(Duration delay, Task task) override { queue_.schedule(now_ + delay, std::move(task)); }
-    TimerHandle after(Duration delay, Task task) override { return queue_.after(now_ + delay, std::move(task)); }
+    void post(Task task) override;
+    void postAfter(Duration delay, Task task) override { queue().schedule(now() + delay, std::move(task)); }
+    TimerHandle after(Duration delay, Task task) override { return queue().after(now() + delay, std::move(task)); }
     TimerHandle every(Duration interval, std::function<void()> tick) override {
-        return queue_.every(now_ + interval, interval, std::move(tick));
+        return queue().every(now() + interval, interval, std::move(tick));
     }
     Instant now() const override { return now_; }
-    BootInstant bootNow() const override { return BootInstant(now_.time_since_epoch() + asleep_); }
+    BootInstant bootNow() const override { return BootInstant(now().time_since_epoch() + asleep_); }
     WallTime wallNow() const override;
 
 private:
-    Instant now_{std::chrono::hours{24}};
+    /// With all that was posted so far.
+    TimerQueue& queue();
+
+    std::atomic<Instant> now_{Instant(std::chrono::hours{24})};
     Duration asleep_{};
+    std::mutex mutex_;
+    std::vector<Task> posted_;
     TimerQueue queue_;
 };
 

@@ -66,6 +66,7 @@ TEST_F(FilesTest, TheUsersFoldersFollowXdg) {
         EXPECT_EQ(directories.applicationSupport(), expected);
         EXPECT_EQ(directories.documents(), expected);
         EXPECT_TRUE(std::filesystem::is_directory(expected)) << "made when it is handed out";
+        std::filesystem::remove(expected);
     }
     ::unsetenv("XDG_CACHE_HOME");
     EXPECT_EQ(directories.caches(), home / ".cache/glintar");

@@ -1,15 +1,13 @@
-#include "platform/RunLoop.h"
 #include "platform/secret/LibsecretStore.h"
 #include "platform/secret/PrivateBus.h"
+#include "platform/virtual/VirtualRunLoop.h"
 
 #include <gtest/gtest.h>
 
-#include <atomic>
+#include <array>
 #include <chrono>
 #include <cstdlib>
-#include <deque>
 #include <fstream>
-#include <mutex>
 
 namespace glintar::platform {
 namespace {
@@ -19,55 +17,16 @@ namespace {
 constexpr auto kAtOnce = std::chrono::milliseconds{400};
 
 using namespace std::chrono_literals;
-using Clock = std::chrono::steady_clock;
 using Manner = DeafPeer::Manner;
 using Ring = PrivateBus::Ring;
 using Status = SecretStatus;
 
 constexpr const char* kPrompter = "org.gnome.keyring.SystemPrompter";
 
-/// Keeps what is posted until the test runs it.
-class Posts final : public RunLoop {
-public:
-    void post(Task task) override {
-        const std::lock_guard lock(mutex_);
-        tasks_.push_back(std::move(task));
-    }
-    void postAfter(Duration, Task) override { FAIL(); }
-    TimerHandle after(Duration, Task) override { return {}; }
-    TimerHandle every(Duration, std::function<void()>) override { return {}; }
-    Instant now() const override { return Clock::now() + skipped_.load(); }
-    BootInstant bootNow() const override { return {}; }
-    WallTime wallNow() const override { return {}; }
-
-    void skip(Duration time) { skipped_ = skipped_.load() + time; }
-    bool isWaiting() {
-        const std::lock_guard lock(mutex_);
-        return !tasks_.empty();
-    }
-    void run() {
-        std::deque<Task> tasks;
-        {
-            const std::lock_guard lock(mutex_);
-            tasks.swap(tasks_);
-        }
-        for (auto& task : tasks) {
-            task();
-        }
-    }
-
-private:
-    std::mutex mutex_;
-    std::deque<Task> tasks_;
-    std::atomic<Duration> skipped_{Duration::zero()};
-};
-
 class LibsecretStoreTest : public testing::Test {
 protected:
-    void SetUp() override { bus.start(); }
-
     std::unique_ptr<LibsecretStore> makeStore() {
-        auto made = std::make_unique<LibsecretStore>(posts);
+        auto made = std::make_unique<LibsecretStore>(loop);
         made->onChange = [this] { ++changes; };
         return made;
     }
@@ -75,54 +34,41 @@ protected:
     std::string read(std::string_view service = "exchange") { return read(*store, service); }
     static std::string read(LibsecretStore& from, std::string_view service = "exchange") {
         const auto found = from.find(service, "me");
-        switch (found.status) {
-            case Status::Done:
-                return found.bytes;
-            case Status::NotFound:
-                return "<none>";
-            case Status::Locked:
-                return "<locked>";
-            case Status::Unavailable:
-                return "<unavailable>";
-            case Status::Pending:
-                return "<pending>";
-            case Status::Failed:
-                return "<failed>";
-        }
-        return {};
+        static constexpr std::array kNames{"", "<none>", "<locked>", "<unavailable>", "<pending>", "<failed>"};
+        return found.status == Status::Done ? found.bytes : kNames.at(static_cast<std::size_t>(found.status));
     }
 
     /// Waits until a change is told of and the item reads like this.
     bool changesTo(const std::string& value, std::string_view service = "exchange") {
         const int before = changes;
-        return waitFor([&] {
-            posts.run();
+        return test::eventually([&] {
+            loop.settle();
             return changes > before && read(service) == value;
         });
     }
 
     /// Waits until a store that has cached nothing reads like this.
     bool isStored(const std::string& value, std::string_view service = "exchange") {
-        LibsecretStore fresh(posts);
-        return waitFor([&] {
-            posts.run();
+        LibsecretStore fresh(loop);
+        return test::eventually([&] {
+            loop.settle();
             return read(fresh, service) == value;
         });
     }
 
     bool reads(const std::string& value, std::string_view service = "exchange") {
-        return waitFor([&] { return read(service) == value; });
+        return test::eventually([&] { return read(service) == value; });
     }
 
     template <class Work>
     static std::chrono::milliseconds timed(Work work) {
-        const auto start = Clock::now();
+        const auto start = std::chrono::steady_clock::now();
         work();
-        return std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start);
+        return std::chrono::floor<std::chrono::milliseconds>(std::chrono::steady_clock::now() - start);
     }
 
     PrivateBus bus;
-    Posts posts;
+    VirtualRunLoop loop;
     int changes = 0;
     std::unique_ptr<LibsecretStore> store = makeStore();
 };
@@ -155,7 +101,7 @@ TEST_F(LibsecretStoreTest, KeepsSecretsAndReadsThemAsWrittenAtOnce) {
     store.reset();
     EXPECT_TRUE(isStored("last", "other"));
     EXPECT_TRUE(isStored("<none>"));
-    posts.run();
+    loop.settle();
     EXPECT_EQ(changes, 0) << "our own writes are no news";
 }
 
@@ -165,10 +111,11 @@ TEST_F(LibsecretStoreTest, ReplacesWithoutRemovingFirst) {
     EXPECT_TRUE(reads("old"));
     store->remove("exchange", "me");
     store->add("later write", "me", "x");
-    LibsecretStore observer(posts);
-    EXPECT_TRUE(waitFor([&] { return read(observer, "later write") == "x"; }));
-    EXPECT_TRUE(waitFor([&] { return read(observer) == "old"; })) << "still there: it may be about to be replaced";
-    posts.run();
+    LibsecretStore observer(loop);
+    EXPECT_TRUE(test::eventually([&] { return read(observer, "later write") == "x"; }));
+    EXPECT_TRUE(test::eventually([&] { return read(observer) == "old"; }))
+        << "still there: it may be about to be replaced";
+    loop.settle();
     EXPECT_TRUE(isStored("<none>"));
 }
 
@@ -192,7 +139,7 @@ TEST_F(LibsecretStoreTest, TellsOfAChangeEvenIfItWasReadBefore) {
     bus.writeElsewhere("exchange", "me", "theirs");
     EXPECT_TRUE(reads("theirs"));
     EXPECT_EQ(changes, 0);
-    posts.run();
+    loop.settle();
     EXPECT_EQ(changes, 1) << "whoever read it earlier has to know";
 }
 
@@ -210,7 +157,7 @@ TEST_F(LibsecretStoreTest, ReadsALockedKeyRingWithoutAskingAndFollowsItsUnlockin
 
     // A write asks the user, who does not react: nothing waits for it.
     store->add("new", "me", "typed");
-    EXPECT_TRUE(waitFor([&] { return prompter.calls() > 0; }));
+    EXPECT_TRUE(test::eventually([&] { return prompter.calls() > 0; }));
     EXPECT_EQ(read("new"), "typed");
     EXPECT_TRUE(reads("<none>", "never seen"));
 
@@ -244,6 +191,7 @@ TEST_F(LibsecretStoreTest, TakesBackWhatTheServiceRefuses) {
 }
 
 TEST_F(LibsecretStoreTest, SurvivesTheEndOfTheKeyRingAndFindsTheNextOne) {
+    bus.start();
     bus.startKeyRing(Ring::Open);
     bus.writeElsewhere("exchange", "me", "old");
     EXPECT_TRUE(reads("old"));
@@ -262,8 +210,9 @@ TEST_F(LibsecretStoreTest, SurvivesTheEndOfTheKeyRingAndFindsTheNextOne) {
     EXPECT_TRUE(changesTo("theirs", "other"));
 }
 
-TEST_F(LibsecretStoreTest, WaitsOnceForAServiceThatNeverAnswers) {
-    const auto deaf = std::make_unique<DeafPeer>(bus, "org.freedesktop.secrets", Manner::Silent);
+TEST_F(LibsecretStoreTest, WaitsOnceForAServiceThatNeverAnswersAndFindsTheNextOne) {
+    bus.start();
+    auto deaf = std::make_unique<DeafPeer>(bus, "org.freedesktop.secrets", Manner::Silent);
     const auto first = timed([&] { EXPECT_EQ(read(), "<pending>"); });
     EXPECT_GE(first, 100ms);
     EXPECT_LT(first, kAtOnce);
@@ -277,10 +226,8 @@ TEST_F(LibsecretStoreTest, WaitsOnceForAServiceThatNeverAnswers) {
               20ms);
     EXPECT_GT(deaf->calls(), 0);
     EXPECT_LT(timed([&] { store.reset(); }), kAtOnce);
-}
 
-TEST_F(LibsecretStoreTest, RecoversWhenADeafServiceIsReplaced) {
-    auto deaf = std::make_unique<DeafPeer>(bus, "org.freedesktop.secrets", Manner::Silent);
+    store = makeStore();
     EXPECT_EQ(read(), "<pending>");
     deaf.reset();
     bus.startKeyRing(Ring::Open);
@@ -291,9 +238,9 @@ TEST_F(LibsecretStoreTest, NeverCallsBackOnceItIsGone) {
     bus.startKeyRing(Ring::Open);
     EXPECT_TRUE(reads("<none>"));
     bus.writeElsewhere("exchange", "me", "theirs");
-    EXPECT_TRUE(waitFor([&] { return posts.isWaiting(); }));
+    EXPECT_TRUE(test::eventually([&] { return loop.pending() > 0; }));
     store.reset();
-    posts.run();
+    loop.settle();
     EXPECT_EQ(changes, 0);
 }
 
@@ -305,26 +252,19 @@ TEST_F(LibsecretStoreTest, MayEndInItsOwnCallback) {
         ++changes;
     };
     bus.writeElsewhere("exchange", "me", "theirs");
-    EXPECT_TRUE(waitFor([&] {
-        posts.run();
+    EXPECT_TRUE(test::eventually([&] {
+        loop.settle();
         return changes == 1;
     }));
     EXPECT_EQ(store, nullptr);
 }
 
-/// Without `bus.start()`.
-class LibsecretStoreWithoutBusTest : public LibsecretStoreTest {
-protected:
-    void SetUp() override {}
-};
-
-TEST_F(LibsecretStoreWithoutBusTest, TriesABusThatDoesNotAnswerAgainLater) {
+TEST_F(LibsecretStoreTest, TriesABusThatDoesNotAnswerAgainLater) {
     for (const std::string service : {"exchange", "after the bus has ended"}) {
         EXPECT_TRUE(reads("<unavailable>", service));
-        bus.start();
         bus.startKeyRing(Ring::Open);
         bus.writeElsewhere(service.c_str(), "me", "theirs");
-        posts.skip(31s);
+        loop.advance(31s);
         EXPECT_EQ(read(service), "<unavailable>") << "it is asked in the background";
         EXPECT_TRUE(changesTo("theirs", service));
         bus.stop();
@@ -332,7 +272,7 @@ TEST_F(LibsecretStoreWithoutBusTest, TriesABusThatDoesNotAnswerAgainLater) {
     EXPECT_EQ(read(), "theirs");
 }
 
-TEST_F(LibsecretStoreWithoutBusTest, NeverStartsABus) {
+TEST_F(LibsecretStoreTest, NeverStartsABus) {
     const test::TemporaryFolder folder;
     const auto mark = folder.path() / "started";
     for (const char* const program : {"dbus-launch", "dbus-daemon"}) {
@@ -343,11 +283,7 @@ TEST_F(LibsecretStoreWithoutBusTest, NeverStartsABus) {
     setenv("PATH", (folder.path().native() + ":" + path).c_str(), 1);
     setenv("DISPLAY", ":99", 1);
     for (const char* const address : {"", "autolaunch:", "disabled:", static_cast<const char*>(nullptr)}) {
-        if (address == nullptr) {
-            unsetenv("DBUS_SESSION_BUS_ADDRESS");
-        } else {
-            setenv("DBUS_SESSION_BUS_ADDRESS", address, 1);
-        }
+        address ? setenv("DBUS_SESSION_BUS_ADDRESS", address, 1) : unsetenv("DBUS_SESSION_BUS_ADDRESS");
         EXPECT_FALSE(LibsecretStore::busIsThere());
         EXPECT_LT(timed([&] { EXPECT_EQ(read(), "<unavailable>"); }), kAtOnce);
         EXPECT_EQ(store->add("exchange", "me", "typed"), Status::Unavailable);

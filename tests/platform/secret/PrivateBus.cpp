@@ -1,21 +1,15 @@
 #include "platform/secret/PrivateBus.h"
 
-#include <fmt/format.h>
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <cstdlib>
 #include <cstring>
-#include <fstream>
 #include <mutex>
-#include <thread>
 #include <utility>
 
 namespace glintar::platform {
 
 namespace {
-
-using namespace std::chrono_literals;
 
 constexpr const char* kSecrets = "org.freedesktop.secrets";
 constexpr const char* kService = "org.freedesktop.Secret.Service";
@@ -56,22 +50,10 @@ std::mutex peersMutex;
 
 }  // namespace
 
-bool waitFor(const std::function<bool()>& condition) {
-    const auto deadline = std::chrono::steady_clock::now() + 10s;
-    while (!condition()) {
-        if (std::chrono::steady_clock::now() > deadline) {
-            return false;
-        }
-        std::this_thread::sleep_for(1ms);
-    }
-    return true;
-}
-
 PrivateBus::PrivateBus() {
-    address_ = fmt::format("unix:path={}", (folder_.path() / "socket").native());
-    setenv("DBUS_SESSION_BUS_ADDRESS", address_.c_str(), 1);
+    setenv("DBUS_SESSION_BUS_ADDRESS", address().c_str(), 1);
     for (const char* const name : {"HOME", "XDG_DATA_HOME", "XDG_CONFIG_HOME", "XDG_RUNTIME_DIR"}) {
-        setenv(name, folder_.path().c_str(), 1);
+        setenv(name, bus_.folder().c_str(), 1);
     }
     for (const char* const name : {"GNOME_KEYRING_CONTROL", "SSH_AUTH_SOCK"}) {
         unsetenv(name);
@@ -85,31 +67,19 @@ PrivateBus::~PrivateBus() {
 void PrivateBus::stop() {
     stopKeyRing();
     connection_.reset();
-    if (bus_ != nullptr) {
-        g_subprocess_force_exit(bus_.get());
-        g_subprocess_wait(bus_.get(), nullptr, nullptr);
-        bus_.reset();
-    }
+    bus_.stop();
 }
 
 void PrivateBus::start() {
-    const auto config = folder_.path() / "bus.conf";
-    std::ofstream(config) << fmt::format(R"(<busconfig><type>session</type><listen>{}</listen>
-        <policy context="default"><allow send_destination="*"/><allow receive_sender="*"/>
-        <allow own="*"/></policy></busconfig>)",
-                                         address_);
-    // It must not outlive a test that crashes; the key ring ends with its bus.
-    const auto option = fmt::format("--config-file={}", config.native());
-    bus_.reset(g_subprocess_new(G_SUBPROCESS_FLAGS_STDERR_SILENCE, nullptr, "setpriv", "--pdeathsig", "KILL",
-                                "dbus-daemon", "--nofork", option.c_str(), nullptr));
-    ASSERT_TRUE(bus_);
-    ASSERT_TRUE(waitFor([this] {
-        connection_ = connectTo(address_);
-        return connection_ != nullptr;
-    }));
+    bus_.start();
+    connection_ = connectTo(address());
+    ASSERT_TRUE(connection_);
 }
 
 void PrivateBus::startKeyRing(Ring ring) {
+    if (!connection_) {
+        start();
+    }
     const char* const unlock = ring == Ring::Open ? "--unlock" : nullptr;
     const auto flags = static_cast<GSubprocessFlags>(G_SUBPROCESS_FLAGS_STDIN_PIPE | G_SUBPROCESS_FLAGS_STDOUT_SILENCE |
                                                      G_SUBPROCESS_FLAGS_STDERR_SILENCE);
@@ -120,7 +90,7 @@ void PrivateBus::startKeyRing(Ring ring) {
     g_output_stream_write_all(input, kPassword, ring == Ring::Open ? std::strlen(kPassword) : 0, nullptr, nullptr,
                               nullptr);
     g_output_stream_close(input, nullptr, nullptr);
-    ASSERT_TRUE(waitFor([this] { return isOwned(connection_.get(), kSecrets); }));
+    ASSERT_TRUE(test::eventually([this] { return isOwned(connection_.get(), kSecrets); }));
 }
 
 void PrivateBus::stopKeyRing() {
@@ -128,7 +98,7 @@ void PrivateBus::stopKeyRing() {
         g_subprocess_force_exit(ring_.get());
         g_subprocess_wait(ring_.get(), nullptr, nullptr);
         ring_.reset();
-        EXPECT_TRUE(waitFor([this] { return !isOwned(connection_.get(), kSecrets); }));
+        EXPECT_TRUE(test::eventually([this] { return !isOwned(connection_.get(), kSecrets); }));
     }
 }
 
@@ -187,7 +157,7 @@ DeafPeer::DeafPeer(const PrivateBus& bus, const char* name, Manner manner) : con
     g_dbus_connection_add_filter(connection_.get(), filter, this, nullptr);
     g_bus_own_name_on_connection(connection_.get(), name, G_BUS_NAME_OWNER_FLAGS_NONE, nullptr, nullptr, nullptr,
                                  nullptr);
-    EXPECT_TRUE(waitFor([&] { return isOwned(connection_.get(), name); }));
+    EXPECT_TRUE(test::eventually([&] { return isOwned(connection_.get(), name); }));
 }
 
 DeafPeer::~DeafPeer() {

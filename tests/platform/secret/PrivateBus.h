@@ -1,20 +1,16 @@
 #pragma once
 
 #include "platform/secret/GlibHandles.h"
-#include "support/TemporaryFolder.h"
+#include "support/MessageBus.h"
 
 #include <gio/gio.h>
 
-#include <functional>
 #include <string>
 
 namespace glintar::platform {
 
-/// Whether the condition comes true within some seconds.
-[[nodiscard]] bool waitFor(const std::function<bool()>& condition);
-
-/// A message bus of one test's own, which starts no service by itself. While it lives, the environment names it as the
-/// session's bus, and an empty temporary folder as home and runtime directory.
+/// A message bus with a key ring. While it lives, the environment names it as the session's bus, and its folder as home
+/// and runtime directory.
 class PrivateBus {
 public:
     PrivateBus();
@@ -23,7 +19,8 @@ public:
     void start();
     void stop();
 
-    /// GNOME Keyring, whose login key ring has a password that opens it at once or not at all.
+    /// GNOME Keyring, whose login key ring has a password that opens it at once or not at all; starts the bus where it
+    /// is not up.
     enum class Ring { Open, Locked };
     void startKeyRing(Ring ring);
     void stopKeyRing();
@@ -34,7 +31,7 @@ public:
     void writeElsewhere(const char* service, const char* account, const char* secret);
     [[nodiscard]] std::size_t itemCount(const char* service);
 
-    [[nodiscard]] const std::string& address() const { return address_; }
+    [[nodiscard]] std::string address() const { return bus_.address(); }
 
 private:
     using Variant = std::unique_ptr<GVariant, GlibRelease<g_variant_unref>>;
@@ -42,9 +39,7 @@ private:
     /// The text as the service takes secrets: in a session, not encrypted.
     GVariant* secretOf(const char* text);
 
-    test::TemporaryFolder folder_;
-    std::string address_;
-    GlibObject<GSubprocess> bus_;
+    test::MessageBus bus_;
     GlibObject<GSubprocess> ring_;
     GlibObject<GDBusConnection> connection_;  ///< another program's
 };

@@ -4,9 +4,7 @@
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
 #include <gtest/gtest.h>
-#include <signal.h>
 
-#include <fstream>
 #include <thread>
 
 namespace glintar::platform {
@@ -27,27 +25,6 @@ QString uniqueName() {
 void pump() {
     QCoreApplication::processEvents();
     std::this_thread::sleep_for(std::chrono::milliseconds{1});
-}
-
-TestBus::TestBus() {
-    std::ofstream(folder_.path() / "bus.conf") << "<busconfig><type>session</type><listen>" << address() << "</listen>"
-                                               << R"(<policy context="default"><allow send_destination="*"/>
-        <allow receive_sender="*"/><allow own="*"/></policy></busconfig>)";
-    start();
-}
-
-void TestBus::start() {
-    std::filesystem::remove(socket());
-    daemon_ = test::Child({"dbus-daemon", "--nofork", "--config-file=" + (folder_.path() / "bus.conf").string()});
-    ASSERT_TRUE(test::eventually([this] { return connect().isConnected(); }, pump));
-}
-
-void TestBus::freeze() {
-    ::kill(daemon_.id(), SIGSTOP);
-}
-
-void TestBus::thaw() {
-    ::kill(daemon_.id(), SIGCONT);
 }
 
 QDBusConnection TestBus::connect() const {

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "support/Display.h"
-#include "support/TemporaryFolder.h"
+#include "support/MessageBus.h"
 
 #include <QDBusConnection>
 #include <QDBusVariant>
@@ -19,22 +19,11 @@ namespace glintar::platform {
 /// Lets Qt do what there is to do, for a moment.
 void pump();
 
-/// A message bus of one test's own, which starts no service by itself. Always at the same address.
-class TestBus {
+/// A message bus that Qt connects to.
+class TestBus : public test::MessageBus {
 public:
-    TestBus();
-    void start();
-    void stop() { daemon_.stop(); }
-    void freeze();  ///< it hangs, until `thaw`
-    void thaw();
-
-    [[nodiscard]] std::string address() const { return "unix:path=" + socket(); }
+    TestBus() { start(); }
     [[nodiscard]] QDBusConnection connect() const;
-
-private:
-    [[nodiscard]] std::string socket() const { return folder_.path() / "bus"; }
-    test::TemporaryFolder folder_;
-    test::Child daemon_;
 };
 
 /// A program on a bus, whose name is given up with it.

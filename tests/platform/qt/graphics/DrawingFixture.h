@@ -1,8 +1,8 @@
 #pragma once
 
-#include "platform/Directories.h"
 #include "platform/qt/graphics/QtGraphics.h"
 #include "platform/qt/graphics/QtImage.h"
+#include "support/FolderBundle.h"
 #include "support/TemporaryFolder.h"
 
 #include <QColor>
@@ -19,35 +19,22 @@ namespace glintar::platform {
 inline constexpr Color kRed{1, 0, 0, 1};
 inline constexpr Color kBlack{0, 0, 0, 1};
 
-/// Shipped files in a folder of the test's own.
-class FolderBundle final : public Bundle {
-public:
-    FolderBundle() {
-        for (const char* folder : {"images/inner", "symbols"}) {
-            std::filesystem::create_directories(folder_.path() / folder);
+class DrawingTest : public testing::Test {
+protected:
+    /// Ships some pictures of its own.
+    DrawingTest() {
+        for (const char* name : {"images/inner", "symbols"}) {
+            std::filesystem::create_directories(folder.path() / name);
         }
         // The left half is black.
         const std::string half = R"(<svg xmlns="http://www.w3.org/2000/svg" width="64" height="64">)"
                                  R"(<path d="M0 0h32v64H0z"/></svg>)";
         for (const char* name : {"images/half", "images/.hidden", "images/inner/half", "secret", "symbols/half"}) {
-            std::ofstream(folder_.path() / fmt::format("{}.svg", name)) << half;
+            std::ofstream(folder.path() / fmt::format("{}.svg", name)) << half;
         }
-        std::ofstream(folder_.path() / "images/broken.svg") << half.substr(0, 40);
-        std::ofstream(folder_.path() / "images/text.svg") << "no drawing";
+        std::ofstream(folder.path() / "images/broken.svg") << half.substr(0, 40);
+        std::ofstream(folder.path() / "images/text.svg") << "no drawing";
     }
-    std::optional<std::filesystem::path> resource(std::string_view name, std::string_view extension) const override {
-        auto path = folder_.path() / fmt::format("{}.{}", name, extension);
-        return std::filesystem::exists(path) ? std::optional(path) : std::nullopt;
-    }
-    std::string version() const override { return {}; }
-    std::string configServer() const override { return {}; }
-
-private:
-    test::TemporaryFolder folder_;
-};
-
-class DrawingTest : public testing::Test {
-protected:
     QImage drawn(Size size, double scale, const std::function<void(Canvas&)>& paint) const {
         return pixelsAt(*graphics.draw(size, scale, paint), size, scale);
     }
@@ -64,7 +51,8 @@ protected:
         return found;
     }
 
-    FolderBundle bundle;
+    test::TemporaryFolder folder;
+    test::FolderBundle bundle{folder.path()};
     QtGraphics graphics{bundle};
 };
 

@@ -4,7 +4,6 @@
 
 #include <array>
 #include <bit>
-#include <charconv>
 
 namespace glintar::test {
 
@@ -12,11 +11,6 @@ using platform::Canvas;
 using platform::Color;
 using platform::Rect;
 using platform::StatusItem;
-
-std::optional<std::filesystem::path> SourceBundle::resource(std::string_view name, std::string_view extension) const {
-    const std::filesystem::path file = fmt::format("{}/{}.{}", GLINTAR_RESOURCES, name, extension);
-    return std::filesystem::exists(file) ? std::optional(file) : std::nullopt;
-}
 
 bool soon(const std::function<bool()>& condition) {
     return eventually(condition, [] {
@@ -55,7 +49,7 @@ StripFixture::StripFixture() = default;
 
 StripFixture::~StripFixture() {
     stop();
-    display().clearBackground();
+    display().paintWall({0, 0, 0});
     display().stopCompositor();
     display().stopManager();
     display().unsplit();
@@ -106,24 +100,6 @@ void StripFixture::showPills() {
 
 void StripFixture::showText(const std::string& text) {
     line->setTitle({platform::TextRun{.text = text, .font = {.size = 12}, .color = Color::white(0.4)}}, text);
-}
-
-std::optional<SeenWindow> StripFixture::seen() const {
-    const auto text = outputOf({"xwininfo", "-name", "Glintar prices", "-int"});
-    const auto number = [&](std::string_view name) {
-        int value = 0;
-        if (const auto at = text.find(name); at != std::string::npos) {
-            const auto from = text.find_first_not_of(' ', at + name.size());
-            std::from_chars(text.data() + from, text.data() + text.size(), value);
-        }
-        return value;
-    };
-    if (!text.contains("IsViewable")) {
-        return {};
-    }
-    return SeenWindow{.id = static_cast<xcb_window_t>(number("Window id:")),
-                      .frame = {double(number("Absolute upper-left X:")), double(number("Absolute upper-left Y:")),
-                                double(number("Width:")), double(number("Height:"))}};
 }
 
 bool StripFixture::standsAt(const Rect& pixels) const {

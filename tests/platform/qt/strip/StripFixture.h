@@ -1,6 +1,5 @@
 #pragma once
 
-#include "platform/Directories.h"
 #include "platform/qt/XcbReader.h"
 #include "platform/qt/graphics/QtGraphics.h"
 #include "platform/qt/strip/QtStatusBar.h"
@@ -8,20 +7,13 @@
 #include "platform/virtual/VirtualDesktop.h"
 #include "platform/virtual/VirtualStores.h"
 #include "support/Display.h"
+#include "support/FolderBundle.h"
 
 #include <QCoreApplication>
 #include <QEventLoop>
 #include <gtest/gtest.h>
 
 namespace glintar::test {
-
-/// The resources as they lie in the source tree.
-class SourceBundle final : public platform::Bundle {
-public:
-    std::optional<std::filesystem::path> resource(std::string_view name, std::string_view extension) const override;
-    std::string version() const override { return "1"; }
-    std::string configServer() const override { return {}; }
-};
 
 /// The one screen of the test program, on which main made the QApplication.
 Display& display();
@@ -47,12 +39,6 @@ DesktopSettings& settings();
 /// Lets Qt and the X server finish what has been asked of them.
 void settle();
 
-/// What a window is, as other programs see it.
-struct SeenWindow {
-    xcb_window_t id = XCB_NONE;
-    platform::Rect frame;  ///< pixels from the top left
-};
-
 /// A status bar as the program has it, with a price line of two pills and an icon.
 class StripFixture : public testing::Test {
 protected:
@@ -68,8 +54,8 @@ protected:
     void showPills();
     void showText(const std::string& text);
 
-    /// The strip's window, found by its title on the screen; none while it is not shown.
-    std::optional<SeenWindow> seen() const;
+    /// The strip's window; none while it is not shown.
+    static std::optional<SeenWindow> seen() { return Display::window("Glintar prices"); }
     bool standsAt(const platform::Rect& pixels) const;
 
     /// Whether the top right corner of the strip is soon there, in pixels from the top left.
@@ -81,7 +67,7 @@ protected:
     platform::VirtualPreferences preferences;
     platform::NotificationCenter notifications;
     platform::VirtualEvents events{notifications};
-    SourceBundle bundle;
+    FolderBundle bundle;
     platform::QtGraphics graphics{bundle};
     std::unique_ptr<platform::XcbConnection> connection = platform::XcbConnection::open();
     platform::XcbReader reader{*connection};

@@ -110,15 +110,24 @@ TEST_P(StripUnderAnyManager, KeepsItsRightEndInPlaceWhateverItShows) {
     for (const Rect& place : places.soFar()) {
         EXPECT_EQ(place.right(), 1280) << "with a width of " << place.width;
     }
+    line->setLength(StatusItem::Length::Collapsed);
+    EXPECT_TRUE(soon([&] { return standsAt({1280 - 28, 0, 28, 28}); })) << "the icon alone";
+    EXPECT_EQ(line->frame(), Rect{});
+    line->setLength(StatusItem::Length::Variable);
+    line.reset();
+    EXPECT_TRUE(soon([&] { return standsAt({1280 - 28, 0, 28, 28}); }));
 }
 
 TEST_P(StripUnderAnyManager, LeavesAScreenThatIsUnpluggedAndReturnsWithIt) {
     startManager();
-    display().split(640);
     start();
     showPills();
     bar->onScaleChanged = [&] { showPills(); };
-    ASSERT_TRUE(comesToEndAt(640, 0));
+    ASSERT_TRUE(comesToEndAt(1280, 0));
+    display().split(640);
+    ASSERT_TRUE(comesToEndAt(640, 0)) << "the primary one is the left";
+    EXPECT_EQ(line->frame().right(), 640 - 28) << "the line ends where the icon begins";
+    EXPECT_EQ(line->frame().top(), 800) << "counted from the lower end of the screen";
     display().input(
         {"mousemove", "626", "14", "mousedown", "1", "mousemove", "700", "300", "mousemove", "1266", "790"});
     ASSERT_TRUE(comesToEndAt(1280, 744)) << "the bottom right corner of the right screen";

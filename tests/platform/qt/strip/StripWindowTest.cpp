@@ -18,7 +18,6 @@ using platform::Appearance;
 using platform::Color;
 using platform::MouseButton;
 using platform::Rect;
-using platform::StatusItem;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
@@ -83,19 +82,6 @@ INSTANTIATE_TEST_SUITE_P(Managers, StripUnderManager,
                          testing::Values(Display::Manager::Openbox, Display::Manager::Xfwm4),
                          [](const auto& row) { return row.param == Display::Manager::Openbox ? "Openbox" : "Xfwm4"; });
 
-TEST_F(StripWindow, FollowsThePrimaryScreen) {
-    start();
-    showPills();
-    ASSERT_TRUE(comesToEndAt(1280, 0));
-    display().split(640);
-    EXPECT_TRUE(comesToEndAt(640, 0));
-    const Rect frame = line->frame();
-    EXPECT_EQ(frame.right(), 640 - 28) << "the line ends where the icon begins";
-    EXPECT_EQ(frame.top(), 800) << "counted from the lower end of the screen";
-    display().unsplit();
-    EXPECT_TRUE(comesToEndAt(1280, 0));
-}
-
 TEST_F(StripWindow, KeepsItsIconOnTheScreenWhateverTheLength) {
     start();
     line->setTitle({platform::PictureRun{pill(9000, platform::Color::white(0.5)), {}, "an absurd price"}}, "");
@@ -134,7 +120,7 @@ TEST_F(StripWindow, StaysWhereTheUserDragsIt) {
 }
 
 TEST_F(StripWindow, IsTranslucentWhereThereIsACompositorAndOpaqueElsewhere) {
-    display().paintBackground({0, 0xc0, 0});
+    display().paintWall({0, 0xc0, 0});
     start();
     showPills();
     ASSERT_TRUE(comesToEndAt(1280, 0));
@@ -203,19 +189,6 @@ TEST_F(StripWindow, PaintsOnlyWhatHasChanged) {
     showPills();
     settle();
     EXPECT_GT(paints.count, 1);
-}
-
-TEST_F(StripWindow, ShowsTheIconAloneWhenThereIsNoLine) {
-    start();
-    showPills();
-    ASSERT_TRUE(soon([&] { return seen() && seen()->frame.width > 200; }));
-    line->setLength(StatusItem::Length::Collapsed);
-    EXPECT_TRUE(soon([&] { return standsAt({1280 - 28, 0, 28, 28}); }));
-    EXPECT_EQ(line->frame(), Rect{});
-    line->setLength(StatusItem::Length::Variable);
-    EXPECT_TRUE(soon([&] { return seen()->frame.width > 200; }));
-    line.reset();
-    EXPECT_TRUE(soon([&] { return standsAt({1280 - 28, 0, 28, 28}); }));
 }
 
 TEST_F(StripWindow, OpensAMenuThatWorksByMouse) {

@@ -49,8 +49,8 @@ TEST_P(Overlay, LiesAboveEverythingAndIsInNobodysWay) {
 
     panel->setFrameOrigin({-20, 785});
     EXPECT_TRUE(comesToShow(2, 2, kRed));
-    EXPECT_EQ(panelPlace().x, -24);
-    EXPECT_EQ(panelPlace().y, -9);
+    EXPECT_EQ(seenPanel().frame.x, -24);
+    EXPECT_EQ(seenPanel().frame.y, -9);
     panel->orderOut();
     EXPECT_TRUE(comesToShow(2, 2, kWhite));
 }
@@ -104,8 +104,8 @@ TEST_F(WindowsDesktop, ThePanelTakesTheScaleOfTheScreenItIsOn) {
     panel->setFrameOrigin({690, 750});
     EXPECT_EQ(panel->scale(), 2);
     EXPECT_TRUE(comesToShow(818, 62, kRed));
-    EXPECT_EQ(panelPlace().x, 740 - 8);
-    EXPECT_EQ(panelPlace().width, 96);
+    EXPECT_EQ(seenPanel().frame.x, 740 - 8);
+    EXPECT_EQ(seenPanel().frame.width, 96);
     EXPECT_EQ(told, 1);
 
     display.input({"mousemove", "740", "100"});
@@ -122,7 +122,7 @@ TEST_F(WindowsDesktop, ThePanelTakesTheScaleOfTheScreenItIsOn) {
 
     display.unsplit();
     EXPECT_TRUE(test::eventually([&] { return panel->scale() == 1 && told == 2; }, [] { runLoop(); }));
-    EXPECT_EQ(panelPlace().width, 48);
+    EXPECT_EQ(seenPanel().frame.width, 48);
     EXPECT_EQ(pointer.position(), (Point{740, 700}));
 }
 
@@ -157,7 +157,7 @@ TEST_F(WindowsDesktop, ThePanelLeavesALockedScreenLockedAndQuarrelsWithNobody) {
     }
     int raised = 0;
     const auto rival = XcbConnection::open();
-    const auto window = panelWindow();
+    const auto window = seenPanel().id;
     rival->selectRootEvents(XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY);
     const xcb_window_t other = xcb_generate_id(rival->get());
     xcb_create_window(rival->get(), XCB_COPY_FROM_PARENT, other, rival->root(), 0, 0, 10, 10, 0,

@@ -14,21 +14,6 @@ std::array<std::uint32_t, 18> placedByUser(const xcb_rectangle_t& place) {
     return {3, static_cast<std::uint32_t>(place.x), static_cast<std::uint32_t>(place.y), place.width, place.height};
 }
 
-std::vector<xcb_window_t> children(const XcbConnection& connection) {
-    const XcbOwned<xcb_query_tree_reply_t> tree(
-        xcb_query_tree_reply(connection.get(), xcb_query_tree(connection.get(), connection.root()), nullptr));
-    const auto* const first = xcb_query_tree_children(tree.get());
-    return {first, first + xcb_query_tree_children_length(tree.get())};
-}
-
-std::string nameOf(const XcbConnection& connection, xcb_window_t window) {
-    const auto asked = xcb_get_property(connection.get(), 0, window, XCB_ATOM_WM_NAME, XCB_ATOM_STRING, 0, 100);
-    const XcbOwned<xcb_get_property_reply_t> name(xcb_get_property_reply(connection.get(), asked, nullptr));
-    return name ? std::string(static_cast<const char*>(xcb_get_property_value(name.get())),
-                              static_cast<std::size_t>(xcb_get_property_value_length(name.get())))
-                : std::string();
-}
-
 }  // namespace
 
 std::vector<xcb_window_t> listedPrograms(XcbConnection& connection) {
@@ -114,7 +99,7 @@ void OtherWindow::lower() const {
 }
 
 WindowsDesktop::WindowsDesktop() {
-    paintWall();
+    display.paintWall(kWhite);
     display.input({"mousemove", "10", "790"});
 }
 
@@ -122,22 +107,6 @@ WindowsDesktop::~WindowsDesktop() {
     display.stopCompositor();
     display.stopManager();
     runLoop();
-}
-
-/// White, also for compositors, which take the wallpaper by this name.
-void WindowsDesktop::paintWall() {
-    xcb_connection_t* const xcb = connection->get();
-    const xcb_pixmap_t wall = xcb_generate_id(xcb);
-    xcb_create_pixmap(xcb, connection->screen().root_depth, wall, connection->root(), 1, 1);
-    const xcb_gcontext_t white = xcb_generate_id(xcb);
-    xcb_create_gc(xcb, white, wall, XCB_GC_FOREGROUND, &connection->screen().white_pixel);
-    const xcb_rectangle_t all{0, 0, 1, 1};
-    xcb_poly_fill_rectangle(xcb, wall, white, 1, &all);
-    xcb_change_property(xcb, XCB_PROP_MODE_REPLACE, connection->root(), connection->atom("_XROOTPMAP_ID"),
-                        XCB_ATOM_PIXMAP, 32, 1, &wall);
-    xcb_change_window_attributes(xcb, connection->root(), XCB_CW_BACK_PIXMAP, &wall);
-    xcb_clear_area(xcb, 0, connection->root(), 0, 0, 0, 0);
-    connection->flush();
 }
 
 ImagePtr WindowsDesktop::picture() {
@@ -163,21 +132,6 @@ bool WindowsDesktop::comesToShow(int x, int y, const Pixel& color) {
     const bool shows = test::eventually([&] { return display.pixel(x, y) == color; }, [] { runLoop(); });
     EXPECT_EQ(display.pixel(x, y), color) << "at " << x << ", " << y;
     return shows;
-}
-
-xcb_window_t WindowsDesktop::panelWindow() {
-    for (const xcb_window_t window : children(*connection)) {
-        if (nameOf(*connection, window) == "Panel") {
-            return window;
-        }
-    }
-    return XCB_NONE;
-}
-
-xcb_rectangle_t WindowsDesktop::panelPlace() {
-    const XcbOwned<xcb_get_geometry_reply_t> place(
-        xcb_get_geometry_reply(connection->get(), xcb_get_geometry(connection->get(), panelWindow()), nullptr));
-    return place ? xcb_rectangle_t{place->x, place->y, place->width, place->height} : xcb_rectangle_t{};
 }
 
 xcb_window_t WindowsDesktop::focus() {

@@ -56,8 +56,6 @@ protected:
     WindowsDesktop();
     ~WindowsDesktop() override;
 
-    void paintWall();
-
     /// 40 by 20 points: red, the lower half of it blue and 60 % opaque, in a margin of 4 that is black at 20 %.
     static ImagePtr picture();
     static constexpr double kMargin = 4;
@@ -68,8 +66,7 @@ protected:
     /// In the end, if not at once.
     [[nodiscard]] bool comesToShow(int x, int y, const Pixel& color);
 
-    [[nodiscard]] xcb_window_t panelWindow();
-    [[nodiscard]] xcb_rectangle_t panelPlace();
+    [[nodiscard]] static test::SeenWindow seenPanel() { return test::Display::window("Panel").value(); }
     [[nodiscard]] xcb_window_t focus();
 
     test::Display& display = *screen;

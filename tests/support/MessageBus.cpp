@@ -1,0 +1,29 @@
+#include "support/MessageBus.h"
+
+#include <signal.h>
+
+#include <fstream>
+
+namespace glintar::test {
+
+MessageBus::MessageBus() {
+    std::ofstream(folder() / "bus.conf") << "<busconfig><type>session</type><listen>" << address() << "</listen>"
+                                         << R"(<policy context="default"><allow send_destination="*"/>
+        <allow receive_sender="*"/><allow own="*"/></policy></busconfig>)";
+}
+
+void MessageBus::start() {
+    std::filesystem::remove(socket());
+    const auto configuration = "--config-file=" + (folder() / "bus.conf").string();
+    daemon_ = startTelling({"dbus-daemon", "--nofork", "--print-address=3", configuration}).first;
+}
+
+void MessageBus::freeze() const {
+    ::kill(daemon_.id(), SIGSTOP);
+}
+
+void MessageBus::thaw() const {
+    ::kill(daemon_.id(), SIGCONT);
+}
+
+}  // namespace glintar::test

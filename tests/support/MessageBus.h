@@ -1,0 +1,28 @@
+#pragma once
+
+#include "support/Child.h"
+#include "support/TemporaryFolder.h"
+
+#include <string>
+
+namespace glintar::test {
+
+/// A message bus of one test's own, which starts no service by itself. Always at the same address.
+class MessageBus {
+public:
+    MessageBus();
+    void start();  ///< comes back when it takes connections
+    void stop() { daemon_.stop(); }
+    void freeze() const;  ///< it hangs, until `thaw`
+    void thaw() const;
+
+    [[nodiscard]] std::string address() const { return "unix:path=" + socket(); }
+    [[nodiscard]] const std::filesystem::path& folder() const { return folder_.path(); }
+
+private:
+    [[nodiscard]] std::string socket() const { return folder_.path() / "socket"; }
+    TemporaryFolder folder_;
+    Child daemon_;
+};
+
+}  // namespace glintar::test
