@@ -72,15 +72,20 @@ Color trendColor(const CoinPart& part, const Look& look) {
 }
 
 Row highLowRow(const Graphics& graphics, const HighLowText& range, const Look& look, bool isCompact) {
-    const auto font = [&](double size, Weight weight) {
-        return isCompact ? Font{.size = size, .weight = weight, .digits = Font::Digits::AsDesigned}
-                         : Font{.size = 12, .weight = Weight::Medium};
+    struct Fonts {
+        Font high, slash, low;
     };
+    constexpr Font kNormal{.size = 12, .weight = Weight::Medium};
+    constexpr auto kDesigned = Font::Digits::AsDesigned;
+    const Fonts fonts =
+        isCompact
+            ? Fonts{{10, Weight::Semibold, kDesigned}, {8, Weight::Regular, kDesigned}, {9, Weight::Regular, kDesigned}}
+            : Fonts{kNormal, kNormal, kNormal};
     const Color text = colorNamed("text", look.appearance);
     return {graphics,
-            {{range.high, font(10, Weight::Semibold), text},
-             {"/", font(8, Weight::Regular), colorNamed("subtext", look.appearance)},
-             {range.low, font(9, Weight::Regular), text}}};
+            {{range.high, fonts.high, text},
+             {"/", fonts.slash, colorNamed("subtext", look.appearance)},
+             {range.low, fonts.low, text}}};
 }
 
 /// The price, above the reference price if there is one. The width they take.

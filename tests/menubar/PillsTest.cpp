@@ -100,11 +100,11 @@ INSTANTIATE_TEST_SUITE_P(
     testing::Values(
         CoinLayout{"Price", coinPart(), 104, {kPrice}},
         CoinLayout{"NoPrice", coinPart({[](CoinPart& part) { part.price = ""; }}), 40, {" at 30,1.6 in 14= bold"}},
-        CoinLayout{"Badge", coinPart(), 114, {"BTC at 11,7 in 10 bold", "64012.55 at 40,1.6 in 14= bold"}, false},
+        CoinLayout{"Badge", coinPart(), 114, {"BTC at 11,7 in 10= bold", "64012.55 at 40,1.6 in 14= bold"}, false},
         CoinLayout{"NarrowBadge",
                    coinPart({[](CoinPart& part) { part.coin.displayName = "x"; }}),
                    104,
-                   {"X at 12,7 in 10 bold", kPrice},
+                   {"X at 12,7 in 10= bold", kPrice},
                    false},
         CoinLayout{"Reference", coinPart({addReference}), 94, {kSmallPrice, "60000.00 at 30,-2 in 11= regular"}},
         CoinLayout{"WideReference",

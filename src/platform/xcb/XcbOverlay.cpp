@@ -13,9 +13,6 @@ namespace glintar::platform {
 
 namespace {
 
-/// Two windows that both want to be on top must not keep the machine busy.
-constexpr auto kBetweenRaises = std::chrono::milliseconds(100);
-
 /// As far as the X server counts.
 std::int32_t coordinate(int value) {
     return std::clamp(value, -32768, 32767);
@@ -23,13 +20,10 @@ std::int32_t coordinate(int value) {
 
 }  // namespace
 
-XcbOverlay::XcbOverlay(XcbConnection& connection, RunLoop& loop, std::string_view title)
-    : connection_(connection), loop_(loop) {
+XcbOverlay::XcbOverlay(XcbConnection& connection, RunLoop& loop, std::string_view title) : connection_(connection) {
     chooseVisual();
     makeWindow(title);
-    locks_.emplace(*xcb_get_setup(connection.get()), connection.screen(), window_);
-    events_ = connection.onEvent([this](const xcb_generic_event_t& event) { see(event); });
-    connection.selectRootEvents(XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY);
+    stacking_.emplace(connection, loop, window_);
 }
 
 XcbOverlay::~XcbOverlay() {
@@ -174,85 +168,17 @@ void XcbOverlay::setOpacity(double opacity) {
 }
 
 void XcbOverlay::show() {
-    raise();
+    stacking_->keepOnTop();
     xcb_map_window(connection_.get(), window_);
     connection_.flush();
     isShown_ = true;
 }
 
 void XcbOverlay::hide() {
-    raiseLater_.reset();
+    stacking_->leaveAlone();
     xcb_unmap_window(connection_.get(), window_);
     connection_.flush();
     isShown_ = false;
-}
-
-/// A window comes to lie above others when it is made, when it is put there and when it leaves its parent. Lock screens
-/// may lie above this one.
-void XcbOverlay::see(const xcb_generic_event_t& event) {
-    const bool wasLocked = locks_->lowest().has_value();
-    locks_->see(event);
-    switch (event.response_type) {
-        case XCB_CREATE_NOTIFY:
-            stayAbove(reinterpret_cast<const xcb_create_notify_event_t&>(event).window);
-            break;
-        case XCB_CONFIGURE_NOTIFY: {
-            const auto& configured = reinterpret_cast<const xcb_configure_notify_event_t&>(event);
-            if (configured.above_sibling == window_) {
-                stayAbove(configured.window);
-            }
-            break;
-        }
-        case XCB_REPARENT_NOTIFY: {
-            const auto& reparented = reinterpret_cast<const xcb_reparent_notify_event_t&>(event);
-            if (reparented.parent == connection_.root()) {
-                stayAbove(reparented.window);
-            }
-            break;
-        }
-        case XCB_CIRCULATE_NOTIFY:
-            stayAbove(reinterpret_cast<const xcb_circulate_notify_event_t&>(event).window);
-            break;
-        case XCB_MAP_NOTIFY:
-            if (locks_->isLock(reinterpret_cast<const xcb_map_notify_event_t&>(event).window)) {
-                raise();  // as high as it may be now, which is lower than before if the lock had been made before
-                connection_.flush();
-            }
-            break;
-        default:
-            break;
-    }
-    if (wasLocked && !locks_->lowest()) {
-        stayAbove(XCB_NONE);
-    }
-}
-
-void XcbOverlay::stayAbove(xcb_window_t other) {
-    if (!isShown_ || other == window_ || locks_->isLock(other) || raiseLater_) {
-        return;
-    }
-    const auto wait = raised_ ? *raised_ + kBetweenRaises - loop_.now() : Duration::zero();
-    if (wait <= Duration::zero()) {
-        raise();
-        connection_.flush();
-    } else {
-        raiseLater_ = loop_.after(wait, [this] {
-            raiseLater_.reset();
-            raise();
-            connection_.flush();
-        });
-    }
-}
-
-/// Above all but what locks the screen.
-void XcbOverlay::raise() {
-    const auto lock = locks_->lowest();
-    const std::array<std::uint32_t, 2> belowLock{lock.value_or(XCB_NONE), XCB_STACK_MODE_BELOW};
-    const std::uint32_t above = XCB_STACK_MODE_ABOVE;
-    xcb_configure_window(connection_.get(), window_,
-                         lock ? XCB_CONFIG_WINDOW_SIBLING | XCB_CONFIG_WINDOW_STACK_MODE : XCB_CONFIG_WINDOW_STACK_MODE,
-                         lock ? belowLock.data() : &above);
-    raised_ = loop_.now();
 }
 
 }  // namespace glintar::platform

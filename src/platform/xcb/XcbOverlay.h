@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/RunLoop.h"
-#include "platform/xcb/LockWindows.h"
+#include "platform/xcb/OverlayStacking.h"
 #include "platform/xcb/Pixels.h"
 #include "platform/xcb/XcbConnection.h"
 
@@ -51,7 +51,7 @@ public:
     void setOpacity(double opacity);
 
     /// The frames of the single screens. Below a window that locks one of them, or all, it stays.
-    void setScreens(std::vector<xcb_rectangle_t> screens) { locks_->setScreens(std::move(screens)); }
+    void setScreens(std::vector<xcb_rectangle_t> screens) { stacking_->setScreens(std::move(screens)); }
 
     /// Shown on top of all others but locks, and again if it was shown already.
     void show();
@@ -64,12 +64,8 @@ private:
     void describe(std::string_view title);
     void shape(const Pixels& pixels, Edges edges);
     void put(const Pixels& pixels, PixelPoint topLeft);
-    void see(const xcb_generic_event_t& event);
-    void stayAbove(xcb_window_t other);
-    void raise();
 
     XcbConnection& connection_;
-    RunLoop& loop_;
     std::uint8_t depth_ = 0;
     xcb_visualid_t visual_ = 0;
     xcb_colormap_t colormap_ = XCB_NONE;
@@ -78,10 +74,7 @@ private:
     bool isShown_ = false;
     bool isShaped_ = false;
     std::vector<xcb_rectangle_t> shape_;
-    std::optional<LockWindows> locks_;  // from the start on
-    std::optional<Instant> raised_;
-    TimerHandle raiseLater_;
-    Listening events_;
+    std::optional<OverlayStacking> stacking_;  // from the start on
 };
 
 }  // namespace glintar::platform

@@ -9,8 +9,8 @@ namespace glintar::platform {
 /// What lies behind the pictures of the strip.
 struct StripLook {
     static constexpr int kHeight = 28;  ///< points; the pictures are 24 high
-    static constexpr double kBase =
-        10.5;  ///< from the bottom to the base line: what is drawn of a pill is then centred
+    /// From the bottom to the base line: what is drawn of a pill is then centred.
+    static constexpr double kBase = 10.5;
 
     bool isTranslucent = false;
     Appearance appearance = Appearance::Light;

@@ -15,7 +15,8 @@
 namespace glintar::platform {
 
 StripWindow::StripWindow(const Surroundings& surroundings, StripLook look, bool isManaged)
-    : QWidget(nullptr, Qt::Tool | Qt::FramelessWindowHint | Qt::WindowDoesNotAcceptFocus | Qt::NoDropShadowWindowHint | (isManaged ? Qt::WindowFlags() : Qt::BypassWindowManagerHint)),
+    : QWidget(nullptr, Qt::Tool | Qt::FramelessWindowHint | Qt::WindowDoesNotAcceptFocus | Qt::NoDropShadowWindowHint |
+                           (isManaged ? Qt::WindowFlags() : Qt::BypassWindowManagerHint)),
       around_(surroundings),
       look_(look),
       chosen_(loadPlace(surroundings.preferences)) {

@@ -19,8 +19,9 @@ class QtScreens;
 class StripItem;
 
 /// The window of the strip: it never has the focus, stays on all desktops and above other windows, but for those that
-/// fill the screen, and is in no list of windows. It hangs at an edge of a screen (the primary one's top right corner, unless the user has dragged it away)
-/// and follows when that screen changes. It is on screen while any of its items is.
+/// fill the screen, and is in no list of windows. It hangs at an edge of a screen (the primary one's top right corner,
+/// unless the user has dragged it away) and follows when that screen changes. It is on screen while one of its items
+/// is.
 class StripWindow final : public QWidget {
 public:
     /// What it needs, all of which outlives it.
