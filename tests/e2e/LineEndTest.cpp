@@ -33,8 +33,15 @@ bool catches(const Program& program, int signal) {
 
 class LineEndTest : public ProgramTest {
 protected:
-    static bool becomesEmpty(const TemporaryFolder& folder) {
-        return eventually([&] { return std::filesystem::is_empty(folder.path()); });
+    /// A sanitizer's own file may lie beside it: ThreadSanitizer makes one when a program starts and removes it at
+    /// once, unless a signal comes between.
+    static bool hasDemonstration(const TemporaryFolder& folder) {
+        return std::ranges::any_of(std::filesystem::directory_iterator(folder.path()), [](const auto& entry) {
+            return entry.path().filename().string().starts_with("glintar-demo-");
+        });
+    }
+    static bool isLeftByDemonstration(const TemporaryFolder& folder) {
+        return eventually([&] { return !hasDemonstration(folder); });
     }
 };
 
@@ -111,10 +118,10 @@ TEST_F(LineEndTest, TheDemonstrationIsMarkedAndLeavesNothingBehind) {
     for (const int signal : {SIGTERM, SIGKILL}) {
         auto program = start({"line", "--demo"}, {{"TMPDIR", temporary.path()}});
         ASSERT_TRUE(program.waitForOutput("[simulated] BTC ")) << program.errors();
-        EXPECT_FALSE(std::filesystem::is_empty(temporary.path()));
+        EXPECT_TRUE(hasDemonstration(temporary));
         program.signal(signal);
         EXPECT_EQ(program.wait(), signal == SIGTERM ? std::optional(0) : std::nullopt);
-        EXPECT_TRUE(becomesEmpty(temporary)) << "the market notices by itself";
+        EXPECT_TRUE(isLeftByDemonstration(temporary)) << "the market notices by itself";
     }
     // However early it ends.
     for (int i = 0; i < 20; ++i) {
@@ -123,7 +130,7 @@ TEST_F(LineEndTest, TheDemonstrationIsMarkedAndLeavesNothingBehind) {
         program.signal(i % 2 == 0 ? SIGTERM : SIGINT);
         static_cast<void>(program.wait());
     }
-    EXPECT_TRUE(becomesEmpty(temporary));
+    EXPECT_TRUE(isLeftByDemonstration(temporary));
 }
 
 }  // namespace
