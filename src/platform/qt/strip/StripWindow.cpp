@@ -117,17 +117,15 @@ void StripWindow::putInPlace() {
 }
 
 /// By one request to the X server for place and size together. By one for each, the end that is to stay where it is
-/// would be seen elsewhere in between. Window managers are told that the size is fixed, before and after.
+/// would be seen elsewhere in between. No size is fixed: window managers that learn of another fixed size before the
+/// request resize the window where it is.
 void StripWindow::fillPlace() {
     // After a change of scale the window has kept its pixels and the widget its points.
     const bool isWindowOfAnotherSize = windowHandle()->size() != size();
-    setMinimumSize(size().boundedTo(place_.size()));
-    setMaximumSize(size().expandedTo(place_.size()));
     setGeometry(place_);
     if (isWindowOfAnotherSize) {
         windowHandle()->setGeometry(place_);
     }
-    setFixedSize(place_.size());
 }
 
 void StripWindow::checkScale() {
