@@ -6,6 +6,9 @@
 
 #include <QMouseEvent>
 
+#include <algorithm>
+#include <utility>
+
 namespace glintar::platform {
 
 namespace {
@@ -127,12 +130,30 @@ void StripItem::arrange() {
     const bool isSquare = length_ == StatusItem::Length::Square;
     image_->setGeometry(isSquare ? (StripLook::kHeight - image) / 2 : kMargin, 0, image, StripLook::kHeight);
     image_->setVisible(image > 0);
-    const int start = kMargin + (image > 0 ? image + kMargin : 0);
+    placePictures();
+    onWidthChanged();
+}
+
+void StripItem::placePictures() {
+    const int image = image_->neededWidth();
+    const int start = kMargin + (image > 0 ? image + kMargin : 0) - leftOut_;
     for (const auto& [widget, x] : pictures_) {
         widget->setGeometry(start + x, 0, widget->neededWidth(), StripLook::kHeight);
-        widget->setVisible(widget->picture() != nullptr);
+        widget->setVisible(widget->picture() != nullptr && x >= leftOut_);
     }
-    onWidthChanged();
+}
+
+int StripItem::fitInto(int most) {
+    const int whole = neededWidth();
+    int leftOut = 0;
+    for (std::size_t at = 0; whole - leftOut > std::max(most, 0) && leftOut < titleWidth_; ++at) {
+        const bool isThere = at < pictures_.size() && pictures_[at].widget->picture();
+        leftOut = isThere ? pictures_[at].x : titleWidth_;
+    }
+    if (std::exchange(leftOut_, leftOut) != leftOut) {
+        placePictures();
+    }
+    return whole - leftOut;
 }
 
 }  // namespace glintar::platform

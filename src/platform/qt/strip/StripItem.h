@@ -24,8 +24,11 @@ public:
     /// Draws the texts again, for another scale or appearance.
     void redraw();
 
-    /// How wide the item is now; 0 when it is not shown.
+    /// How wide all of it is; 0 when it is not shown.
     [[nodiscard]] int neededWidth() const;
+
+    /// Leaves out as many pictures at the left end of the title as do not fit into so many points. How wide it is then.
+    int fitInto(int most);
 
     std::function<void()> onWidthChanged;
     std::function<void(MouseButton)> onMouseUp;
@@ -49,6 +52,7 @@ private:
 
     void compose();
     void arrange();
+    void placePictures();
 
     const Graphics& graphics_;
     const StripLook& look_;
@@ -59,6 +63,7 @@ private:
     StripPicture* image_;
     std::vector<Placed> pictures_;  ///< of the title, from the left; those without a picture are spare ones
     int titleWidth_ = 0;
+    int leftOut_ = 0;  ///< of the title's width
 };
 
 }  // namespace glintar::platform

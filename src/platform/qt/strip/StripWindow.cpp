@@ -75,12 +75,8 @@ Rect StripWindow::freeAreaOf(const ScreenMap::Screen& screen) const {
 }
 
 void StripWindow::arrange() {
-    int width = 0;
-    for (const StripItem* const item : items_) {
-        width += item->neededWidth();
-    }
-    contentWidth_ = width;
-    if (width == 0) {
+    isEmpty_ = std::ranges::none_of(items_, [](const StripItem* item) { return item->neededWidth() > 0; });
+    if (isEmpty_) {
         hide();
         return;
     }
@@ -92,13 +88,23 @@ void StripWindow::arrange() {
     }
 }
 
+/// What is wider than the screen loses pictures at its left: the icon, which opens the menu, stays to be seen.
+int StripWindow::fitItems(int most) {
+    int width = 0;
+    for (StripItem* const item : items_) {
+        const int itsWidth = item->fitInto(most - width);
+        width += itsWidth;
+        item->resize(itsWidth, StripLook::kHeight);
+        item->setVisible(itsWidth > 0);
+    }
+    return width;
+}
+
 void StripWindow::layOutItems() {
     int right = place_.width();
     for (StripItem* const item : items_) {
-        const int needed = item->neededWidth();
-        right -= needed;
-        item->setGeometry(right, 0, needed, StripLook::kHeight);
-        item->setVisible(needed > 0);
+        right -= item->isVisibleTo(this) ? item->width() : 0;
+        item->move(right, 0);
     }
 }
 
@@ -106,11 +112,11 @@ void StripWindow::putInPlace() {
     const StripPlace place = chosen_.value_or(StripPlace{});
     const ScreenMap& map = around_.screens.map();
     const Rect area = freeAreaOf(map.screenNamed(place.screen));
-    if (area.width <= 0 || contentWidth_ <= 0) {
+    if (area.width <= 0 || isEmpty_) {
         return;
     }
-    // What is wider than the screen is cut off at its left: the icon, which opens the menu, stays to be seen.
-    const Size size{std::min(double(contentWidth_), area.width), double(StripLook::kHeight)};
+    const int width = fitItems(static_cast<int>(area.width));
+    const Size size{std::min(double(width), area.width), double(StripLook::kHeight)};
     place_ = map.toQt(stripFrame(place, size, area));
     fillPlace();
     layOutItems();

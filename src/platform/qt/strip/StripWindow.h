@@ -52,6 +52,7 @@ protected:
 
 private:
     void arrange();
+    int fitItems(int most);
     void layOutItems();
     void putInPlace();
     void fillPlace();
@@ -65,7 +66,7 @@ private:
     std::vector<StripItem*> items_;  ///< from the right
     std::optional<StripPlace> chosen_;
     QRect place_;
-    int contentWidth_ = 0;  ///< of all items; more than the strip's where the screen is too narrow
+    bool isEmpty_ = true;
     double scale_ = 1;
 
     struct Drag {

@@ -82,12 +82,29 @@ INSTANTIATE_TEST_SUITE_P(Managers, StripUnderManager,
                          testing::Values(Display::Manager::Openbox, Display::Manager::Xfwm4),
                          [](const auto& row) { return row.param == Display::Manager::Openbox ? "Openbox" : "Xfwm4"; });
 
-TEST_F(StripWindow, KeepsItsIconOnTheScreenWhateverTheLength) {
+TEST_F(StripWindow, LeavesOutWholePillsAtTheLeftWhereTheScreenIsTooNarrow) {
     start();
-    line->setTitle({platform::PictureRun{pill(9000, platform::Color::white(0.5)), {}, "an absurd price"}}, "");
-    settle();
-    EXPECT_EQ(bar->frame().width, 1280);
-    EXPECT_EQ(icon->frame().right(), bar->frame().right());
+    showPills();
+    ASSERT_TRUE(comesToEndAt(1280, 0));
+    const double whole = bar->frame().width;
+    const auto shows = [&](const std::set<Pixel>& expected) {
+        return soon([&] {
+            const Rect frame = seen().value().frame;
+            const auto pixels = display().pixels(int(frame.x), 0, int(frame.width), 28);
+            std::set<Pixel> colors(pixels.begin(), pixels.end());
+            std::erase_if(colors,
+                          [](const Pixel& pixel) { return pixel == kBlack || pixel == Pixel{0xf2, 0xf2, 0xf2}; });
+            return colors == expected;
+        });
+    };
+    EXPECT_TRUE(shows({kRed, kBlue, kOrange}));
+    display().split(int(whole) - 1);
+    ASSERT_TRUE(comesToEndAt(whole - 1, 0));
+    EXPECT_TRUE(soon([&] { return bar->frame().width < whole - 100; }));
+    EXPECT_TRUE(shows({kBlue, kOrange}));
+    EXPECT_EQ(icon->frame().right(), whole - 1) << "the menu stays in reach";
+    display().unsplit();
+    EXPECT_TRUE(shows({kRed, kBlue, kOrange}));
 }
 
 TEST_F(StripWindow, StaysWhereTheUserDragsIt) {
