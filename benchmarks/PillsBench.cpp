@@ -24,8 +24,8 @@ constexpr int kDrawings = 20;  // a round
 constexpr std::array<const char*, 5> kNames{"BTC", "ETH", "SOL", "XRP", "DOGE"};
 constexpr std::array<const char*, 5> kPrices{"64012.55", "3401.20", "151.25", "0.5123", "0.1234"};
 
-menubar::CoinPart coinPart(std::size_t i) {
-    menubar::CoinPart part;
+presenter::CoinPart coinPart(std::size_t i) {
+    presenter::CoinPart part;
     part.coin = {.id = "", .displayName = kNames.at(i), .apiId = kNames.at(i), .referencePrice = {}};
     part.quote.change24h = 1.2;
     part.quote.sparkline.emplace();
@@ -58,7 +58,7 @@ std::string pngOf(const QImage& image) {
 /// The strokes of one pill by Qt's painter alone, at places found out beforehand.
 class BarePill {
 public:
-    BarePill(const menubar::CoinPart& part, const QImage& icon, int ratio)
+    BarePill(const presenter::CoinPart& part, const QImage& icon, int ratio)
         : icon_(icon), price_(part.price.c_str()), change_(part.change->c_str()), ratio_(ratio) {
         for (auto [font, pixels] : {std::pair(&priceFont_, 14), std::pair(&changeFont_, 13)}) {
             font->setPixelSize(pixels);
@@ -127,7 +127,7 @@ void benchPills() {
     }
     for (const int ratio : {1, 2}) {
         for (const std::size_t pills : {std::size_t{1}, kNames.size()}) {
-            std::vector<menubar::CoinPart> parts;
+            std::vector<presenter::CoinPart> parts;
             std::vector<BarePill> bare;
             for (std::size_t i = 0; i < pills; ++i) {
                 parts.push_back(coinPart(i));

@@ -27,7 +27,7 @@ void AppDelegate::applicationDidFinishLaunching() {
     surface_.emplace(platform_, desktop_,
                      DesktopSurface::Requests{.redisplay = [this] { redisplay(); }, .quit = [this] { quitApp(); }},
                      options_.mark);
-    statusBarController_.emplace(platform_, *surface_, menubar::StatusBarController::Options{});
+    statusBarController_.emplace(platform_, *surface_, presenter::StatusBarController::Options{});
     statusBarController_->show();
     // The first look for an API key loads the key ring's code and waits for it: "Loading..." is painted before that.
     start_ = platform_.runLoop.after(kTimeToPaint, [this] {

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "app/DesktopSurface.h"
-#include "menubar/SettingsWatch.h"
-#include "menubar/StatusBarController.h"
 #include "platform/RunLoop.h"
+#include "presenter/SettingsWatch.h"
+#include "presenter/StatusBarController.h"
 
 #include <functional>
 #include <optional>
@@ -43,9 +43,9 @@ private:
     platform::Platform& platform_;
     platform::Desktop& desktop_;
     Options options_;
-    menubar::SettingsWatch settingsWatch_;
+    presenter::SettingsWatch settingsWatch_;
     std::optional<DesktopSurface> surface_;
-    std::optional<menubar::StatusBarController> statusBarController_;
+    std::optional<presenter::StatusBarController> statusBarController_;
     platform::TimerHandle start_;
 };
 

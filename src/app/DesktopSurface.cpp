@@ -2,8 +2,8 @@
 
 namespace glintar::app {
 
-void DesktopSurface::show(menubar::DisplayMode mode) {
-    if (mode == menubar::DisplayMode::Panel) {
+void DesktopSurface::show(presenter::DisplayMode mode) {
+    if (mode == presenter::DisplayMode::Panel) {
         floatingController_.showPanel();
         items_.hide();
     } else {
@@ -12,14 +12,14 @@ void DesktopSurface::show(menubar::DisplayMode mode) {
     }
 }
 
-void DesktopSurface::showLine(const menubar::StatusLine& line, std::optional<std::string> tooltip) {
+void DesktopSurface::showLine(const presenter::StatusLine& line, std::optional<std::string> tooltip) {
     if (tooltip) {
         tooltip->insert(0, mark_);
     }
     items_.renderStatusItem(line, std::move(tooltip));
 }
 
-void DesktopSurface::updatePanel(menubar::PanelData data) {
+void DesktopSurface::updatePanel(presenter::PanelData data) {
     floatingController_.updateData(std::move(data.coins), std::move(data.quotes), data.gasPrice, data.nextFetchTime);
 }
 

@@ -2,7 +2,7 @@
 
 #include "floating/FloatingPriceController.h"
 #include "menubar/StatusItems.h"
-#include "menubar/StatusSurface.h"
+#include "presenter/StatusSurface.h"
 
 #include <functional>
 #include <optional>
@@ -12,7 +12,7 @@
 namespace glintar::app {
 
 /// What the presenter shows on a desktop: the pills in the status bar, or the panel that follows the pointer.
-class DesktopSurface final : public menubar::StatusSurface {
+class DesktopSurface final : public presenter::StatusSurface {
 public:
     using Requests = menubar::StatusItems::Callbacks;
 
@@ -22,12 +22,12 @@ public:
           floatingController_(platform, desktop),
           mark_(std::move(mark)) {}
 
-    void show(menubar::DisplayMode mode) override;
-    void showLine(const menubar::StatusLine& line, std::optional<std::string> tooltip) override;
-    void updatePanel(menubar::PanelData data) override;
+    void show(presenter::DisplayMode mode) override;
+    void showLine(const presenter::StatusLine& line, std::optional<std::string> tooltip) override;
+    void updatePanel(presenter::PanelData data) override;
     void refreshCompleted() override {}
     bool showsProgress() const override { return items_.showsProgress(); }
-    platform::Seconds showProgress(const menubar::RefreshProgress& progress) override {
+    platform::Seconds showProgress(const presenter::RefreshProgress& progress) override {
         return items_.showProgress(progress.elapsed, progress.interval);
     }
     bool canBeCovered() const override { return false; }  // the strip stays above other windows

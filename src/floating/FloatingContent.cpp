@@ -2,9 +2,9 @@
 
 #include "config/Settings.h"
 #include "market/GasNetwork.h"
-#include "menubar/GasPill.h"
-#include "menubar/PillColors.h"
 #include "platform/Preferences.h"
+#include "presenter/StatusTexts.h"
+#include "presenter/SystemColors.h"
 #include "text/Number.h"
 #include "text/Unicode.h"
 
@@ -88,7 +88,7 @@ std::optional<std::string> transferCostText(double fee, const market::MarketData
 std::vector<HeaderItem> feeItems(double fee, market::GasNetwork network, const market::MarketDataMap& quotes,
                                  const Palette& palette) {
     const std::array levels{palette.green, palette.orange, palette.red};
-    const Color level = levels.at(std::to_underlying(menubar::gasLevel(fee)));
+    const Color level = levels.at(std::to_underlying(presenter::gasLevel(fee)));
     const auto single = [](std::string words, const Font& font, const Color& color) {
         return std::vector{StyledText{std::move(words), font, color}};
     };
@@ -160,10 +160,10 @@ std::vector<Cell> rowOf(const config::Coin& coin, const market::UnifiedMarketDat
 }  // namespace
 
 Palette paletteOf(Appearance appearance) {
-    using menubar::SystemColor;
+    using presenter::SystemColor;
     const bool isDark = appearance == Appearance::Dark;
     const auto ink = [isDark](double opacity) { return Color::white(isDark ? 1 : 0, opacity); };
-    const auto system = [appearance](SystemColor color) { return menubar::systemColor(color, appearance); };
+    const auto system = [appearance](SystemColor color) { return presenter::systemColor(color, appearance); };
     return {.primary = ink(1),
             .dimmed = ink(0.6),
             .plate = isDark ? Color::white(0, 0.85) : Color::white(1),

@@ -2,7 +2,6 @@
 
 #include "config/Settings.h"
 #include "floating/PanelPlaces.h"
-#include "menubar/RefreshState.h"
 #include "platform/Desktop.h"
 #include "platform/DesktopEvents.h"
 #include "platform/Platform.h"
@@ -10,6 +9,7 @@
 #include "platform/Preferences.h"
 #include "platform/StatusBar.h"
 #include "platform/Window.h"
+#include "presenter/RefreshState.h"
 
 #include <chrono>
 #include <string_view>
@@ -213,7 +213,7 @@ void FloatingPriceController::presentUpdate() {
 void FloatingPriceController::countDown() {
     if (ring_) {
         ring_->setNextRefresh(platform_.runLoop.now(), state_.nextFetchTime,
-                              menubar::RefreshState::shared(platform_).currentInterval);
+                              presenter::RefreshState::shared(platform_).currentInterval);
     }
 }
 

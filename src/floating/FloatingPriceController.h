@@ -15,7 +15,7 @@
 namespace glintar::platform {
 struct Desktop;
 struct Platform;
-class Window;
+class Overlay;
 }  // namespace glintar::platform
 
 namespace glintar::floating {
@@ -68,7 +68,7 @@ private:
     platform::Platform& platform_;
     platform::Desktop& desktop_;
     FloatingView view_;
-    std::unique_ptr<platform::Window> window_;
+    std::unique_ptr<platform::Overlay> window_;
     std::optional<CountdownRing> ring_;  ///< as old as the window
     PanelFade fade_;
     FloatingState state_;

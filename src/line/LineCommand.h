@@ -2,7 +2,7 @@
 
 #include "app/Arguments.h"
 #include "line/TextStatusBar.h"
-#include "menubar/StatusBarController.h"
+#include "presenter/StatusBarController.h"
 
 #include <functional>
 
@@ -31,7 +31,7 @@ private:
     const bool once_;
     std::function<void(int)> finish_;
     TextStatusBar statusBar_;
-    menubar::StatusBarController controller_;
+    presenter::StatusBarController controller_;
 };
 
 }  // namespace glintar::line

@@ -24,7 +24,7 @@ void writeText(json::Writer& writer, std::string_view key, const std::optional<s
     }
 }
 
-void writeCoin(json::Writer& writer, const menubar::CoinPart& part) {
+void writeCoin(json::Writer& writer, const presenter::CoinPart& part) {
     writer.beginObject();
     writer.key("id").string(part.coin.apiId);
     writer.key("name").string(part.coin.displayName);
@@ -47,7 +47,7 @@ void writeCoin(json::Writer& writer, const menubar::CoinPart& part) {
     writer.endObject();
 }
 
-void writeGas(json::Writer& writer, const std::optional<menubar::GasPart>& gas) {
+void writeGas(json::Writer& writer, const std::optional<presenter::GasPart>& gas) {
     writer.key("gas");
     if (!gas) {
         writer.null();
@@ -62,7 +62,7 @@ void writeGas(json::Writer& writer, const std::optional<menubar::GasPart>& gas) 
 
 }  // namespace
 
-std::string jsonText(const menubar::StatusLine& line, std::string_view plain, std::string_view tooltip) {
+std::string jsonText(const presenter::StatusLine& line, std::string_view plain, std::string_view tooltip) {
     json::Writer writer;
     writer.beginObject();
     writer.key("time").string(line.time);

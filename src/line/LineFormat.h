@@ -1,6 +1,6 @@
 #pragma once
 
-#include "menubar/StatusLine.h"
+#include "presenter/StatusLine.h"
 
 #include <string>
 #include <string_view>
@@ -8,6 +8,6 @@
 namespace glintar::line {
 
 /// One JSON object for a text bar or script. Numbers read back to the same doubles.
-[[nodiscard]] std::string jsonText(const menubar::StatusLine& line, std::string_view plain, std::string_view tooltip);
+[[nodiscard]] std::string jsonText(const presenter::StatusLine& line, std::string_view plain, std::string_view tooltip);
 
 }  // namespace glintar::line

@@ -1,8 +1,8 @@
 #include "line/TextStatusBar.h"
 
 #include "line/LineFormat.h"
-#include "menubar/LineText.h"
 #include "platform/TextOutput.h"
+#include "presenter/LineText.h"
 
 #include <fmt/format.h>
 
@@ -20,9 +20,9 @@ void TextStatusBar::start() {
     }
 }
 
-void TextStatusBar::showLine(const menubar::StatusLine& line, std::optional<std::string> tooltip) {
+void TextStatusBar::showLine(const presenter::StatusLine& line, std::optional<std::string> tooltip) {
     line_ = line;
-    text_ = options_.prefix + plainText(line);
+    text_ = options_.prefix + presenter::plainText(line);
     if (tooltip) {
         tooltip_ = *std::move(tooltip);
     }
@@ -40,7 +40,7 @@ void TextStatusBar::refreshCompleted() {
     }
 }
 
-platform::Seconds TextStatusBar::showProgress(const menubar::RefreshProgress& countdown) {
+platform::Seconds TextStatusBar::showProgress(const presenter::RefreshProgress& countdown) {
     static constexpr std::array<std::string_view, 4> kPies{"○", "◔", "◑", "◕"};
     const auto quarter = static_cast<std::size_t>(countdown.elapsed * kPies.size());
     const double remaining = std::max(countdown.remaining.count(), 0.0);

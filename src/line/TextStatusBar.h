@@ -1,7 +1,7 @@
 #pragma once
 
 #include "app/Arguments.h"
-#include "menubar/StatusSurface.h"
+#include "presenter/StatusSurface.h"
 
 #include <functional>
 #include <optional>
@@ -15,7 +15,7 @@ namespace glintar::line {
 
 /// The status bar of a machine without a display: one line of text a refresh. On a terminal, a text line is redrawn in
 /// place with a countdown before it.
-class TextStatusBar final : public menubar::StatusSurface {
+class TextStatusBar final : public presenter::StatusSurface {
 public:
     struct Options {
         app::Format format = app::Format::Text;
@@ -31,14 +31,14 @@ public:
     /// Runs after the line of a refresh has been written; `hasQuotes` says whether it holds a coin.
     std::function<void(bool hasQuotes)> onRefreshed;
 
-    void showLine(const menubar::StatusLine& line, std::optional<std::string> tooltip) override;
-    void show(menubar::DisplayMode) override {}
+    void showLine(const presenter::StatusLine& line, std::optional<std::string> tooltip) override;
+    void show(presenter::DisplayMode) override {}
     void refreshCompleted() override;
     bool showsProgress() const override { return options_.isLive; }
-    platform::Seconds showProgress(const menubar::RefreshProgress& countdown) override;
+    platform::Seconds showProgress(const presenter::RefreshProgress& countdown) override;
     bool canBeCovered() const override { return false; }
     void checkVisibility() override {}
-    void updatePanel(menubar::PanelData) override {}
+    void updatePanel(presenter::PanelData) override {}
     void updateDashboardItem(std::string_view, bool) override {}
 
 private:
@@ -46,7 +46,7 @@ private:
 
     platform::TextOutput& output_;
     Options options_;
-    menubar::StatusLine line_;
+    presenter::StatusLine line_;
     std::string text_;
     std::string tooltip_ = "Waiting for data...";
     std::string countdown_;

@@ -2,10 +2,10 @@
 
 #include "app/Start.h"
 #include "line/LineCommand.h"
-#include "menubar/SettingsWatch.h"
 #include "platform/posix/Descriptor.h"
 #include "platform/posix/InstalledBundle.h"
 #include "platform/real/TerminalPlatform.h"
+#include "presenter/SettingsWatch.h"
 
 #include <fmt/format.h>
 #include <unistd.h>
@@ -39,7 +39,7 @@ int runLine(int argc, char** argv, const app::Start& start) {
     line::LineCommand command(machine.platform(), terminal.output(), start.arguments,
                               [&](int status) { machine.exit(status); });
     machine.onTerminate = [&] { command.interrupt(); };
-    std::optional<menubar::SettingsWatch> watch;
+    std::optional<presenter::SettingsWatch> watch;
     if (!start.arguments.once) {
         watch.emplace(machine.platform());
         machine.watch();

@@ -1,6 +1,7 @@
 #include "menubar/Badge.h"
 
 #include "menubar/PillColors.h"
+#include "presenter/SystemColors.h"
 #include "text/Unicode.h"
 
 #include <algorithm>
@@ -25,7 +26,8 @@ double Badge::width() const {
 }
 
 void Badge::draw(platform::Canvas& canvas, const platform::Point& origin, platform::Appearance appearance) const {
-    canvas.fillRounded({origin.x, origin.y, width(), kHeight}, kHeight / 2, systemColor(SystemColor::Blue, appearance));
+    canvas.fillRounded({origin.x, origin.y, width(), kHeight}, kHeight / 2,
+                       presenter::systemColor(presenter::SystemColor::Blue, appearance));
     canvas.drawText(text_, {origin.x + (width() - textSize_.width) / 2, origin.y + (kHeight - textSize_.height) / 2},
                     kFont, platform::Color::white(1));
 }

@@ -2,7 +2,7 @@
 
 #include "menubar/Badge.h"
 #include "menubar/PillColors.h"
-#include "menubar/Sparkline.h"
+#include "presenter/Sparkline.h"
 
 #include <algorithm>
 #include <optional>
@@ -66,12 +66,12 @@ struct Layout {
 };
 
 /// Which way the price went, shown or not.
-Color trendColor(const CoinPart& part, const Look& look) {
+Color trendColor(const presenter::CoinPart& part, const Look& look) {
     const bool hasFallen = part.quote.change24h.value_or(0) < 0;
     return colorNamed(hasFallen ? "red" : "green", look.appearance);
 }
 
-Row highLowRow(const Graphics& graphics, const HighLowText& range, const Look& look, bool isCompact) {
+Row highLowRow(const Graphics& graphics, const presenter::HighLowText& range, const Look& look, bool isCompact) {
     struct Fonts {
         Font high, slash, low;
     };
@@ -89,7 +89,8 @@ Row highLowRow(const Graphics& graphics, const HighLowText& range, const Look& l
 }
 
 /// The price, above the reference price if there is one. The width they take.
-double layOutPrice(Layout& layout, const Graphics& graphics, const CoinPart& part, double x, const Look& look) {
+double layOutPrice(Layout& layout, const Graphics& graphics, const presenter::CoinPart& part, double x,
+                   const Look& look) {
     const Row price(graphics, {{part.price, Font{.size = part.reference ? 12.0 : 14.0, .weight = Weight::Bold},
                                 colorNamed("text", look.appearance)}});
     if (!part.reference) {
@@ -103,7 +104,8 @@ double layOutPrice(Layout& layout, const Graphics& graphics, const CoinPart& par
 }
 
 /// The change and the range of the day: above each other, or the one of them that is there. The width they take.
-double layOutDay(Layout& layout, const Graphics& graphics, const CoinPart& part, double x, const Look& look) {
+double layOutDay(Layout& layout, const Graphics& graphics, const presenter::CoinPart& part, double x,
+                 const Look& look) {
     const bool isCompact = part.change && part.highLow;
     Row change;
     Row highLow;
@@ -122,7 +124,7 @@ double layOutDay(Layout& layout, const Graphics& graphics, const CoinPart& part,
     return std::max(change.size.width, highLow.size.width);
 }
 
-Layout layOut(const Graphics& graphics, const CoinPart& part, double headWidth, const Look& look) {
+Layout layOut(const Graphics& graphics, const presenter::CoinPart& part, double headWidth, const Look& look) {
     Layout layout;
     double x = kPillPadding + headWidth + kGap;
     x += layOutPrice(layout, graphics, part, x, look);
@@ -132,7 +134,7 @@ Layout layOut(const Graphics& graphics, const CoinPart& part, double headWidth, 
     }
     if (part.showsSparkline) {
         const platform::Rect frame{x + 3, 4, 36, 14};
-        layout.sparkline = sparklinePoints(*part.quote.sparkline, frame);
+        layout.sparkline = presenter::sparklinePoints(*part.quote.sparkline, frame);
         x = frame.right();
     }
     layout.width = std::max(kLeastWidth, x + kPillPadding);
@@ -141,8 +143,8 @@ Layout layOut(const Graphics& graphics, const CoinPart& part, double headWidth, 
 
 }  // namespace
 
-platform::ImagePtr renderCoinPill(const Graphics& graphics, const CoinPart& part, const platform::ImagePtr& icon,
-                                  const Look& look) {
+platform::ImagePtr renderCoinPill(const Graphics& graphics, const presenter::CoinPart& part,
+                                  const platform::ImagePtr& icon, const Look& look) {
     const auto badge = icon ? std::nullopt : std::optional<Badge>(std::in_place, graphics, part.coin.displayName);
     const Layout layout = layOut(graphics, part, badge ? badge->width() : kIconSize, look);
     return drawPill(graphics, look, layout.width, [&](platform::Canvas& canvas) {

@@ -1,37 +1,30 @@
 #include "menubar/GasPill.h"
 
-#include "menubar/PillColors.h"
+#include "presenter/SystemColors.h"
 
 namespace glintar::menubar {
 
 namespace {
 
-SystemColor colorOf(GasLevel level) {
+presenter::SystemColor colorOf(presenter::GasLevel level) {
     switch (level) {
-        case GasLevel::Low:
-            return SystemColor::Green;
-        case GasLevel::Middle:
-            return SystemColor::Orange;
-        case GasLevel::High:
+        case presenter::GasLevel::Low:
+            return presenter::SystemColor::Green;
+        case presenter::GasLevel::Middle:
+            return presenter::SystemColor::Orange;
+        case presenter::GasLevel::High:
             break;
     }
-    return SystemColor::Red;
+    return presenter::SystemColor::Red;
 }
 
 }  // namespace
 
-GasLevel gasLevel(double fee) {
-    if (fee < 20) {
-        return GasLevel::Low;
-    }
-    return fee < 50 ? GasLevel::Middle : GasLevel::High;
-}
-
-platform::ImagePtr renderGasPill(const platform::Graphics& graphics, const GasPart& gas, const Look& look) {
+platform::ImagePtr renderGasPill(const platform::Graphics& graphics, const presenter::GasPart& gas, const Look& look) {
     static constexpr double kSymbolFontSize = 13;
     static constexpr double kGap = 4;
     static constexpr platform::Font kFont{.size = 11, .weight = platform::Font::Weight::Bold};
-    const auto color = systemColor(colorOf(gasLevel(gas.fee)), look.appearance);
+    const auto color = presenter::systemColor(colorOf(presenter::gasLevel(gas.fee)), look.appearance);
     const auto symbol =
         graphics.symbol(gas.network == market::GasNetwork::Bitcoin ? "bitcoinsign.circle.fill" : "fuelpump.fill",
                         kSymbolFontSize, color);

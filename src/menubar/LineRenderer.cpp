@@ -1,13 +1,14 @@
 #include "menubar/LineRenderer.h"
 
 #include "menubar/CoinIcons.h"
-#include "menubar/LineText.h"
 #include "menubar/PillColors.h"
 #include "menubar/PillPainter.h"
 #include "platform/Desktop.h"
 #include "platform/DesktopEvents.h"
 #include "platform/Platform.h"
 #include "platform/WorkQueue.h"
+#include "presenter/LineText.h"
+#include "presenter/SystemColors.h"
 
 #include <utility>
 #include <vector>
@@ -28,7 +29,7 @@ platform::PictureRun pill(platform::ImagePtr picture, std::string description) {
 /// One line on its way to the screen. Each picture is written by one piece of work, before it leaves the group; they
 /// are read after the group has emptied.
 struct LineRenderer::Render {
-    std::shared_ptr<const StatusLine> line;
+    std::shared_ptr<const presenter::StatusLine> line;
     Completion completion;
     Look look;
     std::vector<platform::ImagePtr> coins;
@@ -51,10 +52,10 @@ void LineRenderer::onThemeChanged() {
                                              look(), lifetime_.guard([this] { onIconArrived_(); }));
 }
 
-void LineRenderer::render(std::shared_ptr<const StatusLine> line, Completion completion) {
+void LineRenderer::render(std::shared_ptr<const presenter::StatusLine> line, Completion completion) {
     const auto render = std::make_shared<Render>(std::move(line), std::move(completion), look());
     underWay_ = render;
-    const StatusLine& parts = *render->line;
+    const presenter::StatusLine& parts = *render->line;
     render->coins.resize(parts.coins.size());
     platform::DispatchGroup group;
     for (std::size_t i = 0; i < parts.coins.size(); ++i) {
@@ -87,26 +88,28 @@ void LineRenderer::renderPart(const std::shared_ptr<Render>& render, platform::D
 void LineRenderer::finish(const std::shared_ptr<Render>& render) {
     if (render == underWay_) {
         underWay_.reset();
-        render->completion({.text = render->title(), .description = plainText(*render->line)});
+        render->completion({.text = render->title(), .description = presenter::plainText(*render->line)});
     }
 }
 
 platform::AttributedText LineRenderer::Render::title() const {
-    const platform::TextRun separator{"   ", kTitleFont, systemColor(SystemColor::TertiaryLabel, look.appearance)};
+    const platform::TextRun separator{"   ", kTitleFont,
+                                      presenter::systemColor(presenter::SystemColor::TertiaryLabel, look.appearance)};
     platform::AttributedText title;
     if (line->emptyText) {
-        title.emplace_back(platform::TextRun{*line->emptyText, kMessageFont,
-                                             systemColor(SystemColor::SecondaryLabel, look.appearance)});
+        title.emplace_back(
+            platform::TextRun{*line->emptyText, kMessageFont,
+                              presenter::systemColor(presenter::SystemColor::SecondaryLabel, look.appearance)});
     }
     for (std::size_t i = 0; i < coins.size(); ++i) {
         if (!title.empty()) {
             title.emplace_back(separator);
         }
-        title.emplace_back(pill(coins[i], plainText(line->coins[i])));
+        title.emplace_back(pill(coins[i], presenter::plainText(line->coins[i])));
     }
     if (line->gas) {
         title.emplace_back(separator);
-        title.emplace_back(pill(gas, plainText(*line->gas)));
+        title.emplace_back(pill(gas, presenter::plainText(*line->gas)));
     }
     return title;
 }

@@ -1,10 +1,10 @@
 #pragma once
 
 #include "menubar/Pill.h"
-#include "menubar/StatusLine.h"
 #include "platform/DispatchGroup.h"
 #include "platform/Lifetime.h"
 #include "platform/StatusBar.h"
+#include "presenter/StatusLine.h"
 
 #include <functional>
 #include <memory>
@@ -38,7 +38,7 @@ public:
     /// The completion runs soon, never at once; not at all if another line or `cancel` comes before that, or the
     /// renderer goes.
     using Completion = std::function<void(LineTitle title)>;
-    void render(std::shared_ptr<const StatusLine> line, Completion completion);
+    void render(std::shared_ptr<const presenter::StatusLine> line, Completion completion);
     void cancel() { underWay_.reset(); }
 
     /// The desktop looks different: no picture from before is used again.

@@ -29,18 +29,18 @@ PillPainter::PillPainter(const platform::Graphics& graphics, std::shared_ptr<Coi
       onIconArrived_(std::move(onIconArrived)),
       renderedItemCache_(static_cast<std::size_t>(kCacheBytes * look.scale * look.scale)) {}
 
-std::string PillPainter::renderKey(const StatusLine& line, const CoinPart& coin) const {
+std::string PillPainter::renderKey(const presenter::StatusLine& line, const presenter::CoinPart& coin) const {
     return fmt::format("{}_{}_{}_{}_{}_{}_{}_{}", letterOf(look_.appearance), line.sourceId, coin.coin.apiId,
                        coin.price, coin.reference.value_or("n"), line.parts.change24h, line.parts.highLow24h,
                        line.parts.sparkline);
 }
 
-std::string PillPainter::renderKey(const GasPart& gas) const {
+std::string PillPainter::renderKey(const presenter::GasPart& gas) const {
     return fmt::format("gas_{}_{}_{}_{}", letterOf(look_.appearance), std::to_underlying(gas.network),
-                       std::to_underlying(gasLevel(gas.fee)), gas.text);
+                       std::to_underlying(presenter::gasLevel(gas.fee)), gas.text);
 }
 
-platform::ImagePtr PillPainter::drawPill(const std::string& key, const CoinPart& coin) {
+platform::ImagePtr PillPainter::drawPill(const std::string& key, const presenter::CoinPart& coin) {
     const auto icon = icons_->icon(coin.coin.apiId);
     if (!icon && coin.quote.imageUrl) {
         download(key, coin.coin.apiId, *coin.quote.imageUrl);
@@ -52,7 +52,7 @@ platform::ImagePtr PillPainter::drawPill(const std::string& key, const CoinPart&
     return pill;
 }
 
-platform::ImagePtr PillPainter::drawPill(const std::string& key, const GasPart& gas) {
+platform::ImagePtr PillPainter::drawPill(const std::string& key, const presenter::GasPart& gas) {
     auto pill = renderGasPill(graphics_, gas, look_);
     renderedItemCache_.insert(key, pill);
     return pill;

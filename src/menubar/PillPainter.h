@@ -2,7 +2,7 @@
 
 #include "menubar/ImageCache.h"
 #include "menubar/Pill.h"
-#include "menubar/StatusLine.h"
+#include "presenter/StatusLine.h"
 
 #include <functional>
 #include <memory>
@@ -21,16 +21,16 @@ public:
                 std::function<void()> onIconArrived);
 
     /// What a coin's pill is known by. The change, range and sparkline do not count: they move along with the price.
-    [[nodiscard]] std::string renderKey(const StatusLine& line, const CoinPart& coin) const;
-    [[nodiscard]] std::string renderKey(const GasPart& gas) const;
+    [[nodiscard]] std::string renderKey(const presenter::StatusLine& line, const presenter::CoinPart& coin) const;
+    [[nodiscard]] std::string renderKey(const presenter::GasPart& gas) const;
 
     /// Null when there is none.
     [[nodiscard]] platform::ImagePtr finishedPill(const std::string& key) { return renderedItemCache_.find(key); }
 
     /// Reads icons from the disk, so not on the main thread. A coin without an icon has one downloaded and is drawn
     /// with a badge, which is not kept.
-    [[nodiscard]] platform::ImagePtr drawPill(const std::string& key, const CoinPart& coin);
-    [[nodiscard]] platform::ImagePtr drawPill(const std::string& key, const GasPart& gas);
+    [[nodiscard]] platform::ImagePtr drawPill(const std::string& key, const presenter::CoinPart& coin);
+    [[nodiscard]] platform::ImagePtr drawPill(const std::string& key, const presenter::GasPart& gas);
 
 private:
     void download(const std::string& key, const std::string& apiId, const std::string& imageUrl);

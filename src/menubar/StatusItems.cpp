@@ -78,9 +78,9 @@ void StatusItems::showLoading() {
                            kText);
 }
 
-void StatusItems::renderStatusItem(StatusLine line, std::optional<std::string> tooltip) {
+void StatusItems::renderStatusItem(presenter::StatusLine line, std::optional<std::string> tooltip) {
     isHidden_ = false;
-    wanted_ = std::make_shared<const StatusLine>(std::move(line));
+    wanted_ = std::make_shared<const presenter::StatusLine>(std::move(line));
     tooltip_ = std::move(tooltip);
     renderer_.render(wanted_, [this](LineTitle title) { showTitle(std::move(title)); });
 }

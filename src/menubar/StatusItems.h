@@ -2,10 +2,10 @@
 
 #include "menubar/LineRenderer.h"
 #include "menubar/ProgressImage.h"
-#include "menubar/StatusLine.h"
 #include "platform/NotificationCenter.h"
 #include "platform/RunLoop.h"
 #include "platform/StatusBar.h"
+#include "presenter/StatusLine.h"
 
 #include <functional>
 #include <memory>
@@ -36,7 +36,7 @@ public:
 
     /// Shows the line soon, when its pictures are drawn, unless a newer line or `hide` comes before that. An empty line
     /// takes the item's place in the bar away and leaves its tooltip. `tooltip` is none when it is to stay as it was.
-    void renderStatusItem(StatusLine line, std::optional<std::string> tooltip);
+    void renderStatusItem(presenter::StatusLine line, std::optional<std::string> tooltip);
 
     /// Takes the price line out of the bar, and puts it back as it was.
     void hide();
@@ -67,8 +67,8 @@ private:
     std::unique_ptr<platform::StatusItem> displayItem_;
     LineRenderer renderer_;
     Countdown countdown_;
-    std::shared_ptr<const StatusLine> wanted_;  ///< the newest line; none before the first
-    std::optional<std::string> tooltip_;        ///< that goes with it
+    std::shared_ptr<const presenter::StatusLine> wanted_;  ///< the newest line; none before the first
+    std::optional<std::string> tooltip_;                   ///< that goes with it
     bool isHidden_ = false;
     std::unique_ptr<platform::NotificationCenter::Observation> appearanceObservation_;
 };

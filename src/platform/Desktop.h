@@ -2,6 +2,7 @@
 
 namespace glintar::platform {
 
+class Clipboard;
 class DesktopEvents;
 class Graphics;
 class Pointer;
@@ -15,6 +16,7 @@ struct Desktop {
     StatusBar& statusBar;
     Pointer& pointer;
     WindowServer& windows;
+    Clipboard& clipboard;
 };
 
 }  // namespace glintar::platform

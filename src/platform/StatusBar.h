@@ -29,6 +29,7 @@ using AttributedText = std::vector<std::variant<TextRun, PictureRun>>;
 struct MenuItem {
     std::string title;
     std::function<void()> action;
+    char shortcut = 0;  ///< a letter, pressed with Control; 0 for none
     bool isEnabled = true;
     bool isSeparator = false;
 };

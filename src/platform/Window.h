@@ -1,42 +1,80 @@
 #pragma once
 
-#include "platform/Graphics.h"
+#include "platform/Geometry.h"
+#include "platform/Overlay.h"
 
+#include <cstddef>
 #include <functional>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace glintar::platform {
 
-/// A window without a frame that shows one picture above everything else. It never has the focus and lets the mouse
-/// through to what lies beneath. Not on screen until it is ordered to the front. Main thread only.
+/// What fills a window: made from a model of the core by whoever can draw it, and handed on unseen. Main thread only.
+class View {
+public:
+    virtual ~View() = default;
+};
+
+/// Makes the view of a model, which outlives it.
+template <class Model>
+using ViewFactory = std::function<std::unique_ptr<View>(Model&)>;
+
+/// A window that the user works with: it takes the focus and stays above normal windows. Not on screen until it is
+/// ordered to the front; closing takes it off the screen and keeps it. Main thread only.
 class Window {
 public:
+    enum class Frame {
+        Titled,     ///< with title and close button, sized by its content; movable by its background too
+        Borderless  ///< nothing but its content, translucent where a compositor owns the screen; movable by its
+                    ///< background
+    };
+
     virtual ~Window() = default;
 
-    /// The picture fills the window's frame and so much more on every side, where its shadow lies.
-    virtual void setPicture(ImagePtr picture, double margin) = 0;
+    /// Replaces the content. The window keeps its place.
+    virtual void setView(std::unique_ptr<View> view) = 0;
 
+    /// The size at which nothing of the content is cut.
+    [[nodiscard]] virtual Size fittingSize() const = 0;
+
+    /// On screen, without what the window manager adds. A titled window takes its size from its content.
     virtual void setFrame(const Rect& frame) = 0;
-    virtual void setFrameOrigin(const Point& origin) = 0;
     [[nodiscard]] virtual Rect frame() const = 0;
+    /// In the middle of the screen that the user works on, at the next showing or now.
+    virtual void center() = 0;
 
-    virtual void setAlpha(double alpha) = 0;
-    [[nodiscard]] virtual double alpha() const = 0;
+    /// Shows the window, restored if it was minimized, with the focus.
+    virtual void makeKeyAndOrderFront() = 0;
+    virtual void close() = 0;
+    [[nodiscard]] virtual bool isVisible() const = 0;
 
-    virtual void orderFront() = 0;
-    virtual void orderOut() = 0;
-    [[nodiscard]] virtual bool isShown() const = 0;
-
-    /// Pixels to a point where the window is.
-    [[nodiscard]] virtual double scale() const = 0;
-
-    /// Whether what lies beneath shows through. Without a compositor it does not: the picture must then have no
-    /// shadow, and of its pixels those are shown that are at least half opaque.
-    [[nodiscard]] virtual bool isTranslucent() const = 0;
-
-    /// Runs when `scale` or `isTranslucent` answers differently.
+    /// Runs when a window that was shown has been closed, by `close`, Escape or the window manager. It may destroy the
+    /// window.
+    std::function<void()> onClosed;
+    /// Runs when `fittingSize` answers differently.
+    std::function<void()> onFittingSizeChanged;
+    /// Runs when the user moved the window.
+    std::function<void()> onMoved;
+    /// Runs when screens came, went or changed, or a compositor did.
     std::function<void()> onSurroundingsChanged;
+};
+
+/// A question to the user. It is modal to the program's own windows; timers, refreshes and drawing go on.
+struct AlertText {
+    std::string title;
+    std::string text;
+    std::vector<std::string> buttons;  ///< in their order; Escape means the last
+};
+
+/// An alert on screen; destroying it takes it away, without an answer.
+class Alert {
+public:
+    Alert() = default;
+    Alert(const Alert&) = delete;
+    Alert& operator=(const Alert&) = delete;
+    virtual ~Alert() = default;
 };
 
 /// Makes windows and tells the user things. Main thread only.
@@ -44,11 +82,27 @@ class WindowServer {
 public:
     virtual ~WindowServer() = default;
 
-    /// `title` is what window rules go by.
-    [[nodiscard]] virtual std::unique_ptr<Window> makeOverlay(std::string title) = 0;
+    /// `title` is what window rules, window managers and screen readers go by.
+    [[nodiscard]] virtual std::unique_ptr<Window> makeWindow(Window::Frame frame, std::string title) = 0;
+    [[nodiscard]] virtual std::unique_ptr<Overlay> makeOverlay(std::string title) = 0;
+
+    /// Shows a warning, which takes the focus once. `onAnswer` runs once, with the place of the button; it may destroy
+    /// the alert.
+    [[nodiscard]] virtual std::unique_ptr<Alert> showAlert(AlertText text,
+                                                           std::function<void(std::size_t button)> onAnswer) = 0;
+
+    /// The screen that holds most of the rectangle, without the desktop's panels; the primary one where none does.
+    [[nodiscard]] virtual Rect visibleFrame(const Rect& near) const = 0;
 
     /// A passing notice of the desktop's, or a line on the console where there is none.
     virtual void notify(std::string title, std::string text) = 0;
+};
+
+/// What the user copies. Main thread only.
+class Clipboard {
+public:
+    virtual ~Clipboard() = default;
+    virtual void setText(std::string text) = 0;
 };
 
 }  // namespace glintar::platform

@@ -210,7 +210,7 @@ TEST_F(FloatingPriceControllerTest, WithoutAnyDataARefreshIsDueSinceTheStart) {
 }
 
 TEST_F(FloatingPriceControllerTest, TheRingIsDrawnOncePerPixelWhileItIsSeen) {
-    menubar::RefreshState::shared(machine.platform()).currentInterval = platform::Seconds(57);
+    presenter::RefreshState::shared(machine.platform()).currentInterval = platform::Seconds(57);
     controller.showPanel();
     update(1, 57s);
     EXPECT_EQ(sweep(), 360);

@@ -2,9 +2,9 @@
 
 #include "config/Settings.h"
 #include "floating/FloatingPriceController.h"
-#include "menubar/RefreshState.h"
 #include "platform/virtual/VirtualDesktop.h"
 #include "platform/virtual/VirtualPlatform.h"
+#include "presenter/RefreshState.h"
 #include "support/Market.h"
 
 #include <gtest/gtest.h>
@@ -20,7 +20,7 @@ using platform::Rect;
 /// A panel on a desktop in memory.
 class PanelFixture : public testing::Test {
 protected:
-    platform::VirtualWindow& window() { return *desktop.windows.overlays.at(0); }
+    platform::VirtualOverlay& window() { return *desktop.windows.overlays.at(0); }
     void ticks(int count) { machine.advance(count * 20ms); }
     void follow(Point pointer) {
         desktop.pointer.at = pointer;

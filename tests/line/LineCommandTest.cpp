@@ -1,7 +1,7 @@
 #include "line/LineCommand.h"
-#include "menubar/LineText.h"
 #include "platform/TextOutput.h"
 #include "platform/virtual/VirtualPlatform.h"
+#include "presenter/LineText.h"
 #include "support/Market.h"
 
 #include <gmock/gmock.h>
@@ -177,10 +177,10 @@ TEST_F(LineCommandTest, ASimulatedMarketIsMarked) {
 }
 
 TEST(LineFormatTest, NamesCannotBreakTheLine) {
-    menubar::StatusLine line;
+    presenter::StatusLine line;
     line.coins.push_back({.coin = test::coin("\u2003a\nb\x1b[31mß ", "x"), .price = "1.00"});
-    line.gas = menubar::GasPart{.network = market::GasNetwork::Bitcoin, .fee = 7, .text = "7 sat"};
-    EXPECT_EQ(plainText(line), "A\uFFFDB\uFFFD[31MSS 1.00 | ₿ 7 sat");
+    line.gas = presenter::GasPart{.network = market::GasNetwork::Bitcoin, .fee = 7, .text = "7 sat"};
+    EXPECT_EQ(presenter::plainText(line), "A\uFFFDB\uFFFD[31MSS 1.00 | ₿ 7 sat");
 }
 
 }  // namespace

@@ -15,7 +15,9 @@ protected:
         return std::make_shared<PillPainter>(desktop.graphics, icons, Look{.appearance = appearance},
                                              [this] { ++redisplays; });
     }
-    StatusLine line() const { return composeStatusLine(machine.preferences, coins, quotes, gas, error); }
+    presenter::StatusLine line() const {
+        return presenter::composeStatusLine(machine.preferences, coins, quotes, gas, error);
+    }
     void drawWhileIconsArrive();
 };
 
@@ -72,7 +74,7 @@ TEST_F(PillPainterTest, AWholeLineOfTheWidestUsualPillsIsKept) {
 /// Draws five pills, light and dark, with one painter for each that shares the icons, while these arrive.
 void PillPainterTest::drawWhileIconsArrive() {
     const auto shown = line();
-    const auto draw = [&](PillPainter& with, const CoinPart& part) {
+    const auto draw = [&](PillPainter& with, const presenter::CoinPart& part) {
         return platform::drawn(with.drawPill(with.renderKey(shown, part), part));
     };
     const auto icons = std::make_shared<CoinIcons>(platform, desktop.graphics);

@@ -5,6 +5,7 @@
 #include "menubar/GasPill.h"
 #include "menubar/PillColors.h"
 #include "platform/virtual/VirtualGraphics.h"
+#include "presenter/SystemColors.h"
 
 #include <fmt/format.h>
 #include <gmock/gmock.h>
@@ -47,38 +48,38 @@ std::vector<std::string> described(const std::vector<Drawn>& operations) {
 }
 
 /// BTC at 64012.55, with what is added.
-using Add = void (*)(CoinPart&);
-CoinPart coinPart(std::initializer_list<Add> additions = {}) {
-    CoinPart part{.price = "64012.55"};
+using Add = void (*)(presenter::CoinPart&);
+presenter::CoinPart coinPart(std::initializer_list<Add> additions = {}) {
+    presenter::CoinPart part{.price = "64012.55"};
     part.coin.displayName = "Btc";
     for (const auto add : additions) {
         add(part);
     }
     return part;
 }
-void addReference(CoinPart& part) {
+void addReference(presenter::CoinPart& part) {
     part.reference = "60000.00";
 }
-void addChange(CoinPart& part) {
+void addChange(presenter::CoinPart& part) {
     part.quote.change24h = 1.2;
     part.change = "+1.20%";
 }
-void addHighLow(CoinPart& part) {
+void addHighLow(presenter::CoinPart& part) {
     part.highLow = {"64500.0", "63000.0"};
 }
-void addSparkline(CoinPart& part) {
+void addSparkline(presenter::CoinPart& part) {
     part.quote.sparkline = {1, 3, 2};
     part.showsSparkline = true;
 }
 
-platform::VirtualImage drawCoin(const CoinPart& part, const platform::ImagePtr& picture = icon,
+platform::VirtualImage drawCoin(const presenter::CoinPart& part, const platform::ImagePtr& picture = icon,
                                 const Look& look = kLight) {
     return platform::drawn(renderCoinPill(graphics, part, picture, look));
 }
 
 struct CoinLayout {
     const char* name;
-    CoinPart part;
+    presenter::CoinPart part;
     double width;  ///< in whole pixels
     std::vector<std::string> texts;
     bool hasIcon = true;
@@ -99,16 +100,17 @@ INSTANTIATE_TEST_SUITE_P(
     Layouts, CoinPillTest,
     testing::Values(
         CoinLayout{"Price", coinPart(), 104, {kPrice}},
-        CoinLayout{"NoPrice", coinPart({[](CoinPart& part) { part.price = ""; }}), 40, {" at 30,1.6 in 14= bold"}},
+        CoinLayout{
+            "NoPrice", coinPart({[](presenter::CoinPart& part) { part.price = ""; }}), 40, {" at 30,1.6 in 14= bold"}},
         CoinLayout{"Badge", coinPart(), 114, {"BTC at 11,7 in 10= bold", "64012.55 at 40,1.6 in 14= bold"}, false},
         CoinLayout{"NarrowBadge",
-                   coinPart({[](CoinPart& part) { part.coin.displayName = "x"; }}),
+                   coinPart({[](presenter::CoinPart& part) { part.coin.displayName = "x"; }}),
                    104,
                    {"X at 12,7 in 10= bold", kPrice},
                    false},
         CoinLayout{"Reference", coinPart({addReference}), 94, {kSmallPrice, "60000.00 at 30,-2 in 11= regular"}},
         CoinLayout{"WideReference",
-                   coinPart({[](CoinPart& part) { part.reference = "1600000.00"; }, addChange}),
+                   coinPart({[](presenter::CoinPart& part) { part.reference = "1600000.00"; }, addChange}),
                    155,
                    {kSmallPrice, "1600000.00 at 30,-2 in 11= regular", "+1.20% at 102,2.2 in 13= regular"}},
         CoinLayout{"Change", coinPart({addChange}), 156, {kPrice, "+1.20% at 103.2,2.2 in 13= regular"}},
@@ -123,8 +125,10 @@ INSTANTIATE_TEST_SUITE_P(
                    233,
                    {kPrice, "+1.20% at 103.2,10 in 11= regular", "64500.0 at 103.2,0 in 10 semibold",
                     "/ at 145.2,0.482 in 8 regular", "63000.0 at 150,0.241 in 9 regular"}},
-        CoinLayout{
-            "OneValue", coinPart({addSparkline, [](CoinPart& part) { part.quote.sparkline = {1}; }}), 143, {kPrice}}),
+        CoinLayout{"OneValue",
+                   coinPart({addSparkline, [](presenter::CoinPart& part) { part.quote.sparkline = {1}; }}),
+                   143,
+                   {kPrice}}),
     [](const auto& row) { return std::string(row.param.name); });
 
 TEST(CoinPillTest, ColoursSayWhichWayItWent) {
@@ -132,7 +136,7 @@ TEST(CoinPillTest, ColoursSayWhichWayItWent) {
     for (const auto& look : {kLight, kDark}) {
         const auto named = [&](const char* name) { return colorNamed(name, look.appearance); };
         for (const auto& [change, color] : {std::pair{-2.5, "red"}, {0.0, "green"}}) {
-            part.change = changeText(change);
+            part.change = presenter::changeText(change);
             part.quote.change24h = change;
             const auto pill = drawCoin(part, icon, look);
             EXPECT_EQ(pill.text(*part.change).color, named(color)) << change;
@@ -150,7 +154,7 @@ TEST(CoinPillTest, ColoursSayWhichWayItWent) {
 TEST(CoinPillTest, PillsStayOfReasonableSize) {
     auto part = coinPart();
     for (const double price : {-1e300, 1e300, 1e15}) {
-        part.price = priceText(price);
+        part.price = presenter::priceText(price);
         const auto width = drawCoin(part).size().width;
         EXPECT_LE(width, kWidestPill) << price;
         EXPECT_GT(width, 180) << price;
@@ -184,9 +188,9 @@ TEST(BadgeTest, ItHoldsEightCharactersAsPeopleCountThem) {
 TEST(GasPillTest, TheSymbolStandsBeforeTheFee) {
     platform::VirtualGraphics bare;
     bare.missingSymbols = {"fuelpump.fill"};
-    const GasPart gas{.network = market::GasNetwork::Ethereum, .fee = 10, .text = "10G ($0.525)"};
-    const GasPart bitcoin{.network = market::GasNetwork::Bitcoin, .fee = 7, .text = "7 sat"};
-    const auto drawGas = [](const GasPart& part, const platform::Graphics& with = graphics) {
+    const presenter::GasPart gas{.network = market::GasNetwork::Ethereum, .fee = 10, .text = "10G ($0.525)"};
+    const presenter::GasPart bitcoin{.network = market::GasNetwork::Bitcoin, .fee = 7, .text = "7 sat"};
+    const auto drawGas = [](const presenter::GasPart& part, const platform::Graphics& with = graphics) {
         auto operations = platform::drawn(renderGasPill(with, part, kLight)).operations;
         operations.erase(operations.begin(), operations.begin() + 2);  // the plate and its rim
         return described(operations);
@@ -197,13 +201,13 @@ TEST(GasPillTest, TheSymbolStandsBeforeTheFee) {
 }
 
 TEST(GasPillTest, TheColourSaysHowDearItIs) {
-    for (const auto& [fee, color] : {std::pair{19.99, SystemColor::Green},
-                                     {20.0, SystemColor::Orange},
-                                     {49.99, SystemColor::Orange},
-                                     {50.0, SystemColor::Red}}) {
-        const GasPart gas{.network = market::GasNetwork::Ethereum, .fee = fee, .text = "fee"};
+    for (const auto& [fee, color] : {std::pair{19.99, presenter::SystemColor::Green},
+                                     {20.0, presenter::SystemColor::Orange},
+                                     {49.99, presenter::SystemColor::Orange},
+                                     {50.0, presenter::SystemColor::Red}}) {
+        const presenter::GasPart gas{.network = market::GasNetwork::Ethereum, .fee = fee, .text = "fee"};
         const auto pill = platform::drawn(renderGasPill(graphics, gas, kDark));
-        EXPECT_EQ(pill.text("fee").color, systemColor(color, Appearance::Dark)) << fee;
+        EXPECT_EQ(pill.text("fee").color, presenter::systemColor(color, Appearance::Dark)) << fee;
         EXPECT_EQ(pill.all(Kind::Image).at(0).image->operations.at(0).color, pill.text("fee").color) << fee;
     }
 }

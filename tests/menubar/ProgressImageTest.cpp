@@ -1,7 +1,6 @@
 // The countdown beside the line: a picture, and when it is drawn.
 
 #include "menubar/ProgressImage.h"
-#include "menubar/RefreshCycle.h"
 #include "platform/virtual/VirtualGraphics.h"
 
 #include <gmock/gmock.h>
@@ -53,49 +52,6 @@ TEST(CountdownTest, ItIsDrawnOncePerHalfPixelAndNobodyNeedAskInBetween) {
     EXPECT_NEAR(Countdown::unchangedFor(1.75 / 132, Seconds{60}, 1).count(), 0.25 * 60 / 132, 1e-9);
     EXPECT_NEAR(Countdown::unchangedFor(1, Seconds{60}, 1).count(), 60.0 / 132, 1e-9) << "the end must not spin";
     EXPECT_GT(Countdown::unchangedFor(0.5, Seconds{0}, 1).count(), 0);
-}
-
-using CountdownCycleTest = RefreshCycleTest;
-
-TEST_F(CountdownCycleTest, TheCountdownRunsWithTheIntervalAndOnlyWhereItIsSeen) {
-    begin();
-    machine.advance(10s);
-    EXPECT_THAT(surface.progress, IsEmpty());
-    surface.hasProgress = true;
-    controller->forceFullUpdate();
-    machine.advance(30s);
-    EXPECT_THAT(surface.progress, SizeIs(300));
-    EXPECT_NEAR(surface.progress.back(), 0.5, 1e-9);
-    machine.advance(29s);
-    EXPECT_NEAR(surface.progress.back(), 59.0 / 60, 1e-9);
-    machine.advance(2s);
-    EXPECT_NEAR(surface.progress.back(), 1.0 / 60, 1e-9);
-
-    surface.unchangedFor = platform::Seconds(5);
-    const auto before = surface.progress.size();
-    machine.advance(20s);
-    EXPECT_LE(surface.progress.size() - before, 5U) << "what looks the same is not drawn again";
-}
-
-TEST_F(CountdownCycleTest, ACountdownThatNothingShowsHasNoTimerUntilALineHasOneAgain) {
-    surface.hasProgress = true;
-    begin();
-    surface.hasProgress = false;  // the line is empty
-    machine.advance(1s);
-    const auto timers = machine.runLoop.pending();
-    const auto shown = surface.progress.size();
-    machine.advance(20s);
-    EXPECT_EQ(surface.progress.size(), shown);
-    surface.hasProgress = true;
-    machine.advance(20s);
-    EXPECT_EQ(surface.progress.size(), shown) << "nothing wakes up to look";
-    EXPECT_EQ(machine.runLoop.pending(), timers);
-
-    controller->redisplayFromCache();
-    EXPECT_EQ(surface.progress.size(), shown + 1) << "with the line, so that no old one is seen beside it";
-    EXPECT_EQ(machine.runLoop.pending(), timers + 1);
-    machine.advance(1s);
-    EXPECT_EQ(surface.progress.size(), shown + 11);
 }
 
 }  // namespace

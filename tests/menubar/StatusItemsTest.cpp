@@ -4,6 +4,7 @@
 
 #include "config/Settings.h"
 #include "menubar/PillColors.h"
+#include "presenter/SystemColors.h"
 
 namespace glintar::menubar {
 namespace {
@@ -75,7 +76,7 @@ TEST_F(StatusItemsTest, PillsStandInTheUsersOrderWhicheverIsFinishedFirst) {
         const auto& separator = std::get<TextRun>(display().title[i]);
         EXPECT_EQ(separator.text, "   ");
         EXPECT_EQ(separator.font.size, 14);
-        EXPECT_EQ(separator.color, systemColor(SystemColor::TertiaryLabel, Appearance::Light));
+        EXPECT_EQ(separator.color, presenter::systemColor(presenter::SystemColor::TertiaryLabel, Appearance::Light));
     }
 }
 
@@ -88,7 +89,7 @@ TEST_F(StatusItemsTest, WordsStandWhereThereIsNoQuote) {
     EXPECT_EQ(words().font.size, 12);
     desktop.events.setAppearance(Appearance::Dark);
     settle();
-    EXPECT_EQ(words().color, systemColor(SystemColor::SecondaryLabel, Appearance::Dark));
+    EXPECT_EQ(words().color, presenter::systemColor(presenter::SystemColor::SecondaryLabel, Appearance::Dark));
 
     machine.preferences.setBoolean("showGasFee", true);
     gas = 12;

@@ -76,7 +76,8 @@ protected:
 
     /// Hands the line to the items, without letting work run.
     void show(std::optional<std::string> tooltip = std::nullopt) {
-        items->renderStatusItem(composeStatusLine(machine.preferences, coins, quotes, gas, error), std::move(tooltip));
+        items->renderStatusItem(presenter::composeStatusLine(machine.preferences, coins, quotes, gas, error),
+                                std::move(tooltip));
     }
 
     /// Lets everything happen that was begun, answers of the network included.

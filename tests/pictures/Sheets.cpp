@@ -5,9 +5,9 @@
 #include "menubar/CoinPill.h"
 #include "menubar/GasPill.h"
 #include "menubar/ProgressImage.h"
-#include "menubar/StatusLine.h"
 #include "platform/qt/graphics/QtImage.h"
 #include "platform/virtual/VirtualStores.h"
+#include "presenter/StatusLine.h"
 
 #include <QPainter>
 #include <fmt/format.h>
@@ -94,12 +94,12 @@ QImage pills(const Graphics& graphics, Appearance appearance, double scale) {
     const ImagePtr icon = graphics.image("AppIcon");
     VirtualPreferences preferences;
     const auto pill = [&](const config::Coin& shown, const market::UnifiedMarketData& its, const ImagePtr& head) {
-        const auto line = menubar::composeStatusLine(preferences, {shown}, {{shown.apiId, its}}, {}, {});
+        const auto line = presenter::composeStatusLine(preferences, {shown}, {{shown.apiId, its}}, {}, {});
         return renderCoinPill(graphics, line.coins.front(), head, look);
     };
     const auto fee = [&](int source, double its) {
         preferences.setInteger(config::kGasSource, source);
-        const auto line = menubar::composeStatusLine(preferences, {}, {{"ethereum", quote(3'105.2, 0)}}, its, {});
+        const auto line = presenter::composeStatusLine(preferences, {}, {{"ethereum", quote(3'105.2, 0)}}, its, {});
         return renderGasPill(graphics, *line.gas, look);
     };
     const auto countdown = [&](const char* source, double elapsed) {

@@ -8,6 +8,7 @@
 #include "platform/qt/events/QtDesktopEvents.h"
 #include "platform/qt/graphics/QtGraphics.h"
 #include "platform/qt/strip/QtStatusBar.h"
+#include "platform/qt/windows/QtAlert.h"
 #include "platform/qt/windows/QtPointer.h"
 #include "platform/qt/windows/QtScreens.h"
 #include "platform/qt/windows/QtWindowServer.h"
@@ -61,6 +62,7 @@ private:
     QtPointer pointer_;
     QtStatusBar statusBar_;
     QtWindowServer windows_;
+    QtClipboard clipboard_;
     std::optional<LoginManager> loginManager_;
     Desktop desktop_;
 };

@@ -29,6 +29,49 @@ private:
     std::shared_ptr<ItemState> state_;
 };
 
+class VirtualWindow final : public Window {
+public:
+    explicit VirtualWindow(std::shared_ptr<WindowState> state) : state_(std::move(state)) { state_->window = this; }
+    ~VirtualWindow() override {
+        state_->window = nullptr;
+        state_->isVisible = false;
+    }
+
+    void setView(std::unique_ptr<View> view) override {
+        view_ = std::move(view);
+        ++state_->viewsSet;
+    }
+    Size fittingSize() const override { return state_->fittingSize; }
+    void setFrame(const Rect& frame) override { state_->frame = frame; }
+    Rect frame() const override { return state_->frame; }
+    void center() override { state_->isCentered = true; }
+    void makeKeyAndOrderFront() override {
+        state_->isVisible = true;
+        ++state_->ordersFront;
+    }
+    void close() override {
+        if (std::exchange(state_->isVisible, false)) {
+            if (const auto told = onClosed) {  // it may destroy us
+                told();
+            }
+        }
+    }
+    bool isVisible() const override { return state_->isVisible; }
+
+private:
+    std::shared_ptr<WindowState> state_;
+    std::unique_ptr<View> view_;
+};
+
+class VirtualAlert final : public Alert {
+public:
+    explicit VirtualAlert(std::shared_ptr<AlertState> state) : state_(std::move(state)) {}
+    ~VirtualAlert() override { state_->isShown = false; }
+
+private:
+    std::shared_ptr<AlertState> state_;
+};
+
 }  // namespace
 
 std::unique_ptr<StatusItem> VirtualStatusBar::addItem(StatusItem::Length length) {
@@ -50,27 +93,47 @@ void VirtualEvents::setAppearance(Appearance appearance) {
     notifications_.post(kAppearanceChanged);
 }
 
-void VirtualWindow::setPicture(ImagePtr newPicture, double newMargin) {
+void VirtualOverlay::setPicture(ImagePtr newPicture, double newMargin) {
     picture = std::move(newPicture);
     margin = newMargin;
     ++picturesSet;
 }
 
-void VirtualWindow::setFrameOrigin(const Point& origin) {
+void VirtualOverlay::setFrameOrigin(const Point& origin) {
     frame_.x = origin.x;
     frame_.y = origin.y;
     ++moves;
 }
 
-void VirtualWindow::orderFront() {
+void VirtualOverlay::orderFront() {
     isShown_ = true;
     frameWhenShown = frame_;
     pictureWhenShown = picture;
     ++ordersFront;
 }
 
-std::unique_ptr<Window> VirtualWindowServer::makeOverlay(std::string title) {
-    auto window = std::make_unique<VirtualWindow>();
+std::unique_ptr<Window> VirtualWindowServer::makeWindow(Window::Frame frame, std::string title) {
+    auto state = std::make_shared<WindowState>();
+    state->kind = frame;
+    state->title = std::move(title);
+    windows.push_back(state);
+    return std::make_unique<VirtualWindow>(std::move(state));
+}
+
+std::unique_ptr<Alert> VirtualWindowServer::showAlert(AlertText text, std::function<void(std::size_t)> onAnswer) {
+    auto state = std::make_shared<AlertState>(std::move(text), std::move(onAnswer));
+    alerts.push_back(state);
+    return std::make_unique<VirtualAlert>(std::move(state));
+}
+
+void AlertState::answer(std::size_t button) {
+    if (std::exchange(isShown, false)) {
+        onAnswer(button);
+    }
+}
+
+std::unique_ptr<Overlay> VirtualWindowServer::makeOverlay(std::string title) {
+    auto window = std::make_unique<VirtualOverlay>();
     window->title = std::move(title);
     overlays.push_back(window.get());
     return window;

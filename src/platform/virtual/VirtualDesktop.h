@@ -71,7 +71,7 @@ public:
 };
 
 /// Keeps what it was told.
-class VirtualWindow final : public Window {
+class VirtualOverlay final : public Overlay {
 public:
     void setPicture(ImagePtr newPicture, double newMargin) override;
     void setFrame(const Rect& frame) override { frame_ = frame; }
@@ -103,12 +103,50 @@ private:
     bool isShown_ = false;
 };
 
+/// What a window was last told. Outlives the window, so that a test can look at it.
+struct WindowState {
+    Window* window = nullptr;  ///< null once the window is gone
+    Window::Frame kind = Window::Frame::Titled;
+    std::string title;
+    Size fittingSize{400, 200};
+    Rect frame;
+    bool isVisible = false;
+    bool isCentered = false;
+    int viewsSet = 0;
+    int ordersFront = 0;
+
+    /// The user closes the window.
+    void close() { window->close(); }
+};
+
+/// An alert and what became of it.
+struct AlertState {
+    AlertText text;
+    std::function<void(std::size_t)> onAnswer;
+    bool isShown = true;  ///< until it is answered or taken away
+
+    /// The user presses the button.
+    void answer(std::size_t button);
+};
+
+class VirtualClipboard final : public Clipboard {
+public:
+    void setText(std::string copied) override { text = std::move(copied); }
+    std::string text;
+};
+
 class VirtualWindowServer final : public WindowServer {
 public:
-    std::unique_ptr<Window> makeOverlay(std::string title) override;
+    std::unique_ptr<Window> makeWindow(Window::Frame frame, std::string title) override;
+    std::unique_ptr<Overlay> makeOverlay(std::string title) override;
+    std::unique_ptr<Alert> showAlert(AlertText text, std::function<void(std::size_t)> onAnswer) override;
+    Rect visibleFrame(const Rect&) const override { return screenWithoutPanels; }
     void notify(std::string title, std::string text) override;
 
-    std::vector<VirtualWindow*> overlays;  ///< all that were made; the test knows which are still there
+    std::vector<VirtualOverlay*> overlays;  ///< all that were made; the test knows which are still there
+    std::vector<std::shared_ptr<WindowState>> windows;
+    std::vector<std::shared_ptr<AlertState>> alerts;
+    Rect screenWithoutPanels{0, 0, 1280, 800};
     std::vector<std::pair<std::string, std::string>> notices;
 };
 
@@ -123,9 +161,10 @@ public:
     VirtualStatusBar statusBar;
     VirtualPointer pointer;
     VirtualWindowServer windows;
+    VirtualClipboard clipboard;
 
 private:
-    Desktop desktop_{graphics, events, statusBar, pointer, windows};
+    Desktop desktop_{graphics, events, statusBar, pointer, windows, clipboard};
 };
 
 }  // namespace glintar::platform

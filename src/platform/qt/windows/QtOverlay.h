@@ -1,7 +1,7 @@
 #pragma once
 
+#include "platform/Overlay.h"
 #include "platform/RunLoop.h"
-#include "platform/Window.h"
 #include "platform/qt/windows/QtScreens.h"
 #include "platform/xcb/CompositorWatch.h"
 #include "platform/xcb/XcbOverlay.h"
@@ -13,7 +13,7 @@ namespace glintar::platform {
 ///
 /// Changes of picture and size are put on screen together, once the run loop gets to it; a new place at once, by one
 /// request.
-class QtOverlay final : public Window {
+class QtOverlay final : public Overlay {
 public:
     /// What it needs, all of which outlives it.
     struct Surroundings {

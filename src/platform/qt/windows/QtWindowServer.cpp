@@ -1,5 +1,8 @@
 #include "platform/qt/windows/QtWindowServer.h"
 
+#include "platform/qt/windows/QtAlert.h"
+#include "platform/qt/windows/QtWindow.h"
+
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <fmt/format.h>
@@ -33,8 +36,21 @@ QtWindowServer::QtWindowServer(const QtOverlay::Surroundings& surroundings, Cons
                                std::optional<QDBusConnection> bus)
     : surroundings_(surroundings), console_(console), bus_(std::move(bus)) {}
 
-std::unique_ptr<Window> QtWindowServer::makeOverlay(std::string title) {
+std::unique_ptr<Window> QtWindowServer::makeWindow(Window::Frame frame, std::string title) {
+    return std::make_unique<QtWindow>(frame, title, surroundings_.screens, surroundings_.compositor);
+}
+
+std::unique_ptr<Overlay> QtWindowServer::makeOverlay(std::string title) {
     return std::make_unique<QtOverlay>(surroundings_, title);
+}
+
+std::unique_ptr<Alert> QtWindowServer::showAlert(AlertText text, std::function<void(std::size_t)> onAnswer) {
+    return std::make_unique<QtAlert>(text, std::move(onAnswer));
+}
+
+Rect QtWindowServer::visibleFrame(const Rect& near) const {
+    const auto& map = surroundings_.screens.map();
+    return map.fromQt(map.screenAt({near.x + near.width / 2, near.y + near.height / 2}).available);
 }
 
 void QtWindowServer::notify(std::string title, std::string text) {

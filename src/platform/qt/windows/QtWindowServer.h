@@ -16,7 +16,10 @@ public:
     /// Keeps the references, and so do the windows it makes. `bus` is the user's, if there is one.
     QtWindowServer(const QtOverlay::Surroundings& surroundings, Console& console, std::optional<QDBusConnection> bus);
 
-    std::unique_ptr<Window> makeOverlay(std::string title) override;
+    std::unique_ptr<Window> makeWindow(Window::Frame frame, std::string title) override;
+    std::unique_ptr<Overlay> makeOverlay(std::string title) override;
+    std::unique_ptr<Alert> showAlert(AlertText text, std::function<void(std::size_t)> onAnswer) override;
+    Rect visibleFrame(const Rect& near) const override;
     void notify(std::string title, std::string text) override;
 
 private:

@@ -120,7 +120,7 @@ ImagePtr WindowsDesktop::picture() {
     return std::make_shared<PixelImage>(pixels, Size{48, 28}, 1);
 }
 
-std::unique_ptr<Window> WindowsDesktop::showPanel(int x, int y) {
+std::unique_ptr<Overlay> WindowsDesktop::showPanel(int x, int y) {
     auto panel = server.makeOverlay("Panel");
     panel->setPicture(picture(), kMargin);
     panel->setFrame({double(x), 800.0 - y - 20, 40, 20});

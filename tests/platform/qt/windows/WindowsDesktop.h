@@ -61,7 +61,7 @@ protected:
     static constexpr double kMargin = 4;
 
     /// A window with that picture, its top left corner that far from the screen's.
-    std::unique_ptr<Window> showPanel(int x, int y);
+    std::unique_ptr<Overlay> showPanel(int x, int y);
 
     /// In the end, if not at once.
     [[nodiscard]] bool comesToShow(int x, int y, const Pixel& color);

@@ -1,20 +1,20 @@
-#include "menubar/StatusBarController.h"
+#include "presenter/StatusBarController.h"
 
 #include "config/Settings.h"
 #include "keystore/KeychainHelper.h"
 #include "market/CryptoService.h"
-#include "menubar/RefreshState.h"
-#include "menubar/StatusSurface.h"
 #include "platform/Console.h"
 #include "platform/DesktopEvents.h"
 #include "platform/Platform.h"
 #include "platform/Preferences.h"
 #include "platform/Registry.h"
+#include "presenter/RefreshState.h"
+#include "presenter/StatusSurface.h"
 #include "text/Unicode.h"
 
 #include <fmt/format.h>
 
-namespace glintar::menubar {
+namespace glintar::presenter {
 
 using namespace std::chrono_literals;
 
@@ -242,4 +242,4 @@ void StatusBarController::checkVisibilityAfter(platform::Duration delay) {
     }
 }
 
-}  // namespace glintar::menubar
+}  // namespace glintar::presenter

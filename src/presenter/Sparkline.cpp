@@ -1,10 +1,10 @@
-#include "menubar/Sparkline.h"
+#include "presenter/Sparkline.h"
 
 #include <algorithm>
 #include <cmath>
 #include <iterator>
 
-namespace glintar::menubar {
+namespace glintar::presenter {
 
 std::vector<double> sparklineHeights(std::span<const double> values, double smallestRange) {
     std::vector<double> heights;
@@ -32,4 +32,4 @@ std::vector<platform::Point> sparklinePoints(std::span<const double> values, con
     return points;
 }
 
-}  // namespace glintar::menubar
+}  // namespace glintar::presenter

@@ -5,7 +5,7 @@
 #include <span>
 #include <vector>
 
-namespace glintar::menubar {
+namespace glintar::presenter {
 
 /// How high each value stands between the lowest (0) and the highest (1). Values that are not finite are left out;
 /// nothing for fewer than two. Values that lie less than `smallestRange` apart do not reach the top, equal ones are 0.
@@ -15,4 +15,4 @@ namespace glintar::menubar {
 [[nodiscard]] std::vector<platform::Point> sparklinePoints(std::span<const double> values, const platform::Rect& frame,
                                                            double smallestRange = 0);
 
-}  // namespace glintar::menubar
+}  // namespace glintar::presenter

@@ -1,11 +1,11 @@
 // The network fee in the refresh cycle.
 
-#include "menubar/RefreshCycle.h"
+#include "presenter/RefreshCycle.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-namespace glintar::menubar {
+namespace glintar::presenter {
 namespace {
 
 using testing::SizeIs;
@@ -113,4 +113,4 @@ TEST_F(FeeCycleTest, AFeeOfANetworkDeselectedMeanwhileIsNotShown) {
 }
 
 }  // namespace
-}  // namespace glintar::menubar
+}  // namespace glintar::presenter

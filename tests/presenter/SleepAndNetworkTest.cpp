@@ -1,11 +1,11 @@
 // What the refresh cycle makes of a machine that sleeps and of a network that comes and goes.
 
-#include "menubar/RefreshCycle.h"
 #include "platform/DesktopEvents.h"
+#include "presenter/RefreshCycle.h"
 
 #include <gtest/gtest.h>
 
-namespace glintar::menubar {
+namespace glintar::presenter {
 namespace {
 
 class SleepAndNetworkTest : public RefreshCycleTest {
@@ -124,4 +124,4 @@ TEST_F(SleepAndNetworkTest, ConnectionsFromBeforeANetworkChangeAreNotUsedAgain) 
 }
 
 }  // namespace
-}  // namespace glintar::menubar
+}  // namespace glintar::presenter

@@ -2,14 +2,14 @@
 
 #include "config/Coin.h"
 #include "market/MarketData.h"
-#include "menubar/StatusLine.h"
 #include "platform/RunLoop.h"
+#include "presenter/StatusLine.h"
 
 #include <optional>
 #include <string_view>
 #include <vector>
 
-namespace glintar::menubar {
+namespace glintar::presenter {
 
 /// What the panel that follows the pointer is given.
 struct PanelData {
@@ -59,4 +59,4 @@ public:
     virtual void updateDashboardItem(std::string_view title, bool enabled) = 0;
 };
 
-}  // namespace glintar::menubar
+}  // namespace glintar::presenter

@@ -2,13 +2,13 @@
 
 #include "config/Settings.h"
 #include "keystore/KeychainHelper.h"
-#include "menubar/RefreshCycle.h"
-#include "menubar/RefreshState.h"
+#include "presenter/RefreshCycle.h"
+#include "presenter/RefreshState.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-namespace glintar::menubar {
+namespace glintar::presenter {
 namespace {
 
 using testing::ElementsAre;
@@ -249,5 +249,46 @@ TEST_F(RefreshCycleTest, ThePresenterMayEndWithAFetchInFlightOrInItsOwnCallback)
     EXPECT_EQ(machine.runLoop.pending(), 0U) << "it leaves nothing behind";
 }
 
+TEST_F(RefreshCycleTest, TheCountdownRunsWithTheIntervalAndOnlyWhereItIsSeen) {
+    begin();
+    machine.advance(10s);
+    EXPECT_THAT(surface.progress, IsEmpty());
+    surface.hasProgress = true;
+    controller->forceFullUpdate();
+    machine.advance(30s);
+    EXPECT_THAT(surface.progress, SizeIs(300));
+    EXPECT_NEAR(surface.progress.back(), 0.5, 1e-9);
+    machine.advance(29s);
+    EXPECT_NEAR(surface.progress.back(), 59.0 / 60, 1e-9);
+    machine.advance(2s);
+    EXPECT_NEAR(surface.progress.back(), 1.0 / 60, 1e-9);
+
+    surface.unchangedFor = platform::Seconds(5);
+    const auto before = surface.progress.size();
+    machine.advance(20s);
+    EXPECT_LE(surface.progress.size() - before, 5U) << "what looks the same is not drawn again";
+}
+
+TEST_F(RefreshCycleTest, ACountdownThatNothingShowsHasNoTimerUntilALineHasOneAgain) {
+    surface.hasProgress = true;
+    begin();
+    surface.hasProgress = false;  // the line is empty
+    machine.advance(1s);
+    const auto timers = machine.runLoop.pending();
+    const auto shown = surface.progress.size();
+    machine.advance(20s);
+    EXPECT_EQ(surface.progress.size(), shown);
+    surface.hasProgress = true;
+    machine.advance(20s);
+    EXPECT_EQ(surface.progress.size(), shown) << "nothing wakes up to look";
+    EXPECT_EQ(machine.runLoop.pending(), timers);
+
+    controller->redisplayFromCache();
+    EXPECT_EQ(surface.progress.size(), shown + 1) << "with the line, so that no old one is seen beside it";
+    EXPECT_EQ(machine.runLoop.pending(), timers + 1);
+    machine.advance(1s);
+    EXPECT_EQ(surface.progress.size(), shown + 11);
+}
+
 }  // namespace
-}  // namespace glintar::menubar
+}  // namespace glintar::presenter

@@ -7,7 +7,7 @@ namespace glintar::platform {
 struct Platform;
 }
 
-namespace glintar::menubar {
+namespace glintar::presenter {
 
 /// What the refresh cycle tells the rest of the process. Written by the presenter; main thread only.
 struct RefreshState {
@@ -18,4 +18,4 @@ struct RefreshState {
     static RefreshState& shared(platform::Platform& platform);
 };
 
-}  // namespace glintar::menubar
+}  // namespace glintar::presenter

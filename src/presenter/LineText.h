@@ -1,11 +1,11 @@
 #pragma once
 
-#include "menubar/StatusLine.h"
+#include "presenter/StatusLine.h"
 
 #include <span>
 #include <string>
 
-namespace glintar::menubar {
+namespace glintar::presenter {
 
 // The price line in words: for text bars, and for those who cannot see the pills. Display names are the user's, so
 // control characters in them do not get through.
@@ -23,4 +23,4 @@ namespace glintar::menubar {
 /// The parts with " | " between them. An error stands at the end, after quotes of an earlier refresh.
 [[nodiscard]] std::string plainText(const StatusLine& line);
 
-}  // namespace glintar::menubar
+}  // namespace glintar::presenter

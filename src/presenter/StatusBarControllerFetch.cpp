@@ -2,13 +2,13 @@
 
 #include "config/Settings.h"
 #include "market/CryptoService.h"
-#include "menubar/RefreshState.h"
-#include "menubar/StatusBarController.h"
-#include "menubar/StatusSurface.h"
 #include "platform/Console.h"
 #include "platform/Machine.h"
 #include "platform/Platform.h"
 #include "platform/Preferences.h"
+#include "presenter/RefreshState.h"
+#include "presenter/StatusBarController.h"
+#include "presenter/StatusSurface.h"
 #include "text/Unicode.h"
 
 #include <fmt/format.h>
@@ -16,7 +16,7 @@
 
 #include <array>
 
-namespace glintar::menubar {
+namespace glintar::presenter {
 
 using namespace std::chrono_literals;
 
@@ -178,4 +178,4 @@ void StatusBarController::redisplayFromCache() {
     }
 }
 
-}  // namespace glintar::menubar
+}  // namespace glintar::presenter

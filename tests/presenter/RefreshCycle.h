@@ -1,9 +1,9 @@
 #pragma once
 
 #include "config/Settings.h"
-#include "menubar/StatusBarController.h"
-#include "menubar/StatusSurface.h"
 #include "platform/virtual/VirtualPlatform.h"
+#include "presenter/StatusBarController.h"
+#include "presenter/StatusSurface.h"
 #include "support/Market.h"
 
 #include <gtest/gtest.h>
@@ -14,7 +14,7 @@
 #include <string>
 #include <vector>
 
-namespace glintar::menubar {
+namespace glintar::presenter {
 
 using namespace std::chrono_literals;
 
@@ -103,4 +103,4 @@ protected:
     std::optional<StatusBarController> controller;
 };
 
-}  // namespace glintar::menubar
+}  // namespace glintar::presenter

@@ -1,9 +1,9 @@
-#include "menubar/RefreshState.h"
+#include "presenter/RefreshState.h"
 
 #include "platform/Platform.h"
 #include "platform/Registry.h"
 
-namespace glintar::menubar {
+namespace glintar::presenter {
 
 RefreshState& RefreshState::shared(platform::Platform& platform) {
     return platform.registry.shared<RefreshState>([&] {
@@ -13,4 +13,4 @@ RefreshState& RefreshState::shared(platform::Platform& platform) {
     });
 }
 
-}  // namespace glintar::menubar
+}  // namespace glintar::presenter

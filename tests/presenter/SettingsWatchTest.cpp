@@ -1,14 +1,14 @@
 // Settings that another process has written.
 
 #include "config/Settings.h"
-#include "menubar/SettingsWatch.h"
 #include "platform/virtual/VirtualPlatform.h"
+#include "presenter/SettingsWatch.h"
 #include "support/Market.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-namespace glintar::menubar {
+namespace glintar::presenter {
 namespace {
 
 using platform::VirtualPreferences;
@@ -78,4 +78,4 @@ TEST_F(SettingsWatchTest, AKeyThatAppearsInTheKeyRingCountsToo) {
 }
 
 }  // namespace
-}  // namespace glintar::menubar
+}  // namespace glintar::presenter

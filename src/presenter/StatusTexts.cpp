@@ -1,4 +1,4 @@
-#include "menubar/StatusTexts.h"
+#include "presenter/StatusTexts.h"
 
 #include "text/Number.h"
 #include "text/Unicode.h"
@@ -7,7 +7,7 @@
 
 #include <cmath>
 
-namespace glintar::menubar {
+namespace glintar::presenter {
 
 namespace {
 
@@ -41,6 +41,13 @@ std::string formatGasValue(double value) {
         return "<0.01";
     }
     return text::fixed(value, value == std::floor(value) ? 0 : 2);
+}
+
+GasLevel gasLevel(double fee) {
+    if (fee < 20) {
+        return GasLevel::Low;
+    }
+    return fee < 50 ? GasLevel::Middle : GasLevel::High;
 }
 
 std::optional<double> transferCost(double fee, double ethereumPrice) {
@@ -101,4 +108,4 @@ bool isKeyRejection(std::string_view error) {
     return error.contains("401") || error.contains("403");
 }
 
-}  // namespace glintar::menubar
+}  // namespace glintar::presenter

@@ -1,12 +1,12 @@
-#include "menubar/StatusLine.h"
-#include "menubar/StatusTexts.h"
 #include "platform/virtual/VirtualStores.h"
+#include "presenter/StatusLine.h"
+#include "presenter/StatusTexts.h"
 #include "support/CommaLocale.h"
 #include "support/Market.h"
 
 #include <gtest/gtest.h>
 
-namespace glintar::menubar {
+namespace glintar::presenter {
 namespace {
 
 using market::GasNetwork;
@@ -140,4 +140,4 @@ TEST_F(StatusLineTest, NothingToShowIsEmptyAndNoQuotesAtAllSaySo) {
 }
 
 }  // namespace
-}  // namespace glintar::menubar
+}  // namespace glintar::presenter

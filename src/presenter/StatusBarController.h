@@ -2,11 +2,11 @@
 
 #include "config/Coin.h"
 #include "market/MarketData.h"
-#include "menubar/StatusLine.h"
 #include "platform/DispatchGroup.h"
 #include "platform/Lifetime.h"
 #include "platform/NotificationCenter.h"
 #include "platform/RunLoop.h"
+#include "presenter/StatusLine.h"
 
 #include <memory>
 #include <optional>
@@ -17,7 +17,7 @@ namespace glintar::platform {
 struct Platform;
 }
 
-namespace glintar::menubar {
+namespace glintar::presenter {
 
 enum class DisplayMode;
 class StatusSurface;
@@ -113,4 +113,4 @@ private:
     platform::Lifetime lifetime_;  // last member
 };
 
-}  // namespace glintar::menubar
+}  // namespace glintar::presenter

@@ -1,12 +1,12 @@
-#include "menubar/LineText.h"
+#include "presenter/LineText.h"
 
-#include "menubar/Sparkline.h"
+#include "presenter/Sparkline.h"
 #include "text/Unicode.h"
 
 #include <array>
 #include <cmath>
 
-namespace glintar::menubar {
+namespace glintar::presenter {
 
 std::string sparklineText(std::span<const double> values) {
     static constexpr std::array<std::string_view, 8> kBlocks{"▁", "▂", "▃", "▄", "▅", "▆", "▇", "█"};
@@ -60,4 +60,4 @@ std::string plainText(const StatusLine& line) {
     return text;
 }
 
-}  // namespace glintar::menubar
+}  // namespace glintar::presenter

@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-namespace glintar::menubar {
+namespace glintar::presenter {
 
 // What the price line says, in words and numbers. The locale never matters.
 
@@ -29,6 +29,10 @@ struct HighLowText {
 
 /// "0", "<0.01", "12", "12.50".
 [[nodiscard]] std::string formatGasValue(double value);
+
+/// How dear the network is: from 20 (sat/vB or Gwei) and from 50.
+enum class GasLevel { Low, Middle, High };
+[[nodiscard]] GasLevel gasLevel(double fee);
 
 /// Dollars for a plain Ethereum transfer (21 000 gas; fee in Gwei). None without a price above 0.
 [[nodiscard]] std::optional<double> transferCost(double fee, double ethereumPrice);
@@ -55,4 +59,4 @@ struct HighLowText {
 /// Whether the service refused the API key (401 or 403).
 [[nodiscard]] bool isKeyRejection(std::string_view error);
 
-}  // namespace glintar::menubar
+}  // namespace glintar::presenter

@@ -1,9 +1,9 @@
-#include "menubar/StatusLine.h"
+#include "presenter/StatusLine.h"
 
 #include "config/Settings.h"
 #include "platform/Preferences.h"
 
-namespace glintar::menubar {
+namespace glintar::presenter {
 
 namespace {
 
@@ -55,4 +55,4 @@ StatusLine composeStatusLine(const platform::Preferences& preferences, const std
     return line;
 }
 
-}  // namespace glintar::menubar
+}  // namespace glintar::presenter

@@ -3,7 +3,7 @@
 #include "config/Coin.h"
 #include "market/GasNetwork.h"
 #include "market/MarketData.h"
-#include "menubar/StatusTexts.h"
+#include "presenter/StatusTexts.h"
 
 #include <optional>
 #include <string>
@@ -13,7 +13,7 @@ namespace glintar::platform {
 class Preferences;
 }
 
-namespace glintar::menubar {
+namespace glintar::presenter {
 
 /// How many coins are shown, whatever the length of the user's list.
 inline constexpr std::size_t kShownCoins = 5;
@@ -62,4 +62,4 @@ struct StatusLine {
                                            const std::vector<config::Coin>& coins, const market::MarketDataMap& quotes,
                                            std::optional<double> gasPrice, std::optional<std::string> error);
 
-}  // namespace glintar::menubar
+}  // namespace glintar::presenter

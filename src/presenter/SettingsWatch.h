@@ -9,7 +9,7 @@ namespace glintar::platform {
 struct Platform;
 }
 
-namespace glintar::menubar {
+namespace glintar::presenter {
 
 /// Announces settings that changed outside this process as if they had been saved here: another program or the user
 /// wrote the preference file, or an API key appeared in the key store, perhaps because it was unlocked.
@@ -34,4 +34,4 @@ private:
     Snapshot last_;
 };
 
-}  // namespace glintar::menubar
+}  // namespace glintar::presenter

@@ -1,12 +1,12 @@
-#include "menubar/LineText.h"
-#include "menubar/Sparkline.h"
+#include "presenter/LineText.h"
+#include "presenter/Sparkline.h"
 
 #include <fmt/format.h>
 #include <gtest/gtest.h>
 
 #include <limits>
 
-namespace glintar::menubar {
+namespace glintar::presenter {
 namespace {
 
 TEST(SparklineTest, ItStaysInsideItsFrameWhateverTheValues) {
@@ -42,4 +42,4 @@ TEST(SparklineTest, ItStaysInsideItsFrameWhateverTheValues) {
 }
 
 }  // namespace
-}  // namespace glintar::menubar
+}  // namespace glintar::presenter

@@ -1,4 +1,4 @@
-#include "menubar/SettingsWatch.h"
+#include "presenter/SettingsWatch.h"
 
 #include "config/Coin.h"
 #include "config/Settings.h"
@@ -9,7 +9,7 @@
 
 #include <utility>
 
-namespace glintar::menubar {
+namespace glintar::presenter {
 
 SettingsWatch::SettingsWatch(platform::Platform& platform) : platform_(platform), last_(read()) {
     platform.preferences.onExternalChange = [this] { onPreferencesChanged(); };
@@ -45,4 +45,4 @@ void SettingsWatch::onPreferencesChanged() {
     }
 }
 
-}  // namespace glintar::menubar
+}  // namespace glintar::presenter

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "platform/Window.h"
+#include "platform/qt/windows/QtScreens.h"
+#include "platform/xcb/CompositorWatch.h"
+
+#include <memory>
+
+class QWidget;
+
+namespace glintar::platform {
+
+/// A window of Qt's, above normal windows, that holds the widget of a `QtView`.
+class QtWindow final : public Window {
+public:
+    /// Keeps the references.
+    QtWindow(Frame frame, const std::string& title, QtScreens& screens, CompositorWatch& compositor);
+    ~QtWindow() override;
+
+    void setView(std::unique_ptr<View> view) override;
+    Size fittingSize() const override;
+    void setFrame(const Rect& frame) override;
+    Rect frame() const override;
+    void center() override;
+    void makeKeyAndOrderFront() override;
+    void close() override;
+    bool isVisible() const override;
+
+private:
+    class Widget;
+
+    QtScreens& screens_;
+    std::unique_ptr<Widget> widget_;
+    bool isCentered_ = false;
+    Listening screenChanges_;
+    Listening compositorChanges_;
+};
+
+}  // namespace glintar::platform
