@@ -2,7 +2,7 @@
 
 #include "config/Settings.h"
 #include "market/GasNetwork.h"
-#include "platform/Preferences.h"
+#include "presenter/StatusLine.h"
 #include "presenter/StatusTexts.h"
 #include "presenter/SystemColors.h"
 #include "text/Number.h"
@@ -111,13 +111,6 @@ std::vector<HeaderItem> feeItems(double fee, market::GasNetwork network, const m
     return items;
 }
 
-/// Which optional parts the user wants to see.
-struct Shown {
-    bool change;
-    bool highLow;
-    bool sparkline;
-};
-
 Cell priceCell(const config::Coin& coin, double price, const Palette& palette) {
     Cell cell{.lines = {{priceText(price), monospaced(12, Weight::Bold), palette.primary}}};
     if (coin.referencePrice && *coin.referencePrice > 0) {
@@ -126,30 +119,30 @@ Cell priceCell(const config::Coin& coin, double price, const Palette& palette) {
     return cell;
 }
 
-Cell changeCell(const market::UnifiedMarketData& quote, const Shown& shown, const Palette& palette) {
+Cell changeCell(const market::UnifiedMarketData& quote, const config::Settings& settings, const Palette& palette) {
     Cell cell;
-    if (shown.change && quote.change24h) {
+    if (settings.showChange24h && quote.change24h) {
         const double change = *quote.change24h + 0.0;  // makes the negative zero a plain one
         cell.lines.push_back({fmt::format("{}{}%", change >= 0 ? "+" : "", text::fixed(change, 1)),
                               monospaced(10, Weight::Semibold), change >= 0 ? palette.green : palette.red});
     }
-    if (shown.highLow && quote.high24h && quote.low24h) {
+    if (settings.showHighLow24h && quote.high24h && quote.low24h) {
         cell.lines.push_back(
             {priceText(*quote.high24h) + "/" + priceText(*quote.low24h), monospaced(8), palette.dimmed});
     }
     return cell;
 }
 
-std::vector<Cell> rowOf(const config::Coin& coin, const market::UnifiedMarketData& quote, const Shown& shown,
-                        const Palette& palette) {
+std::vector<Cell> rowOf(const config::Coin& coin, const market::UnifiedMarketData& quote,
+                        const config::Settings& settings, const Palette& palette) {
     std::vector<Cell> cells;
     cells.push_back({.alignment = Cell::Alignment::Center,
                      .lines = {{shortName(coin.displayName), monospaced(12, Weight::Black), palette.coinName}}});
     cells.push_back(priceCell(coin, quote.price, palette));
-    if (shown.change || shown.highLow) {
-        cells.push_back(changeCell(quote, shown, palette));
+    if (settings.showChange24h || settings.showHighLow24h) {
+        cells.push_back(changeCell(quote, settings, palette));
     }
-    if (shown.sparkline && quote.sparkline) {
+    if (settings.showSparkline && quote.sparkline) {
         const bool isDown = quote.change24h && *quote.change24h < 0;
         cells.push_back({.alignment = Cell::Alignment::Center,
                          .sparkline = SparklineView{*quote.sparkline, isDown ? palette.red : palette.green}});
@@ -176,8 +169,17 @@ Palette paletteOf(Appearance appearance) {
             .red = system(SystemColor::Red)};
 }
 
-FloatingContent composeContent(const FloatingState& state, const platform::Preferences& preferences,
-                               Appearance appearance) {
+Palette Palette::faded(bool isOld) const {
+    Palette palette = *this;
+    for (auto* const color :
+         {&palette.primary, &palette.dimmed, &palette.coinName, &palette.green, &palette.orange, &palette.red}) {
+        color->alpha *= isOld ? presenter::kOldOpacity : 1;
+    }
+    return palette;
+}
+
+FloatingContent composeContent(const FloatingState& state, Appearance appearance) {
+    const config::Settings& settings = state.settings;
     const Palette palette = paletteOf(appearance);
     FloatingContent content{
         .palette = palette,
@@ -185,19 +187,17 @@ FloatingContent composeContent(const FloatingState& state, const platform::Prefe
         .sourceID = state.sourceID,
         .sourceName = {capitalized(state.sourceID), plain(11, Weight::Bold), palette.green},
     };
-    if (state.currentGasPrice && preferences.boolean(config::kShowGasFee)) {
-        const auto network = market::gasNetworkOf(preferences.integer(config::kGasSource));
-        content.fee = feeItems(*state.currentGasPrice, network, state.marketData, palette);
+    if (state.currentGasPrice && settings.showGasFee) {
+        const auto network = market::gasNetworkOf(settings.gasSource);
+        content.fee = feeItems(state.currentGasPrice->price, network, state.marketData,
+                               palette.faded(state.currentGasPrice->arrival.isOld));
     }
     if (state.currentCoins.empty()) {
         content.loading = {"Loading...", plain(10), palette.primary};
     }
-    const Shown shown{.change = preferences.boolean(config::kShowChange),
-                      .highLow = preferences.boolean(config::kShowHighLow),
-                      .sparkline = preferences.boolean(config::kShowSparkline)};
     for (const auto& coin : state.currentCoins) {
         if (const auto quote = state.marketData.find(coin.apiId); quote != state.marketData.end()) {
-            content.rows.push_back(rowOf(coin, quote->second, shown, palette));
+            content.rows.push_back(rowOf(coin, quote->second, settings, palette.faded(quote->second.arrival.isOld)));
         }
     }
     return content;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "config/Coin.h"
+#include "config/Settings.h"
 #include "floating/SparklineView.h"
 #include "market/MarketData.h"
 #include "platform/Graphics.h"
@@ -11,25 +12,25 @@
 #include <variant>
 #include <vector>
 
-namespace glintar::platform {
-class Preferences;
-}
-
 namespace glintar::floating {
 
 /// What the panel is told.
 struct FloatingState {
     std::vector<config::Coin> currentCoins;  ///< in the user's order
     market::MarketDataMap marketData;
-    std::optional<double> currentGasPrice;  ///< sat/vB or Gwei
+    std::optional<market::NetworkFee> currentGasPrice;
     platform::Instant nextFetchTime;
     std::string sourceID = "coingecko";
     bool isTransparent = false;  ///< without its plate
+    config::Settings settings;   ///< which parts are shown
 };
 
 struct Palette {
     platform::Color primary, dimmed, plate, divider, ringTrack, shadow, coinName, green, orange, red;
     bool operator==(const Palette&) const = default;
+
+    /// The same, at 55 % opacity what belongs to an old price.
+    [[nodiscard]] Palette faded(bool isOld) const;
 };
 [[nodiscard]] Palette paletteOf(platform::Appearance appearance);
 
@@ -71,7 +72,6 @@ struct FloatingContent {
     bool operator==(const FloatingContent&) const = default;
 };
 
-[[nodiscard]] FloatingContent composeContent(const FloatingState& state, const platform::Preferences& preferences,
-                                             platform::Appearance appearance);
+[[nodiscard]] FloatingContent composeContent(const FloatingState& state, platform::Appearance appearance);
 
 }  // namespace glintar::floating

@@ -32,12 +32,8 @@ constexpr std::string_view kPointerNoticeShown = "pointerNoticeShown";
 }  // namespace
 
 FloatingPriceController::FloatingPriceController(platform::Platform& platform, platform::Desktop& desktop)
-    : platform_(platform),
-      desktop_(desktop),
-      view_(platform.preferences, desktop.graphics),
-      state_{.nextFetchTime = platform.runLoop.now(),
-             .isTransparent = platform.preferences.boolean(config::kFloatTransparent)},
-      offsetDistance_(readOffset(platform.preferences)) {
+    : platform_(platform), desktop_(desktop), view_(desktop.graphics), state_{.nextFetchTime = platform.runLoop.now()} {
+    loadSettings();
     auto& notifications = platform.notifications;
     observations_.push_back(notifications.observe(config::kDisplaySettingsChanged, [this] { reloadSettings(); }));
     observations_.push_back(notifications.observe(platform::kAppearanceChanged, [this] {
@@ -49,12 +45,13 @@ FloatingPriceController::FloatingPriceController(platform::Platform& platform, p
 FloatingPriceController::~FloatingPriceController() = default;
 
 void FloatingPriceController::updateData(std::vector<config::Coin> coins, market::MarketDataMap quotes,
-                                         std::optional<double> gasPrice, platform::Instant nextFetchTime) {
+                                         std::optional<market::NetworkFee> gasPrice, platform::Instant nextFetchTime) {
     state_.currentCoins = std::move(coins);
     state_.marketData = std::move(quotes);
     state_.currentGasPrice = gasPrice;
     state_.nextFetchTime = nextFetchTime;
-    state_.sourceID = config::selectedSourceID(platform_.preferences);
+    loadSettings();
+    state_.sourceID = state_.settings.selectedSourceID;
     countDown();
     const auto wait = nextUpdate_ - platform_.runLoop.now();
     if (wait <= platform::Duration::zero()) {
@@ -91,9 +88,14 @@ void FloatingPriceController::hidePanel() {
     present();
 }
 
+void FloatingPriceController::loadSettings() {
+    state_.settings = config::Settings::load(platform_.preferences);
+    state_.isTransparent = state_.settings.floatTransparent;
+    offsetDistance_ = state_.settings.floatOffset;
+}
+
 void FloatingPriceController::reloadSettings() {
-    state_.isTransparent = platform_.preferences.boolean(config::kFloatTransparent);
-    offsetDistance_ = readOffset(platform_.preferences);
+    loadSettings();
     if (!window_) {
         return;
     }

@@ -34,8 +34,8 @@ public:
 
     /// What a refresh brought, drawn at once where it can be seen; of many within a fiftieth of a second the first and
     /// the last. The panel takes on the size of its content; its bottom left corner stays.
-    void updateData(std::vector<config::Coin> coins, market::MarketDataMap quotes, std::optional<double> gasPrice,
-                    platform::Instant nextFetchTime);
+    void updateData(std::vector<config::Coin> coins, market::MarketDataMap quotes,
+                    std::optional<market::NetworkFee> gasPrice, platform::Instant nextFetchTime);
 
     /// Leaves the panel as faded as it was: then it becomes visible when the pointer next moves. Does nothing to one
     /// that is shown.
@@ -58,6 +58,7 @@ private:
     void restBelowBar();
     void tellThatPointerIsHidden();
 
+    void loadSettings();
     void present(Corner kept = Corner::BottomLeft);
     void draw(Corner kept);
     void presentUpdate();

@@ -77,7 +77,7 @@ struct OutlinePainter {
 }  // namespace
 
 bool FloatingView::update(const FloatingState& state, const Surroundings& surroundings, double timeProgress) {
-    auto content = composeContent(state, preferences_, surroundings.appearance);
+    auto content = composeContent(state, surroundings.appearance);
     const double progress = CountdownRing::shownProgress(timeProgress, surroundings.scale);
     const bool hasNewLayout = !picture_ || content != content_ || surroundings != surroundings_;
     if (!hasNewLayout && progress == shownProgress_) {

@@ -24,8 +24,7 @@ public:
     };
 
     /// Both must outlive the view.
-    FloatingView(const platform::Preferences& preferences, const platform::Graphics& graphics)
-        : preferences_(preferences), graphics_(graphics) {}
+    explicit FloatingView(const platform::Graphics& graphics) : graphics_(graphics) {}
 
     /// Draws the picture; false, and nothing is drawn, when it looks as before. `timeProgress` is how much of the ring
     /// is there, from 0 to 1.
@@ -48,7 +47,6 @@ private:
     void paintPlate(platform::Canvas& canvas) const;
     void paintOutline(platform::Canvas& canvas) const;
 
-    const platform::Preferences& preferences_;
     const platform::Graphics& graphics_;
     FloatingContent content_;
     Surroundings surroundings_;

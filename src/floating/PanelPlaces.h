@@ -2,14 +2,7 @@
 
 #include "platform/Geometry.h"
 
-namespace glintar::platform {
-class Preferences;
-}
-
 namespace glintar::floating {
-
-/// How far the user wants the panel from the pointer: the preference `floatOffset`, 16 points where there is none.
-[[nodiscard]] double readOffset(const platform::Preferences& preferences);
 
 // Both give the bottom left corner of a panel of that size.
 

@@ -4,6 +4,8 @@
 #include "platform/SecretStore.h"
 #include "text/Unicode.h"
 
+#include <algorithm>
+
 namespace glintar::keystore {
 
 namespace {
@@ -34,6 +36,11 @@ std::string KeychainHelper::keyNameOf(std::string_view sourceId) {
 std::string KeychainHelper::apiKeyOf(std::string_view sourceId) const {
     auto bytes = read(keyNameOf(sourceId));
     return bytes && text::isValidUtf8(*bytes) ? std::move(*bytes) : std::string();
+}
+
+bool KeychainHelper::canBeSent(std::string_view key) {
+    constexpr auto isPrintable = [](char c) { return c >= 0x20 && c <= 0x7e; };
+    return !key.empty() && std::ranges::all_of(key, isPrintable) && key.front() != ' ' && key.back() != ' ';
 }
 
 }  // namespace glintar::keystore

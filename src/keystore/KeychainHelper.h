@@ -25,6 +25,9 @@ public:
     [[nodiscard]] static std::string keyNameOf(std::string_view sourceId);
     [[nodiscard]] std::string apiKeyOf(std::string_view sourceId) const;
 
+    /// A key that is no header value would be cut or split on the wire, so it is never sent. False for an empty one.
+    [[nodiscard]] static bool canBeSent(std::string_view key);
+
 private:
     platform::Platform& platform_;
 };

@@ -27,7 +27,7 @@ LineCommand::LineCommand(platform::Platform& platform, platform::TextOutput& out
     : platform_(platform),
       once_(arguments.once),
       finish_(std::move(finish)),
-      statusBar_(output, barOptions(arguments, output)),
+      statusBar_(output, platform.localTime, barOptions(arguments, output)),
       controller_(platform, statusBar_, {.displayMode = 0}) {
     output.onClosed = [this](const std::string& failure) {
         if (failure.empty()) {

@@ -1,6 +1,7 @@
 #include "line/LineFormat.h"
 
 #include "json/JsonWriter.h"
+#include "platform/Machine.h"
 
 namespace glintar::line {
 
@@ -24,7 +25,14 @@ void writeText(json::Writer& writer, std::string_view key, const std::optional<s
     }
 }
 
-void writeCoin(json::Writer& writer, const presenter::CoinPart& part) {
+/// When it came, and whether the last refresh brought it.
+void writeAge(json::Writer& writer, const platform::LocalTime& local, const std::optional<market::Arrival>& arrival,
+              bool isOld) {
+    writeText(writer, "updated", arrival ? std::optional(local.timestamp(arrival->time)) : std::nullopt);
+    writer.key("stale").boolean(isOld);
+}
+
+void writeCoin(json::Writer& writer, const platform::LocalTime& local, const presenter::CoinPart& part) {
     writer.beginObject();
     writer.key("id").string(part.coin.apiId);
     writer.key("name").string(part.coin.displayName);
@@ -44,6 +52,7 @@ void writeCoin(json::Writer& writer, const presenter::CoinPart& part) {
         writer.null();
     }
     writeText(writer, "image", part.quote.imageUrl);
+    writeAge(writer, local, part.quote.arrival, part.quote.arrival.isOld);
     writer.endObject();
 }
 
@@ -62,17 +71,19 @@ void writeGas(json::Writer& writer, const std::optional<presenter::GasPart>& gas
 
 }  // namespace
 
-std::string jsonText(const presenter::StatusLine& line, std::string_view plain, std::string_view tooltip) {
+std::string jsonText(const presenter::StatusLine& line, const platform::LocalTime& local, std::string_view plain,
+                     std::string_view tooltip) {
     json::Writer writer;
     writer.beginObject();
     writer.key("time").string(line.time);
+    writeAge(writer, local, line.newest(), line.hasOld());
     writer.key("source").string(line.sourceId);
     writeText(writer, "error", line.error);
     writer.key("tooltip").string(tooltip);
     writer.key("text").string(plain);
     writer.key("coins").beginArray();
     for (const auto& coin : line.coins) {
-        writeCoin(writer, coin);
+        writeCoin(writer, local, coin);
     }
     writer.endArray();
     writeGas(writer, line.gas);

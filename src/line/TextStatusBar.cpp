@@ -11,8 +11,8 @@
 
 namespace glintar::line {
 
-TextStatusBar::TextStatusBar(platform::TextOutput& output, Options options)
-    : output_(output), options_(std::move(options)), text_(options_.prefix + "Loading...") {}
+TextStatusBar::TextStatusBar(platform::TextOutput& output, const platform::LocalTime& local, Options options)
+    : output_(output), local_(local), options_(std::move(options)), text_(options_.prefix + "Loading...") {}
 
 void TextStatusBar::start() {
     if (options_.isLive) {
@@ -33,7 +33,7 @@ void TextStatusBar::showLine(const presenter::StatusLine& line, std::optional<st
 
 void TextStatusBar::refreshCompleted() {
     if (!options_.isLive) {
-        output_.printLine(options_.format == app::Format::Json ? jsonText(line_, text_, tooltip_) : text_);
+        output_.printLine(options_.format == app::Format::Json ? jsonText(line_, local_, text_, tooltip_) : text_);
     }
     if (onRefreshed) {
         onRefreshed(!line_.coins.empty());

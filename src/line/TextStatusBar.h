@@ -8,6 +8,7 @@
 #include <string>
 
 namespace glintar::platform {
+class LocalTime;
 class TextOutput;
 }  // namespace glintar::platform
 
@@ -23,7 +24,7 @@ public:
         std::string prefix;   ///< before every line of text
     };
 
-    TextStatusBar(platform::TextOutput& output, Options options);
+    TextStatusBar(platform::TextOutput& output, const platform::LocalTime& local, Options options);
 
     /// Shows that there is nothing yet.
     void start();
@@ -45,6 +46,7 @@ private:
     void redraw();
 
     platform::TextOutput& output_;
+    const platform::LocalTime& local_;
     Options options_;
     presenter::StatusLine line_;
     std::string text_;

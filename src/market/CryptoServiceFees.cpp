@@ -23,6 +23,7 @@ namespace glintar::market {
 namespace {
 
 constexpr std::size_t kShownCharacters = 200;
+constexpr std::size_t kLoggedCharacters = 2'000;  // of what comes from outside
 
 const config::GasConfig& choose(const std::vector<config::GasConfig>& configs, GasNetwork network) {
     static constexpr std::array<std::string_view, 3> kBitcoin{"btc", "bitcoin", "mempool"};
@@ -60,7 +61,8 @@ std::optional<double> readFee(platform::Console& console, const config::GasConfi
     const auto document = json::parseContainer(body);
     if (!document) {
         if (isText) {
-            console.print("🔍 [Gas Debug] 服务器返回的真实内容是：\n" + body);
+            console.print("🔍 [Gas Debug] 服务器返回的真实内容是：\n" +
+                          std::string(text::firstCharacters(body, kLoggedCharacters)));
         }
         console.print("❌ [Gas Debug] JSON 解析彻底崩溃 (可能是返回了 HTML): " + document.error().text());
         return std::nullopt;
@@ -86,7 +88,7 @@ std::optional<double> readFee(platform::Console& console, const config::GasConfi
 
 void CryptoService::fetchGasPrice(FeeCompletion completion) {
     auto& console = platform_.console;
-    const auto gasSource = platform_.preferences.integer(config::kGasSource);
+    const auto gasSource = config::Settings::load(platform_.preferences).gasSource;
     const auto config = loadedConfig_;
     if (!config || !config->gasConfigs || config->gasConfigs->empty()) {
         console.debug("❌ [Gas Debug] 失败：loadedConfig.gasConfigs 为空或 nil。请检查 api_endpoints.json");
@@ -106,7 +108,12 @@ void CryptoService::fetchGasPrice(FeeCompletion completion) {
     console.debug("  [Gas Debug] - Divider: " + text::decimal(gas->divider));
     platform_.http.send({.url = *std::move(address)},
                         [gas, &console, completion = std::move(completion)](platform::HttpResult result) mutable {
-                            completion(readFee(console, *gas, std::move(result)));
+                            std::optional<double> fee;
+                            try {
+                                fee = readFee(console, *gas, std::move(result));
+                            } catch (const std::exception&) {  // no memory for it: there is no fee
+                            }
+                            completion(fee);
                         });
 }
 

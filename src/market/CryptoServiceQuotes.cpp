@@ -51,7 +51,7 @@ struct Leaving {
 }  // namespace
 
 void CryptoService::fetchMarketData(const std::vector<config::Coin>& coins, MarketCompletion completion) {
-    const std::string selected = config::selectedSourceID(platform_.preferences);
+    const std::string selected = config::Settings::load(platform_.preferences).selectedSourceID;
     if (const auto remaining = sourceCoolDowns_.remaining(selected)) {
         const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(*remaining).count();
         completion({}, fmt::format("Cooling down for error 429 ({}s)", seconds));
@@ -128,11 +128,17 @@ void CryptoService::fetchBatch(const std::vector<config::Coin>& coins, const Sou
     performRequest(*std::move(address), source, apiKey, kRetries,
                    [source, coins, &console = platform_.console, completion = std::move(completion)](
                        std::optional<std::string> body, std::optional<std::string> error) mutable {
+                       MarketDataMap quotes;
                        if (body) {
-                           completion(parseBatchResponse(*std::move(body), *source, coins, console), std::nullopt);
-                       } else {
-                           completion({}, std::move(error).value_or("Unknown Error"));
+                           try {
+                               quotes = parseBatchResponse(*std::move(body), *source, coins, console);
+                           } catch (const std::exception&) {  // no memory for it
+                               error = "Unknown Error";
+                           }
+                       } else if (!error) {
+                           error = "Unknown Error";
                        }
+                       completion(std::move(quotes), std::move(error));
                    });
 }
 

@@ -15,6 +15,16 @@ namespace {
 /// At one pixel to a point: a whole line of the widest pills that are usual, and some of the last ones.
 constexpr double kCacheBytes = 256 * 1024;
 
+platform::ImagePtr fadedIf(bool isOld, const platform::Graphics& graphics, platform::ImagePtr pill, double scale) {
+    if (!isOld) {
+        return pill;
+    }
+    const auto size = pill->size();
+    return graphics.draw(size, scale, [&](platform::Canvas& canvas) {
+        canvas.drawImage(*pill, {0, 0, size.width, size.height}, presenter::kOldOpacity);
+    });
+}
+
 char letterOf(platform::Appearance appearance) {
     return appearance == platform::Appearance::Dark ? 'D' : 'L';
 }
@@ -30,14 +40,14 @@ PillPainter::PillPainter(const platform::Graphics& graphics, std::shared_ptr<Coi
       renderedItemCache_(static_cast<std::size_t>(kCacheBytes * look.scale * look.scale)) {}
 
 std::string PillPainter::renderKey(const presenter::StatusLine& line, const presenter::CoinPart& coin) const {
-    return fmt::format("{}_{}_{}_{}_{}_{}_{}_{}", letterOf(look_.appearance), line.sourceId, coin.coin.apiId,
+    return fmt::format("{}_{}_{}_{}_{}_{}_{}_{}{}", letterOf(look_.appearance), line.sourceId, coin.coin.apiId,
                        coin.price, coin.reference.value_or("n"), line.parts.change24h, line.parts.highLow24h,
-                       line.parts.sparkline);
+                       line.parts.sparkline, coin.quote.arrival.isOld ? "_old" : "");
 }
 
 std::string PillPainter::renderKey(const presenter::GasPart& gas) const {
-    return fmt::format("gas_{}_{}_{}_{}", letterOf(look_.appearance), std::to_underlying(gas.network),
-                       std::to_underlying(presenter::gasLevel(gas.fee)), gas.text);
+    return fmt::format("gas_{}_{}_{}_{}{}", letterOf(look_.appearance), std::to_underlying(gas.network),
+                       std::to_underlying(presenter::gasLevel(gas.fee)), gas.text, gas.arrival.isOld ? "_old" : "");
 }
 
 platform::ImagePtr PillPainter::drawPill(const std::string& key, const presenter::CoinPart& coin) {
@@ -45,7 +55,7 @@ platform::ImagePtr PillPainter::drawPill(const std::string& key, const presenter
     if (!icon && coin.quote.imageUrl) {
         download(key, coin.coin.apiId, *coin.quote.imageUrl);
     }
-    auto pill = renderCoinPill(graphics_, coin, icon, look_);
+    auto pill = fadedIf(coin.quote.arrival.isOld, graphics_, renderCoinPill(graphics_, coin, icon, look_), look_.scale);
     if (icon) {
         renderedItemCache_.insert(key, pill);
     }
@@ -53,7 +63,7 @@ platform::ImagePtr PillPainter::drawPill(const std::string& key, const presenter
 }
 
 platform::ImagePtr PillPainter::drawPill(const std::string& key, const presenter::GasPart& gas) {
-    auto pill = renderGasPill(graphics_, gas, look_);
+    auto pill = fadedIf(gas.arrival.isOld, graphics_, renderGasPill(graphics_, gas, look_), look_.scale);
     renderedItemCache_.insert(key, pill);
     return pill;
 }

@@ -20,7 +20,8 @@ public:
     PillPainter(const platform::Graphics& graphics, std::shared_ptr<CoinIcons> icons, const Look& look,
                 std::function<void()> onIconArrived);
 
-    /// What a coin's pill is known by. The change, range and sparkline do not count: they move along with the price.
+    /// What a coin's pill is known by. Change, range and sparkline do not count: a pill whose price stands is kept as
+    /// it was drawn.
     [[nodiscard]] std::string renderKey(const presenter::StatusLine& line, const presenter::CoinPart& coin) const;
     [[nodiscard]] std::string renderKey(const presenter::GasPart& gas) const;
 

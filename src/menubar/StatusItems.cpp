@@ -5,7 +5,6 @@
 #include "platform/Desktop.h"
 #include "platform/DesktopEvents.h"
 #include "platform/Platform.h"
-#include "platform/Preferences.h"
 
 #include <utility>
 
@@ -26,7 +25,8 @@ StatusItems::StatusItems(platform::Platform& platform, platform::Desktop& deskto
       anchorItem_(desktop.statusBar.addItem(platform::StatusItem::Length::Square)),
       displayItem_(desktop.statusBar.addItem(platform::StatusItem::Length::Variable)),
       renderer_(platform, desktop, [this] { callbacks_.redisplay(); }),
-      countdown_(desktop.graphics) {
+      countdown_(desktop.graphics),
+      sourceAtStart_(config::Settings::load(platform.preferences).selectedSourceID) {
     anchorItem_->setToolTip("Glintar");
     displayItem_->setToolTip("Waiting for data...");
     setUpMenu();
@@ -117,7 +117,7 @@ void StatusItems::show() {
 
 platform::Seconds StatusItems::showProgress(double elapsed, platform::Seconds interval) {
     const Look now = renderer_.look();
-    if (auto picture = countdown_.pictureAt(elapsed, config::selectedSourceID(platform_.preferences), now)) {
+    if (auto picture = countdown_.pictureAt(elapsed, wanted_ ? wanted_->sourceId : sourceAtStart_, now)) {
         displayItem_->setImage(std::move(picture));
     }
     return Countdown::unchangedFor(elapsed, interval, now.scale);

@@ -67,6 +67,7 @@ private:
     std::unique_ptr<platform::StatusItem> displayItem_;
     LineRenderer renderer_;
     Countdown countdown_;
+    std::string sourceAtStart_;
     std::shared_ptr<const presenter::StatusLine> wanted_;  ///< the newest line; none before the first
     std::optional<std::string> tooltip_;                   ///< that goes with it
     bool isHidden_ = false;

@@ -22,6 +22,9 @@ public:
 
     /// "HH:mm:ss" in the user's time zone.
     [[nodiscard]] virtual std::string clockText(WallTime time) const = 0;
+
+    /// With date and offset, by RFC 3339: "2026-03-01T14:58:56+01:00".
+    [[nodiscard]] virtual std::string timestamp(WallTime time) const = 0;
 };
 
 }  // namespace glintar::platform

@@ -41,17 +41,19 @@ std::string plainText(const GasPart& gas) {
 
 std::string plainText(const StatusLine& line) {
     std::vector<std::string> parts;
+    // What failed stands first; where some came, each that did not is marked by itself.
+    const auto marked = [](bool isOld, std::string text) { return (isOld ? "⚠️ " : "") + std::move(text); };
+    const bool isSaidOnce = line.failure && line.areAllCoinsOld();
     if (line.emptyText) {
         parts.push_back(*line.emptyText);
+    } else if (isSaidOnce) {
+        parts.push_back(*line.failure);
     }
     for (const auto& coin : line.coins) {
-        parts.push_back(plainText(coin));
+        parts.push_back(marked(coin.quote.arrival.isOld && !isSaidOnce, plainText(coin)));
     }
     if (line.gas) {
-        parts.push_back(plainText(*line.gas));
-    }
-    if (line.error && !line.emptyText) {
-        parts.push_back(errorText(*line.error));
+        parts.push_back(marked(line.gas->arrival.isOld && !isSaidOnce, plainText(*line.gas)));
     }
     std::string text;
     for (const auto& part : parts) {

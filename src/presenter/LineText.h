@@ -20,7 +20,8 @@ namespace glintar::presenter {
 /// "⛽ 12G ($0.857)".
 [[nodiscard]] std::string plainText(const GasPart& gas);
 
-/// The parts with " | " between them. An error stands at the end, after quotes of an earlier refresh.
+/// The parts with " | " between them. What failed stands first, before quotes of an earlier refresh: for all of them at
+/// once, else "⚠️" before each old one.
 [[nodiscard]] std::string plainText(const StatusLine& line);
 
 }  // namespace glintar::presenter

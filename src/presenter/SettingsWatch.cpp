@@ -1,8 +1,6 @@
 #include "presenter/SettingsWatch.h"
 
 #include "config/Coin.h"
-#include "config/Settings.h"
-#include "platform/NotificationCenter.h"
 #include "platform/Platform.h"
 #include "platform/Preferences.h"
 #include "platform/SecretStore.h"
@@ -14,6 +12,9 @@ namespace glintar::presenter {
 SettingsWatch::SettingsWatch(platform::Platform& platform) : platform_(platform), last_(read()) {
     platform.preferences.onExternalChange = [this] { onPreferencesChanged(); };
     platform.secrets.onChange = [&platform] { platform.notifications.post(config::kCoinsUpdated); };
+    for (const auto name : {config::kCoinsUpdated, config::kDisplaySettingsChanged, config::kDisplayModeChanged}) {
+        ownSaves_.push_back(platform.notifications.observe(name, [this] { last_ = read(); }));
+    }
 }
 
 SettingsWatch::~SettingsWatch() {
@@ -23,24 +24,23 @@ SettingsWatch::~SettingsWatch() {
 
 SettingsWatch::Snapshot SettingsWatch::read() const {
     const auto& preferences = platform_.preferences;
-    return {.coins = preferences.data(config::kSavedCoinsKey),
-            .source = preferences.string(config::kSelectedSource),
-            .displayMode = preferences.integer(config::kDisplayMode),
-            .display = {preferences.integer(config::kGasSource), preferences.boolean(config::kFloatTransparent),
-                        preferences.boolean(config::kShowChange), preferences.boolean(config::kShowHighLow),
-                        preferences.boolean(config::kShowSparkline), preferences.boolean(config::kShowGasFee),
-                        preferences.real(config::kFloatOffset)}};
+    return {.coins = preferences.data(config::kSavedCoinsKey), .settings = config::Settings::load(preferences)};
 }
 
 void SettingsWatch::onPreferencesChanged() {
     const auto before = std::exchange(last_, read());
-    if (before.display != last_.display) {
+    const auto now = last_;  // an observer may save
+    auto display = before.settings;
+    display.selectedSourceID = now.settings.selectedSourceID;
+    display.displayMode = now.settings.displayMode;
+    display.enableArbitrage = now.settings.enableArbitrage;
+    if (display != now.settings) {
         platform_.notifications.post(config::kDisplaySettingsChanged);
     }
-    if (before.displayMode != last_.displayMode) {
+    if (before.settings.displayMode != now.settings.displayMode) {
         platform_.notifications.post(config::kDisplayModeChanged);
     }
-    if (before.coins != last_.coins || before.source != last_.source) {
+    if (before.coins != now.coins || before.settings.selectedSourceID != now.settings.selectedSourceID) {
         platform_.notifications.post(config::kCoinsUpdated);
     }
 }

@@ -5,6 +5,7 @@
 #include "market/CryptoService.h"
 #include "platform/Console.h"
 #include "platform/DesktopEvents.h"
+#include "platform/Machine.h"
 #include "platform/Platform.h"
 #include "platform/Preferences.h"
 #include "platform/Registry.h"
@@ -24,9 +25,6 @@ constexpr platform::Seconds kNormalInterval{60.0};
 constexpr platform::Seconds kKeyInterval{30.0};
 constexpr auto kStartDelay = 1s;
 constexpr auto kProgressInterval = 100ms;
-constexpr auto kDebounceWindow = 2s;
-constexpr auto kForcedDelay = 10ms;
-constexpr auto kTimerDelay = 200ms;
 
 DisplayMode displayModeOf(std::int64_t number) {
     return number == 1 ? DisplayMode::Panel : DisplayMode::Line;
@@ -43,9 +41,11 @@ StatusBarController::StatusBarController(platform::Platform& platform, StatusSur
       surface_(surface),
       options_(options),
       state_(RefreshState::shared(platform)),
-      currentDisplayMode_(displayModeOf(displayModeNumber())),
-      lastGasSource_(platform.preferences.integer(config::kGasSource)),
-      lastShowGasFee_(platform.preferences.boolean(config::kShowGasFee)) {
+      currentDisplayMode_(displayModeOf(displayModeNumber())) {
+    const auto settings = config::Settings::load(platform.preferences);
+    cachedSource_ = settings.selectedSourceID;
+    lastGasSource_ = settings.gasSource;
+    lastShowGasFee_ = settings.showGasFee;
     const auto observe = [&](std::string_view name, void (StatusBarController::*handle)()) {
         observations_.push_back(platform.notifications.observe(name, [this, handle] { (this->*handle)(); }));
     };
@@ -70,7 +70,10 @@ void StatusBarController::start() {
 
 void StatusBarController::refreshOnce() {
     if (config::loadSavedCoins(platform_).empty()) {
-        renderStatusItem({}, {}, std::nullopt);
+        surface_.showLine({.sourceId = cachedSource_,
+                           .emptyText = emptyLineText(std::nullopt),
+                           .time = platform_.localTime.clockText(platform_.runLoop.wallNow())},
+                          "⚠️ No Price Data @ " + platform_.localTime.clockText(platform_.runLoop.wallNow()));
         surface_.refreshCompleted();
     } else {
         performFetch(Scope::Everything);
@@ -78,7 +81,7 @@ void StatusBarController::refreshOnce() {
 }
 
 std::int64_t StatusBarController::displayModeNumber() const {
-    return options_.displayMode.value_or(platform_.preferences.integer(config::kDisplayMode));
+    return options_.displayMode.value_or(config::Settings::load(platform_.preferences).displayMode);
 }
 
 void StatusBarController::onDisplayModeChanged() {
@@ -90,12 +93,13 @@ void StatusBarController::onDisplayModeChanged() {
     if (cachedMarketData_) {
         redisplayFromCache();
     } else {
-        refreshAll(Scope::Everything);
+        refreshAll(Scope::Everything);  // which shows that there is nothing yet
     }
 }
 
 void StatusBarController::onSettingsChanged() {
     isApiKeyInvalid_ = false;
+    forgetWhatIsNotWanted();
     refreshAll(Scope::Everything);
 }
 
@@ -103,6 +107,7 @@ void StatusBarController::restartTimers() {
     timer_.reset();
     state_.currentInterval = calculateRefreshInterval();
     expectNextFetch();
+    cycle_.isRunning = true;
     timer_ = platform_.runLoop.every(asDuration(state_.currentInterval), [this] { onTimer(); });
     restartProgress();
 }
@@ -110,7 +115,7 @@ void StatusBarController::restartTimers() {
 void StatusBarController::expectNextFetch() {
     const auto interval = asDuration(state_.currentInterval);
     state_.nextFetchTime = platform_.runLoop.now() + interval;
-    nextFetchDue_ = platform_.runLoop.bootNow() + interval;
+    cycle_.nextFetchDue = platform_.runLoop.bootNow() + interval;
 }
 
 void StatusBarController::onTimer() {
@@ -146,34 +151,27 @@ void StatusBarController::onProgress() {
     progressTimer_ = platform_.runLoop.after(wait, [this] { onProgress(); });
 }
 
-/// The timers stood still while the machine slept, the markets did not. The servers have hung up meanwhile, which a
-/// connection learns only when nothing has come for long.
 void StatusBarController::onResumed() {
-    isFetchDoubtful_ = isFetching_;
-    if (timer_ && platform_.runLoop.bootNow() >= nextFetchDue_) {
-        isFetchStale_ = isFetching_;
-        platform_.http.dropConnections();
-        refreshSoon();
-    }
+    follow(afterSleep(cycle_, platform_.runLoop.bootNow()));
 }
 
 void StatusBarController::onNetworkBack() {
-    isFetchDoubtful_ = isFetching_;
-    if (hasFailed_ || !isFetching_) {  // a fetch that may well succeed is left alone
+    follow(afterNetworkCameBack(cycle_));
+}
+
+void StatusBarController::follow(const WakeUp& wakeUp) {
+    if (wakeUp.dropsConnections) {
         platform_.http.dropConnections();
     }
-    if (timer_ && hasFailed_) {
+    if (wakeUp.refreshes) {
         refreshSoon();
     }
 }
 
-/// A refresh now instead of the next one that was due. Two seconds lie between requests, however often the network
-/// comes and goes.
+/// A refresh now instead of the next one that was due.
 void StatusBarController::refreshSoon() {
-    const auto now = platform_.runLoop.now();
-    const auto earliest = lastRequestTime_ ? *lastRequestTime_ + kDebounceWindow : now;
     restartTimers();
-    pendingRequestWorkItem_ = platform_.runLoop.after(std::max<platform::Duration>(kForcedDelay, earliest - now),
+    pendingRequestWorkItem_ = platform_.runLoop.after(delayOfEarlyRefresh(cycle_, platform_.runLoop.now()),
                                                       [this] { performFetch(Scope::Everything); });
 }
 
@@ -183,7 +181,7 @@ platform::Seconds StatusBarController::calculateRefreshInterval() {
         console.debug("🚫 [Timer] API Key 已被标记为无效或错误，强制降级 -> 60.0秒");
         return kNormalInterval;
     }
-    const auto source = config::selectedSourceID(platform_.preferences);
+    const auto source = config::Settings::load(platform_.preferences).selectedSourceID;
     const auto key = keystore::KeychainHelper(platform_).apiKeyOf(source);
     console.debug("⏱ [Timer] 计算刷新频率 (通用逻辑)...");
     console.debug("   - 当前源: " + source);
@@ -205,18 +203,18 @@ void StatusBarController::refreshAll(Scope scope) {
 }
 
 void StatusBarController::fetchAndDisplayPrice(Urgency urgency, Scope scope) {
-    const bool isForced = urgency == Urgency::Forced;
-    if (!isForced && lastRequestTime_ && platform_.runLoop.now() - *lastRequestTime_ < kDebounceWindow) {
+    const auto delay = delayOf(urgency, cycle_, platform_.runLoop.now());
+    if (!delay) {
         platform_.console.debug("✋ [System] 请求防抖");
         return;
     }
-    pendingRequestWorkItem_ =
-        platform_.runLoop.after(isForced ? kForcedDelay : kTimerDelay, [this, scope] { performFetch(scope); });
+    pendingRequestWorkItem_ = platform_.runLoop.after(*delay, [this, scope] { performFetch(scope); });
 }
 
 void StatusBarController::onDisplaySettingsChanged() {
-    const auto gasSource = platform_.preferences.integer(config::kGasSource);
-    const bool showGasFee = platform_.preferences.boolean(config::kShowGasFee);
+    const auto settings = config::Settings::load(platform_.preferences);
+    const auto gasSource = settings.gasSource;
+    const bool showGasFee = settings.showGasFee;
     if (gasSource != lastGasSource_) {
         lastGasSource_ = gasSource;
         platform_.console.debug("⛽️ Gas Source Changed -> Cleared Cache & Fetching");

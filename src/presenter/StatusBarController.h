@@ -6,6 +6,7 @@
 #include "platform/Lifetime.h"
 #include "platform/NotificationCenter.h"
 #include "platform/RunLoop.h"
+#include "presenter/RefreshDecisions.h"
 #include "presenter/StatusLine.h"
 
 #include <memory>
@@ -29,7 +30,6 @@ struct RefreshState;
 /// fetch is in flight. Main thread only.
 class StatusBarController {
 public:
-    enum class Urgency { Timer, Forced };
     enum class Scope { Everything, OnlyGas };
 
     struct Options {
@@ -60,10 +60,11 @@ public:
     void onDisplaySettingsChanged();
     void onDisplayModeChanged();
 
-    /// Shows what the last good answer brought once more, without an error.
+    /// Shows what is known once more, as the last refresh left it; nothing before the first.
     void redisplayFromCache();
 
 private:
+    struct Wish;
     struct FetchResult;
 
     [[nodiscard]] std::int64_t displayModeNumber() const;
@@ -75,32 +76,38 @@ private:
     void onProgress();
     void onResumed();
     void onNetworkBack();
+    void follow(const WakeUp& wakeUp);
     void refreshSoon();
     platform::Seconds calculateRefreshInterval();
     void performFetch(Scope scope);
     void addPhantomCoin(std::vector<config::Coin>& coins);
     bool isAnsweredByCache(const std::vector<config::Coin>& coins);
+    [[nodiscard]] Wish wish();
     void handleFetchCompletion(FetchResult& result);
-    void renderStatusItem(const std::vector<config::Coin>& coins, const market::MarketDataMap& quotes,
-                          std::optional<std::string> error);
-    void updatePanel(const std::vector<config::Coin>& coins);
+    void takeFee(const FetchResult& result);
+    void takeQuotes(FetchResult& result);
+    void noticeKeyRejection(const FetchResult& result);
+    void forgetWhatIsNotWanted();
+    void showAll();
+    void renderStatusItem();
+    [[nodiscard]] std::string toolTip(const StatusLine& line) const;
+    void updatePanel();
     void checkVisibilityAfter(platform::Duration delay);
 
     platform::Platform& platform_;
     StatusSurface& surface_;
     const Options options_;
     RefreshState& state_;
+    CycleState cycle_;
 
+    bool hasShown_ = false;  ///< anything at all
     bool isApiKeyInvalid_ = false;
     std::optional<market::MarketDataMap> cachedMarketData_;
-    std::optional<double> currentGasPrice_;
+    std::string cachedSource_;        ///< whose quotes they are
+    std::optional<Outcome> outcome_;  ///< of the last refresh that asked this source for quotes
+    std::string outcomeText_;         ///< the same in the tooltip's words, which drawing again does not change
+    std::optional<market::NetworkFee> currentGasPrice_;
     DisplayMode currentDisplayMode_;
-    bool isFetching_ = false;
-    bool hasFailed_ = false;        ///< the last fetch
-    bool isFetchStale_ = false;     ///< it was cut off by a sleep during which the next refresh fell due
-    bool isFetchDoubtful_ = false;  ///< the network came back while it was under way
-    platform::BootInstant nextFetchDue_;
-    std::optional<platform::Instant> lastRequestTime_;
     std::int64_t lastGasSource_ = 0;
     bool lastShowGasFee_ = false;
 

@@ -1,6 +1,7 @@
 // StatusBarController: one fetch, from its requests to what is shown.
 
 #include "config/Settings.h"
+#include "keystore/KeychainHelper.h"
 #include "market/CryptoService.h"
 #include "platform/Console.h"
 #include "platform/Machine.h"
@@ -20,10 +21,33 @@ namespace glintar::presenter {
 
 using namespace std::chrono_literals;
 
+namespace {
+
+// The phantom coin's identifiers.
+constexpr const char* kEthereumId = "ethereum";
+constexpr const char* kEthereumSymbol = "ETH";
+
+/// Exchanges whose coins are known by their symbols. The source configuration does not tell; their names do.
+bool namesCoinsBySymbol(std::string_view source) {
+    return source.contains("binance") || source.contains("gate");
+}
+
+}  // namespace
+
+/// What is wanted of the services at one moment.
+struct StatusBarController::Wish {
+    std::string source;
+    std::vector<std::string> coins;  ///< identifiers, in the user's order
+    std::string key;
+    bool operator==(const Wish&) const = default;
+};
+
 /// What one fetch brings. The engine's callbacks fill their own fields, each before it leaves the group; the completion
 /// reads them after the group has emptied.
 struct StatusBarController::FetchResult {
+    Wish wish;
     std::vector<config::Coin> coins;  ///< as saved, without the phantom
+    bool askedForQuotes = true;
     market::MarketDataMap quotes;
     std::optional<std::string> error;
     struct Fee {
@@ -33,8 +57,21 @@ struct StatusBarController::FetchResult {
     std::optional<Fee> fee;  ///< when one was asked for
 };
 
+StatusBarController::Wish StatusBarController::wish() {
+    Wish wish{.source = config::Settings::load(platform_.preferences).selectedSourceID};
+    for (const auto& coin : config::loadSavedCoins(platform_)) {
+        wish.coins.push_back(coin.apiId);
+    }
+    // A source that names no header has no use for a key, and asking a key ring costs.
+    const auto& config = market::CryptoService::shared(platform_).loadedConfig();
+    if (const auto* source = config ? config->source(wish.source) : nullptr; source && source->header) {
+        wish.key = keystore::KeychainHelper(platform_).apiKeyOf(wish.source);
+    }
+    return wish;
+}
+
 void StatusBarController::performFetch(Scope scope) {
-    if (isFetching_) {
+    if (cycle_.isFetching) {
         return;
     }
     const auto result = std::make_shared<FetchResult>();
@@ -42,15 +79,20 @@ void StatusBarController::performFetch(Scope scope) {
     if (result->coins.empty()) {
         return;
     }
-    isFetching_ = true;
-    isFetchStale_ = isFetchDoubtful_ = false;
-    lastRequestTime_ = platform_.runLoop.now();
+    result->wish = wish();
+    cycle_.isFetching = true;
+    cycle_.isStale = cycle_.isDoubtful = false;
+    cycle_.lastRequestTime = platform_.runLoop.now();
     platform::DispatchGroup group;
     auto& service = market::CryptoService::shared(platform_);
     auto fetched = result->coins;
-    if (platform_.preferences.boolean(config::kShowGasFee)) {
-        result->fee.emplace(platform_.preferences.integer(config::kGasSource));
+    const auto settings = config::Settings::load(platform_.preferences);
+    if (settings.showGasFee) {
+        result->fee.emplace(settings.gasSource);
         addPhantomCoin(fetched);
+        if (fetched.size() > result->coins.size()) {
+            platform_.console.debug("⛽️ [Gas] Injecting phantom coin for pricing: " + fetched.back().apiId);
+        }
         group.enter();
         service.fetchGasPrice([result, group](std::optional<double> fee) mutable {
             result->fee->price = fee;
@@ -60,7 +102,7 @@ void StatusBarController::performFetch(Scope scope) {
         currentGasPrice_.reset();
     }
     if (scope == Scope::OnlyGas && isAnsweredByCache(fetched)) {
-        result->quotes = *cachedMarketData_;
+        result->askedForQuotes = false;
     } else {
         group.enter();
         service.fetchMarketData(
@@ -80,13 +122,11 @@ void StatusBarController::addPhantomCoin(std::vector<config::Coin>& coins) {
     const bool hasEthereum = std::ranges::any_of(coins, [](const config::Coin& coin) {
         return std::ranges::find(kEthereumIds, text::lower(coin.apiId)) != kEthereumIds.end();
     });
-    if (platform_.preferences.integer(config::kGasSource) != 0 || hasEthereum) {  // 0 alone, not all that mean Ethereum
+    const auto settings = config::Settings::load(platform_.preferences);
+    if (settings.gasSource != 0 || hasEthereum) {  // 0 alone, not all that mean Ethereum
         return;
     }
-    const auto source = config::selectedSourceID(platform_.preferences);
-    const bool namesBySymbol = source.contains("binance") || source.contains("gate");
-    const std::string id = namesBySymbol ? "ETH" : "ethereum";
-    platform_.console.debug("⛽️ [Gas] Injecting phantom coin for pricing: " + id);
+    const std::string id = namesCoinsBySymbol(settings.selectedSourceID) ? kEthereumSymbol : kEthereumId;
     coins.push_back(config::makeCoin(platform_.entropy, "ETH", id, std::nullopt));
 }
 
@@ -109,73 +149,157 @@ bool StatusBarController::isAnsweredByCache(const std::vector<config::Coin>& coi
 }
 
 void StatusBarController::handleFetchCompletion(FetchResult& result) {
-    isFetching_ = false;
-    if (isFetchStale_) {
-        refreshSoon();
+    const auto now = wish();
+    const auto gasSource = config::Settings::load(platform_.preferences).gasSource;
+    const auto after = afterFetch(cycle_, {.askedForQuotes = result.askedForQuotes,
+                                           .hasError = result.error.has_value(),
+                                           .isSameSource = result.wish.source == now.source,
+                                           .isSameWish = result.wish == now,
+                                           .isFeeWanted = !result.fee || result.fee->gasSource == gasSource});
+    if (after.isShown) {
+        takeFee(result);
+        if (after.takesQuotes) {
+            if (result.wish.key == now.key) {
+                noticeKeyRejection(result);
+            }
+            takeQuotes(result);
+        }
+        if (after.next == AfterFetch::Next::Everything) {
+            forgetWhatIsNotWanted();
+        }
+    }
+    switch (after.next) {
+        case AfterFetch::Next::Nothing:
+            break;
+        case AfterFetch::Next::Everything:
+            fetchAndDisplayPrice(Urgency::Forced, Scope::Everything);
+            break;
+        case AfterFetch::Next::OnlyGas:
+            fetchAndDisplayPrice(Urgency::Forced, Scope::OnlyGas);
+            break;
+        case AfterFetch::Next::Early:
+            refreshSoon();
+            break;
+    }
+    if (!after.isShown) {
         return;
     }
-    if (result.fee) {
-        // The fee of a network that has been deselected meanwhile would be shown in the wrong unit.
-        const bool isWanted = result.fee->gasSource == platform_.preferences.integer(config::kGasSource);
-        currentGasPrice_ = isWanted ? result.fee->price : std::nullopt;
-        if (!isWanted) {
-            fetchAndDisplayPrice(Urgency::Forced, Scope::OnlyGas);
+    showAll();
+    checkVisibilityAfter(500ms);
+    surface_.refreshCompleted();  // last: it may end the program
+}
+
+/// A fee that did not come stays, as an old one. That of a network that has been deselected meanwhile would be shown in
+/// the wrong unit.
+void StatusBarController::takeFee(const FetchResult& result) {
+    if (!result.fee || result.fee->gasSource != config::Settings::load(platform_.preferences).gasSource) {
+        return;
+    }
+    if (result.fee->price) {
+        currentGasPrice_ = {*result.fee->price, {platform_.runLoop.wallNow(), platform_.runLoop.now()}};
+    } else if (currentGasPrice_) {
+        currentGasPrice_->arrival.isOld = true;
+    }
+}
+
+/// Quotes that did not come stay, as old ones, while their coins are watched.
+void StatusBarController::takeQuotes(FetchResult& result) {
+    outcome_ = Outcome{.error = std::move(result.error),
+                       .hasPrices = std::ranges::any_of(
+                           result.coins, [&](const auto& coin) { return result.quotes.contains(coin.apiId); }),
+                       .time = platform_.localTime.clockText(platform_.runLoop.wallNow())};
+    outcomeText_ = tooltipText(outcome_->error, outcome_->hasPrices, isApiKeyInvalid_, outcome_->time);
+    for (auto& [id, quote] : result.quotes) {
+        quote.arrival = {platform_.runLoop.wallNow(), platform_.runLoop.now()};
+    }
+    if (cachedMarketData_) {
+        forgetWhatIsNotWanted();
+        for (auto& [id, quote] : *cachedMarketData_) {
+            quote.arrival.isOld = true;
         }
+        result.quotes.merge(*cachedMarketData_);
     }
     if (!result.quotes.empty()) {
         cachedMarketData_ = std::move(result.quotes);
         state_.latestMarketData = *cachedMarketData_;
     }
-    hasFailed_ = result.error.has_value();
-    if (hasFailed_ && isFetchDoubtful_) {
-        refreshSoon();
-    }
-    if (currentDisplayMode_ == DisplayMode::Line) {
-        renderStatusItem(result.coins, cachedMarketData_.value_or(market::MarketDataMap{}), std::move(result.error));
-    } else {
-        updatePanel(result.coins);
-    }
-    checkVisibilityAfter(500ms);
-    surface_.refreshCompleted();  // last: it may end the program
 }
 
-void StatusBarController::renderStatusItem(const std::vector<config::Coin>& coins, const market::MarketDataMap& quotes,
-                                           std::optional<std::string> error) {
-    if (error && isKeyRejection(*error) && !isApiKeyInvalid_) {
+/// A service that was sent no key did not refuse one.
+void StatusBarController::noticeKeyRejection(const FetchResult& result) {
+    const bool hadKey = keystore::KeychainHelper::canBeSent(result.wish.key);
+    if (hadKey && result.error && isKeyRejection(*result.error) && !isApiKeyInvalid_) {
         platform_.console.debug("🚨 [API] 检测到 Key 失效 (401/403)，触发自动降级！");
         isApiKeyInvalid_ = true;
         restartTimers();
     }
-    auto line = composeStatusLine(platform_.preferences, coins, quotes, currentGasPrice_, std::move(error));
-    line.time = platform_.localTime.clockText(platform_.runLoop.wallNow());
-    std::optional<std::string> tooltip;
-    if (!line.isEmpty()) {
-        tooltip = tooltipText(line.error, !quotes.empty(), isApiKeyInvalid_, line.time);
+}
+
+/// Quotes of another source go, and those of coins that are not watched any more.
+void StatusBarController::forgetWhatIsNotWanted() {
+    auto source = config::Settings::load(platform_.preferences).selectedSourceID;
+    if (source != cachedSource_) {
+        cachedSource_ = std::move(source);
+        outcome_.reset();
+        cachedMarketData_.reset();
+        state_.latestMarketData.clear();
     }
-    surface_.showLine(line, std::move(tooltip));
+    if (cachedMarketData_) {
+        const auto coins = config::loadSavedCoins(platform_);
+        std::erase_if(*cachedMarketData_, [&](const auto& entry) {
+            const bool isPhantom = entry.first == kEthereumId || entry.first == kEthereumSymbol;
+            return !isPhantom && std::ranges::find(coins, entry.first, &config::Coin::apiId) == coins.end();
+        });
+        state_.latestMarketData = *cachedMarketData_;
+    }
+}
+
+void StatusBarController::renderStatusItem() {
+    const auto line =
+        composeStatusLine(config::Settings::load(platform_.preferences), config::loadSavedCoins(platform_),
+                          cachedMarketData_.value_or(market::MarketDataMap{}), currentGasPrice_, outcome_);
+    surface_.showLine(line, line.isEmpty() ? std::nullopt : std::optional(toolTip(line)));
     if (timer_ && !progressTimer_) {
         onProgress();
     }
 }
 
-void StatusBarController::updatePanel(const std::vector<config::Coin>& coins) {
-    const auto shown = std::min(coins.size(), kShownCoins);
-    surface_.updatePanel({.coins = {coins.begin(), coins.begin() + static_cast<std::ptrdiff_t>(shown)},
+std::string StatusBarController::toolTip(const StatusLine& line) const {
+    if (!outcome_) {
+        return "Waiting for data...";
+    }
+    std::string text = outcomeText_;
+    if (line.hasOld()) {
+        const auto& local = platform_.localTime;
+        text +=
+            '\n' + oldPricesText(local.timestamp(line.oldest()->time), local.timestamp(platform_.runLoop.wallNow()));
+    }
+    if (!line.lacking.empty()) {
+        const auto& config = market::CryptoService::shared(platform_).loadedConfig();
+        const auto* source = config ? config->source(line.sourceId) : nullptr;
+        text += '\n' + lackingText(source ? source->name : line.sourceId, line.lacking);
+    }
+    return text;
+}
+
+void StatusBarController::updatePanel() {
+    auto coins = outcome_ ? config::loadSavedCoins(platform_) : std::vector<config::Coin>{};
+    coins.resize(std::min(coins.size(), kShownCoins));
+    surface_.updatePanel({.coins = std::move(coins),
                           .quotes = cachedMarketData_.value_or(market::MarketDataMap{}),
                           .gasPrice = currentGasPrice_,
                           .nextFetchTime = state_.nextFetchTime});
 }
 
 void StatusBarController::redisplayFromCache() {
-    if (!cachedMarketData_) {
-        return;
+    if (hasShown_) {
+        showAll();
     }
-    const auto coins = config::loadSavedCoins(platform_);
-    if (currentDisplayMode_ == DisplayMode::Line) {
-        renderStatusItem(coins, *cachedMarketData_, std::nullopt);
-    } else {
-        updatePanel(coins);
-    }
+}
+
+void StatusBarController::showAll() {
+    hasShown_ = true;
+    currentDisplayMode_ == DisplayMode::Line ? renderStatusItem() : updatePanel();
 }
 
 }  // namespace glintar::presenter

@@ -1,7 +1,8 @@
 #include "presenter/StatusLine.h"
 
 #include "config/Settings.h"
-#include "platform/Preferences.h"
+
+#include <algorithm>
 
 namespace glintar::presenter {
 
@@ -20,38 +21,77 @@ CoinPart composeCoin(const ShownParts& parts, const config::Coin& coin, const ma
     return part;
 }
 
-GasPart composeGas(const platform::Preferences& preferences, double fee, const market::MarketDataMap& quotes) {
-    GasPart part{.network = market::gasNetworkOf(preferences.integer(config::kGasSource)), .fee = fee};
+GasPart composeGas(const config::Settings& settings, const market::NetworkFee& fee,
+                   const market::MarketDataMap& quotes) {
+    GasPart part{.network = market::gasNetworkOf(settings.gasSource), .fee = fee.price, .arrival = fee.arrival};
     if (part.network == market::GasNetwork::Ethereum) {
         if (const auto price = ethereumPrice(quotes)) {
-            part.transferCost = transferCost(fee, *price);
+            part.transferCost = transferCost(fee.price, *price);
         }
     }
-    part.text = gasText(part.network, fee, part.transferCost);
+    part.text = gasText(part.network, fee.price, part.transferCost);
     return part;
+}
+
+std::vector<market::Arrival> arrivals(const StatusLine& line) {
+    std::vector<market::Arrival> all;
+    for (const auto& part : line.coins) {
+        all.push_back(part.quote.arrival);
+    }
+    if (line.gas) {
+        all.push_back(line.gas->arrival);
+    }
+    return all;
 }
 
 }  // namespace
 
-StatusLine composeStatusLine(const platform::Preferences& preferences, const std::vector<config::Coin>& coins,
-                             const market::MarketDataMap& quotes, std::optional<double> gasPrice,
-                             std::optional<std::string> error) {
-    StatusLine line{.sourceId = config::selectedSourceID(preferences),
-                    .parts = {.change24h = preferences.boolean(config::kShowChange),
-                              .highLow24h = preferences.boolean(config::kShowHighLow),
-                              .sparkline = preferences.boolean(config::kShowSparkline)}};
+bool StatusLine::hasOld() const {
+    return std::ranges::any_of(arrivals(*this), &market::Arrival::isOld);
+}
+
+bool StatusLine::areAllCoinsOld() const {
+    return !coins.empty() && std::ranges::all_of(coins, [](const auto& part) { return part.quote.arrival.isOld; });
+}
+
+std::optional<market::Arrival> StatusLine::oldest() const {
+    const auto all = arrivals(*this);
+    const auto found = std::ranges::min_element(all, {}, &market::Arrival::instant);
+    return found == all.end() ? std::nullopt : std::optional(*found);
+}
+
+std::optional<market::Arrival> StatusLine::newest() const {
+    const auto all = arrivals(*this);
+    const auto found = std::ranges::max_element(all, {}, &market::Arrival::instant);
+    return found == all.end() ? std::nullopt : std::optional(*found);
+}
+
+StatusLine composeStatusLine(const config::Settings& settings, const std::vector<config::Coin>& coins,
+                             const market::MarketDataMap& quotes, const std::optional<market::NetworkFee>& gasPrice,
+                             const std::optional<Outcome>& outcome) {
+    StatusLine line{.sourceId = settings.selectedSourceID,
+                    .parts = {.change24h = settings.showChange24h,
+                              .highLow24h = settings.showHighLow24h,
+                              .sparkline = settings.showSparkline}};
+    const bool isGoodAnswer = outcome && !outcome->error && outcome->hasPrices;
     for (std::size_t i = 0; i < std::min(coins.size(), kShownCoins); ++i) {
         if (const auto quote = quotes.find(coins[i].apiId); quote != quotes.end()) {
             line.coins.push_back(composeCoin(line.parts, coins[i], quote->second));
+        } else if (isGoodAnswer) {
+            line.lacking.push_back(coins[i].displayName);
         }
     }
-    if (quotes.empty()) {
-        line.emptyText = emptyLineText(error);
+    if (gasPrice && settings.showGasFee) {
+        line.gas = composeGas(settings, *gasPrice, quotes);
     }
-    if (gasPrice && preferences.boolean(config::kShowGasFee)) {
-        line.gas = composeGas(preferences, *gasPrice, quotes);
+    if (outcome) {
+        line.time = outcome->time;
+        line.error = outcome->error;
+        line.failure = failureText(outcome->error, outcome->hasPrices);
     }
-    line.error = std::move(error);
+    if (quotes.empty() && !coins.empty()) {
+        line.emptyText = outcome ? emptyLineText(outcome->error) : "Loading...";
+    }
     return line;
 }
 

@@ -9,14 +9,17 @@
 #include <string>
 #include <vector>
 
-namespace glintar::platform {
-class Preferences;
+namespace glintar::config {
+struct Settings;
 }
 
 namespace glintar::presenter {
 
 /// How many coins are shown, whatever the length of the user's list.
 inline constexpr std::size_t kShownCoins = 5;
+
+/// How opaque a price is drawn that the last refresh did not bring.
+inline constexpr double kOldOpacity = 0.55;
 
 /// One coin of the line: its quote, and what is shown of it. A part that is not shown is absent.
 struct CoinPart {
@@ -35,6 +38,7 @@ struct GasPart {
     double fee = 0;                      ///< sat/vB or Gwei
     std::optional<double> transferCost;  ///< dollars
     std::string text;
+    market::Arrival arrival;
 };
 
 /// What the preferences ask to be shown of every coin that has it.
@@ -44,6 +48,13 @@ struct ShownParts {
     bool sparkline = false;
 };
 
+/// What the last completed refresh that asked for quotes came to.
+struct Outcome {
+    std::optional<std::string> error;
+    bool hasPrices = true;  ///< of at least one coin of the user's
+    std::string time;       ///< when it ended, as the user reads it: "HH:mm:ss"
+};
+
 /// What the price line shows, before anybody draws or writes it.
 struct StatusLine {
     std::string sourceId;
@@ -51,15 +62,23 @@ struct StatusLine {
     std::vector<CoinPart> coins;
     std::optional<std::string> emptyText;  ///< in place of coins when there is no quote at all
     std::optional<GasPart> gas;
-    std::string time;                  ///< when it was composed, as the user reads it: "HH:mm:ss"
-    std::optional<std::string> error;  ///< of the refresh that led here; older quotes may be shown beside it
+    std::string time;                    ///< of the last try: "HH:mm:ss"; empty before the first
+    std::optional<std::string> error;    ///< of that try; older quotes may be shown beside it
+    std::optional<std::string> failure;  ///< in a few words, when that try brought no price: "⚠️ Net Error"
+    std::vector<std::string> lacking;    ///< names of coins that a good answer had no price for, and none is known
 
     [[nodiscard]] bool isEmpty() const { return coins.empty() && !emptyText && !gas; }
+    [[nodiscard]] bool hasOld() const;
+    [[nodiscard]] bool areAllCoinsOld() const;  ///< false without coins
+    [[nodiscard]] std::optional<market::Arrival> oldest() const;
+    [[nodiscard]] std::optional<market::Arrival> newest() const;
 };
 
-/// The first five coins that have a quote, in the user's order, with the parts that the preferences ask for.
-[[nodiscard]] StatusLine composeStatusLine(const platform::Preferences& preferences,
-                                           const std::vector<config::Coin>& coins, const market::MarketDataMap& quotes,
-                                           std::optional<double> gasPrice, std::optional<std::string> error);
+/// The first five coins that have a quote, in the user's order, with the parts that the settings ask for. Without an
+/// outcome no refresh has ended yet.
+[[nodiscard]] StatusLine composeStatusLine(const config::Settings& settings, const std::vector<config::Coin>& coins,
+                                           const market::MarketDataMap& quotes,
+                                           const std::optional<market::NetworkFee>& gasPrice,
+                                           const std::optional<Outcome>& outcome);
 
 }  // namespace glintar::presenter

@@ -15,7 +15,7 @@ namespace glintar::presenter {
 struct PanelData {
     std::vector<config::Coin> coins;  ///< at most five
     market::MarketDataMap quotes;
-    std::optional<double> gasPrice;
+    std::optional<market::NetworkFee> gasPrice;
     platform::Instant nextFetchTime;
 };
 

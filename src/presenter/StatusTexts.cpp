@@ -4,6 +4,7 @@
 #include "text/Unicode.h"
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include <cmath>
 
@@ -26,7 +27,8 @@ std::optional<std::string> referenceText(std::optional<double> referencePrice) {
 }
 
 std::string changeText(double change24h) {
-    return fmt::format("{}{}%", change24h >= 0 ? "+" : "", text::fixed(change24h, 2));
+    const double change = change24h + 0.0;  // makes the negative zero a plain one
+    return fmt::format("{}{}%", change >= 0 ? "+" : "", text::fixed(change, 2));
 }
 
 HighLowText highLowText(double high, double low) {
@@ -95,13 +97,33 @@ std::string emptyLineText(const std::optional<std::string>& error) {
     return error ? errorText(*error) : "No Price Data";
 }
 
-std::string tooltipText(const std::optional<std::string>& error, bool hasQuotes, bool isApiKeyInvalid,
+std::optional<std::string> failureText(const std::optional<std::string>& error, bool hasPrices) {
+    if (error) {
+        return errorText(*error);
+    }
+    return hasPrices ? std::nullopt : std::optional<std::string>("⚠️ No Price Data");
+}
+
+std::string tooltipText(const std::optional<std::string>& error, bool hasPrices, bool isApiKeyInvalid,
                         std::string_view time) {
     if (!error) {
-        return fmt::format("{}{}", hasQuotes ? "Last Updated: " : "⚠️ No Price Data @ ", time);
+        return fmt::format("{}{}", hasPrices ? "Last Updated: " : "⚠️ No Price Data @ ", time);
     }
     return isApiKeyInvalid ? fmt::format("⚠️ Invalid API Key (Reverted to 60s) @ {}", time)
                            : fmt::format("Error: {} @ {}", *error, time);
+}
+
+std::string oldPricesText(std::string_view oldest, std::string_view now) {
+    static constexpr std::size_t kDate = 10;
+    static constexpr std::size_t kClock = 8;
+    const auto date = oldest.substr(0, kDate);
+    const auto clock = oldest.substr(std::min(kDate + 1, oldest.size()), kClock);
+    return now.starts_with(date) ? fmt::format("Prices from {}", clock) : fmt::format("Prices from {} {}", date, clock);
+}
+
+std::string lackingText(std::string_view sourceName, const std::vector<std::string>& coins) {
+    return fmt::format("No price at {}: {}", text::oneLine(sourceName),
+                       text::oneLine(fmt::to_string(fmt::join(coins, ", "))));
 }
 
 bool isKeyRejection(std::string_view error) {

@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace glintar::presenter {
 
@@ -52,9 +53,19 @@ enum class GasLevel { Low, Middle, High };
 /// What stands in place of the coins when there is no quote at all.
 [[nodiscard]] std::string emptyLineText(const std::optional<std::string>& error);
 
-/// `time` as "HH:mm:ss".
-[[nodiscard]] std::string tooltipText(const std::optional<std::string>& error, bool hasQuotes, bool isApiKeyInvalid,
+/// What stands before quotes that the last refresh did not bring: the error, or that there was no price in the answer.
+/// None after a good one.
+[[nodiscard]] std::optional<std::string> failureText(const std::optional<std::string>& error, bool hasPrices);
+
+/// How the last refresh ended; `time` as "HH:mm:ss".
+[[nodiscard]] std::string tooltipText(const std::optional<std::string>& error, bool hasPrices, bool isApiKeyInvalid,
                                       std::string_view time);
+
+/// "Prices from 14:58:56", with the date when it is another one than today's. Both as RFC 3339 timestamps.
+[[nodiscard]] std::string oldPricesText(std::string_view oldest, std::string_view now);
+
+/// "No price at Binance: XYZ, ABC".
+[[nodiscard]] std::string lackingText(std::string_view sourceName, const std::vector<std::string>& coins);
 
 /// Whether the service refused the API key (401 or 403).
 [[nodiscard]] bool isKeyRejection(std::string_view error);

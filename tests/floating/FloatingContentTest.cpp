@@ -1,6 +1,4 @@
-#include "config/Settings.h"
 #include "floating/FloatingContent.h"
-#include "platform/virtual/VirtualStores.h"
 #include "support/Market.h"
 
 #include <gtest/gtest.h>
@@ -18,15 +16,15 @@ constexpr double kInfinity = std::numeric_limits<double>::infinity();
 class FloatingContentTest : public testing::Test {
 protected:
     FloatingContentTest() {
-        for (const auto key :
-             {config::kShowChange, config::kShowHighLow, config::kShowSparkline, config::kShowGasFee}) {
-            preferences.setBoolean(key, true);
-        }
+        state.settings.showChange24h = true;
+        state.settings.showHighLow24h = true;
+        state.settings.showSparkline = true;
+        state.settings.showGasFee = true;
         state.currentCoins = {test::coin("Bitcoin", "bitcoin", 60000)};
         state.marketData["bitcoin"] = quote;
     }
 
-    FloatingContent compose() const { return composeContent(state, preferences, Appearance::Dark); }
+    FloatingContent compose() const { return composeContent(state, Appearance::Dark); }
 
     /// The row of one coin with this quote: its cells' lines, a sparkline as its number of prices.
     std::vector<std::vector<std::string>> row() {
@@ -62,7 +60,6 @@ protected:
         return all;
     }
 
-    platform::VirtualPreferences preferences;
     market::UnifiedMarketData quote{.price = 64250.5,
                                     .change24h = 2.54,
                                     .high24h = 71234.5,
@@ -76,11 +73,11 @@ using Lines = std::vector<std::vector<std::string>>;
 TEST_F(FloatingContentTest, ARowSaysWhatTheQuoteHoldsAndTheUserWants) {
     EXPECT_EQ(row(), (Lines{{"BITC"}, {"64250.50", "Ref: 60000.00"}, {"+2.5%", "71234.50/0.6900"}, {"~3"}}));
 
-    preferences.setBoolean(config::kShowChange, false);
+    state.settings.showChange24h = false;
     EXPECT_EQ(row(), (Lines{{"BITC"}, {"64250.50", "Ref: 60000.00"}, {"71234.50/0.6900"}, {"~3"}}));
-    preferences.setBoolean(config::kShowHighLow, false);
+    state.settings.showHighLow24h = false;
     EXPECT_EQ(row(), (Lines{{"BITC"}, {"64250.50", "Ref: 60000.00"}, {"~3"}}));
-    preferences.setBoolean(config::kShowSparkline, false);
+    state.settings.showSparkline = false;
     EXPECT_EQ(row(), (Lines{{"BITC"}, {"64250.50", "Ref: 60000.00"}}));
 }
 
@@ -151,12 +148,12 @@ TEST_F(FloatingContentTest, FeesReadByNetworkAndSize) {
     state.marketData["ethereum"].price = 1e308;
     EXPECT_EQ(fee(1e15), "ETH|<fuelpump.fill>|1000000000000000|Gwei") << "a cost beyond double is none";
 
-    preferences.setInteger(config::kGasSource, 1);
+    state.settings.gasSource = 1;
     EXPECT_EQ(fee(12.7), "BTC|<fuelpump.fill>| 12 sat/vB");
     EXPECT_EQ(fee(0x1p63), "BTC|<fuelpump.fill>| — sat/vB");
     EXPECT_EQ(fee(-0x1p63), "BTC|<fuelpump.fill>| -9223372036854775808 sat/vB");
 
-    preferences.setBoolean(config::kShowGasFee, false);
+    state.settings.showGasFee = false;
     EXPECT_EQ(fee(12), "");
 }
 

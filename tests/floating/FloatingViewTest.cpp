@@ -1,8 +1,6 @@
-#include "config/Settings.h"
 #include "floating/FloatingView.h"
 #include "floating/PanelLayout.h"
 #include "platform/virtual/VirtualGraphics.h"
-#include "platform/virtual/VirtualStores.h"
 #include "support/Market.h"
 
 #include <gmock/gmock.h>
@@ -23,13 +21,13 @@ using Kind = Drawn::Kind;
 class FloatingViewTest : public testing::Test {
 protected:
     PanelLayout layOut(double scale = 1, double margin = 0) const {
-        return layOutPanel(composeContent(state, preferences, platform::Appearance::Dark), graphics, PixelGrid(scale),
+        return layOutPanel(composeContent(state, platform::Appearance::Dark), graphics, PixelGrid(scale),
                            margin);
     }
     void showTwoCoins() {
-        for (const auto key : {config::kShowChange, config::kShowHighLow, config::kShowSparkline}) {
-            preferences.setBoolean(key, true);
-        }
+        state.settings.showChange24h = true;
+        state.settings.showHighLow24h = true;
+        state.settings.showSparkline = true;
         state.currentCoins = {test::coin("Bitcoin", "bitcoin", 60000), test::coin("ETH", "ethereum")};
         state.marketData["bitcoin"] = {.price = 64250.5,
                                        .change24h = 2.5,
@@ -58,9 +56,8 @@ protected:
     }
 
     platform::VirtualGraphics graphics;
-    platform::VirtualPreferences preferences;
     FloatingState state;
-    FloatingView view{preferences, graphics};
+    FloatingView view{graphics};
 };
 
 // The numbers below are worked out by hand: a character is 0.6 of its font's size wide, a line 1.2 of it high
@@ -76,8 +73,8 @@ TEST_F(FloatingViewTest, AnEmptyPanelIsItsHeaderAboveOneLine) {
 }
 
 TEST_F(FloatingViewTest, AFeeStandsBesideTheName) {
-    preferences.setBoolean(config::kShowGasFee, true);
-    preferences.setInteger(config::kGasSource, 1);
+    state.settings.showGasFee = true;
+    state.settings.gasSource = 1;
     state.currentGasPrice = 12.7;
     auto layout = layOut();
     EXPECT_EQ(layout.plate.size(), (Size{227, 66}));
@@ -118,7 +115,7 @@ TEST_F(FloatingViewTest, AGridWithoutAQuoteIsItsPadding) {
 
 TEST_F(FloatingViewTest, EverythingBeginsOnAWholePixelWhateverTheRatio) {
     showTwoCoins();
-    preferences.setBoolean(config::kShowGasFee, true);
+    state.settings.showGasFee = true;
     state.currentGasPrice = 12.7;
     for (const double scale : {1.25, 1.5, 1.75, 2.25}) {
         const auto isWhole = [scale](double length) {

@@ -51,7 +51,7 @@ TEST_F(LineCommandTest, PrintsOneLineForEachCompletedRefresh) {
     EXPECT_THAT(output.lines, ElementsAre("BTC 64012.55 (60000.00)", "BTC 64012.55 (60000.00)"));
     machine.http.fail("gecko.test", {platform::HttpError::Kind::Connection, "down"});
     machine.advance(60s);
-    EXPECT_EQ(output.lines.back(), "BTC 64012.55 (60000.00) | ⚠️ Net Error") << "old prices do not pass for new ones";
+    EXPECT_EQ(output.lines.back(), "⚠️ Net Error | BTC 64012.55 (60000.00)") << "old prices do not pass for new ones";
     EXPECT_THAT(finished, IsEmpty());
     command->interrupt();
     EXPECT_THAT(finished, ElementsAre(0));
@@ -84,10 +84,11 @@ TEST_F(LineCommandTest, BothDocumentsAreLookedAfterUnlessItRunsOnceOrOnASimulate
 
 TEST_F(LineCommandTest, OnceAsksTheKeyRingOnlyWhereTheSourceTakesAKey) {
     run({.once = true}, 10ms);
-    EXPECT_EQ(machine.secrets.reads, 1);
+    const int reads = machine.secrets.reads;
+    EXPECT_GT(reads, 0);
     machine.preferences.setString("selectedSourceID", "gate");
     run({.once = true}, 10ms);
-    EXPECT_EQ(machine.secrets.reads, 1);
+    EXPECT_EQ(machine.secrets.reads, reads);
 }
 
 TEST_F(LineCommandTest, OnceWithoutAPriceSaysWhyAndEndsWithOne) {
@@ -161,12 +162,14 @@ TEST_F(LineCommandTest, JsonHoldsTheWholeAnswer) {
     run({.format = app::Format::Json, .once = true}, 1s);
     ASSERT_THAT(output.lines, SizeIs(1));
     const std::string expected =
-        R"j({"time":"03:04:05","source":"coingecko","error":null,"tooltip":"Last Updated: 03:04:05",)j"
+        R"j({"time":"03:04:05","updated":"2026-01-02T03:04:05+00:00","stale":false,"source":"coingecko","error":null,)j"
+        R"j("tooltip":"Last Updated: 03:04:05\nNo price at CoinGecko: X",)j"
         R"j("text":"BTC 0.1000 (60000.00) +1.25% █▁ | E 1000000000000000000000.00 | ⛽ 1.50G ($31500000000000000.000)",)j"
         R"j("coins":[{"id":"bitcoin","name":"btc","price":0.1,"reference":60000,"change24h":1.25,"high24h":3,)j"
-        R"j("low24h":null,"sparkline":[1,0.30000000000000004],"image":"https://i/\"1.png"},)j"
+        R"j("low24h":null,"sparkline":[1,0.30000000000000004],"image":"https://i/\"1.png",)j"
+        R"j("updated":"2026-01-02T03:04:05+00:00","stale":false},)j"
         R"j({"id":"ethereum","name":"E","price":1e+21,"reference":null,"change24h":null,"high24h":null,)j"
-        R"j("low24h":null,"sparkline":null,"image":null}],)j"
+        R"j("low24h":null,"sparkline":null,"image":null,"updated":"2026-01-02T03:04:05+00:00","stale":false}],)j"
         R"j("gas":{"network":"ethereum","fee":1.5,"transferCost":3.15e+16}})j";
     EXPECT_EQ(output.lines[0], expected);
 }

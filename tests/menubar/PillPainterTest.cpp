@@ -16,7 +16,8 @@ protected:
                                              [this] { ++redisplays; });
     }
     presenter::StatusLine line() const {
-        return presenter::composeStatusLine(machine.preferences, coins, quotes, gas, error);
+        return presenter::composeStatusLine(config::Settings::load(machine.preferences), coins, quotes, gas,
+                                            presenter::Outcome{.error = error});
     }
     void drawWhileIconsArrive();
 };

@@ -82,6 +82,7 @@ TEST_F(StatusItemsTest, PillsStandInTheUsersOrderWhicheverIsFinishedFirst) {
 
 TEST_F(StatusItemsTest, WordsStandWhereThereIsNoQuote) {
     error = "HTTP 429";
+    coins = {test::coin("BTC", "bitcoin")};
     show();
     settle();
     const auto words = [&] { return std::get<TextRun>(display().title.at(0)); };
@@ -241,6 +242,8 @@ TEST_F(StatusItemsTest, TheCountdownIsReplacedWhenItLooksDifferent) {
     items->showProgress(0.5 + 0.9 / 132, 60s);
     EXPECT_EQ(display().imagesSet, 1);
     machine.preferences.setString("selectedSourceID", "binance");
+    add("btc");
+    show();
     items->showProgress(0.5, 60s);
     EXPECT_EQ(platform::drawn(display().image).operations.at(0).text, "network");
     desktop.statusBar.setScale(2);

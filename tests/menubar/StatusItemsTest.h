@@ -1,5 +1,6 @@
 #pragma once
 
+#include "config/Settings.h"
 #include "menubar/CoinIcons.h"
 #include "menubar/StatusItems.h"
 #include "platform/virtual/VirtualDesktop.h"
@@ -76,7 +77,8 @@ protected:
 
     /// Hands the line to the items, without letting work run.
     void show(std::optional<std::string> tooltip = std::nullopt) {
-        items->renderStatusItem(presenter::composeStatusLine(machine.preferences, coins, quotes, gas, error),
+        items->renderStatusItem(presenter::composeStatusLine(config::Settings::load(machine.preferences), coins, quotes,
+                                                             gas, presenter::Outcome{.error = error}),
                                 std::move(tooltip));
     }
 

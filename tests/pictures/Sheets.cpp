@@ -94,12 +94,14 @@ QImage pills(const Graphics& graphics, Appearance appearance, double scale) {
     const ImagePtr icon = graphics.image("AppIcon");
     VirtualPreferences preferences;
     const auto pill = [&](const config::Coin& shown, const market::UnifiedMarketData& its, const ImagePtr& head) {
-        const auto line = presenter::composeStatusLine(preferences, {shown}, {{shown.apiId, its}}, {}, {});
+        const auto line =
+            presenter::composeStatusLine(config::Settings::load(preferences), {shown}, {{shown.apiId, its}}, {}, {});
         return renderCoinPill(graphics, line.coins.front(), head, look);
     };
     const auto fee = [&](int source, double its) {
         preferences.setInteger(config::kGasSource, source);
-        const auto line = presenter::composeStatusLine(preferences, {}, {{"ethereum", quote(3'105.2, 0)}}, its, {});
+        const auto line = presenter::composeStatusLine(config::Settings::load(preferences), {},
+                                                       {{"ethereum", quote(3'105.2, 0)}}, its, {});
         return renderGasPill(graphics, *line.gas, look);
     };
     const auto countdown = [&](const char* source, double elapsed) {
@@ -128,9 +130,9 @@ QImage pills(const Graphics& graphics, Appearance appearance, double scale) {
     return arranged(rows, isDark ? QColor(0x20, 0x22, 0x26) : QColor(0xf4, 0xf4, 0xf4), 8, scale);
 }
 
-ImagePtr panel(const Graphics& graphics, const VirtualPreferences& preferences, const floating::FloatingState& state,
+ImagePtr panel(const Graphics& graphics, const floating::FloatingState& state,
                const floating::FloatingView::Surroundings& surroundings, double timeProgress) {
-    floating::FloatingView view(preferences, graphics);
+    floating::FloatingView view(graphics);
     view.update(state, surroundings, timeProgress);
     return view.picture();
 }
@@ -147,29 +149,28 @@ QImage panels(const Graphics& graphics, Appearance appearance, double scale) {
         .currentGasPrice = 9.5};
     const QColor ground = appearance == Appearance::Dark ? QColor(0x42, 0x50, 0x60) : QColor(0xc8, 0xd2, 0xdc);
     static constexpr double kGap = 4;
-    VirtualPreferences preferences;
-    show(preferences, true, true, true);
+    state.settings = {.showChange24h = true, .showHighLow24h = true, .showSparkline = true, .showGasFee = true};
     if (scale > 1) {
         state.currentCoins.resize(1);
     }
-    const ImagePtr plate = panel(graphics, preferences, state, {appearance, scale}, 0.7);
+    const ImagePtr plate = panel(graphics, state, {appearance, scale}, 0.7);
     if (scale > 1) {
         return arranged({{plate}}, ground, kGap, scale);
     }
 
-    preferences.setInteger(config::kGasSource, 1);
+    state.settings.gasSource = 1;
     state.currentCoins.resize(1);
     state.currentGasPrice = 50;
     state.sourceID = "binance";
     state.isTransparent = true;
-    const ImagePtr transparent = panel(graphics, preferences, state, {appearance, scale}, 0.6);
+    const ImagePtr transparent = panel(graphics, state, {appearance, scale}, 0.6);
 
-    show(preferences, false, false, false);
+    state.settings = {.showGasFee = true, .gasSource = 1};
     state.sourceID = "my exchange";
     state.currentGasPrice = 20;
-    const ImagePtr outlined = panel(graphics, preferences, state, {appearance, scale, false}, 0.2);
+    const ImagePtr outlined = panel(graphics, state, {appearance, scale, false}, 0.2);
     state.isTransparent = false;
-    const ImagePtr rimmed = panel(graphics, preferences, state, {appearance, scale, false}, 0.2);
+    const ImagePtr rimmed = panel(graphics, state, {appearance, scale, false}, 0.2);
     return arranged({{plate}, {transparent}, {outlined}, {rimmed}}, ground, kGap, scale);
 }
 

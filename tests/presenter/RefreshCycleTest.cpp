@@ -60,7 +60,7 @@ TEST_F(RefreshCycleTest, ARejectedKeySlowsDownUntilTheSettingsAreSaved) {
     machine.http.answer("gecko.test", "", 403);
     machine.advance(30s);
     EXPECT_EQ(RefreshState::shared(machine.platform()).currentInterval.count(), 60);
-    EXPECT_EQ(surface.tooltip, "⚠️ Invalid API Key (Reverted to 60s) @ 03:04:36");
+    EXPECT_EQ(surface.tooltip, "⚠️ Invalid API Key (Reverted to 60s) @ 03:04:36\nPrices from 03:04:06");
     EXPECT_THAT(shownPrices(), ElementsAre("64000.00")) << "the last good prices stay";
     const int asked = quotesAsked();
     machine.advance(120s + 300ms);
@@ -81,7 +81,7 @@ TEST_F(RefreshCycleTest, AnOutageKeepsTheLastPricesAndSaysSo) {
     machine.advance(60s);
     EXPECT_THAT(shownPrices(), ElementsAre("64000.00"));
     EXPECT_EQ(surface.line.error, "Network Error");
-    EXPECT_EQ(surface.tooltip, "Error: Network Error @ 03:05:06");
+    EXPECT_EQ(surface.tooltip, "Error: Network Error @ 03:05:06\nPrices from 03:04:06");
     EXPECT_THAT(RefreshState::shared(machine.platform()).latestMarketData, SizeIs(1));
     machine.http.answer("gecko.test", test::geckoAnswer({"bitcoin"}, 63000));
     machine.advance(60s);
@@ -102,7 +102,7 @@ TEST_F(RefreshCycleTest, WithNothingToShowTheErrorStandsInTheLine) {
 }
 
 TEST_F(RefreshCycleTest, ABurstOfRequestsBecomesOneAndEarlyTicksAreDropped) {
-    using Urgency = StatusBarController::Urgency;
+    using Urgency = Urgency;
     using Scope = StatusBarController::Scope;
     begin();
     machine.advance(10s);
@@ -163,7 +163,7 @@ TEST_F(RefreshCycleTest, ThePanelGetsTheFirstFiveAndTheLineIsHidden) {
     ASSERT_THAT(surface.panels, SizeIs(1));
     coins.resize(5);
     EXPECT_EQ(config::encodeCoins(surface.panels[0].coins), config::encodeCoins(coins));
-    EXPECT_EQ(surface.panels[0].gasPrice, 7);
+    EXPECT_EQ(surface.panels[0].gasPrice.value().price, 7);
     EXPECT_EQ(surface.panels[0].nextFetchTime, RefreshState::shared(machine.platform()).nextFetchTime);
     EXPECT_EQ(surface.mode, DisplayMode::Panel);
     EXPECT_EQ(surface.linesShown, 0);
@@ -176,12 +176,12 @@ TEST_F(RefreshCycleTest, ThePanelGetsTheFirstFiveAndTheLineIsHidden) {
     EXPECT_EQ(machine.console.count("🚨 [API]"), 0) << "a rejected key shows only in the line";
     displaySettingsSaved();
     EXPECT_THAT(surface.panels, SizeIs(3));
-    EXPECT_EQ(surface.panels.back().gasPrice, 7);
+    EXPECT_EQ(surface.panels.back().gasPrice.value().price, 7);
     controller->forceFullUpdate();
     ASSERT_THAT(surface.panels, SizeIs(4)) << "what is known is shown before what is asked";
     EXPECT_EQ(surface.panels.back().gasPrice, std::nullopt) << "a full refresh begins without a fee";
     machine.advance(1s);
-    EXPECT_EQ(surface.panels.back().gasPrice, 7);
+    EXPECT_EQ(surface.panels.back().gasPrice.value().price, 7);
     showGas(0);
     machine.notifications.post(config::kDisplaySettingsChanged);
     EXPECT_EQ(surface.panels.back().gasPrice, std::nullopt) << "the other network's";

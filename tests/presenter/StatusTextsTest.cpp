@@ -1,3 +1,4 @@
+#include "config/Settings.h"
 #include "platform/virtual/VirtualStores.h"
 #include "presenter/StatusLine.h"
 #include "presenter/StatusTexts.h"
@@ -90,7 +91,9 @@ protected:
 TEST_F(StatusLineTest, APartIsThereWhenItIsWantedAndKnown) {
     const std::vector<config::Coin> coins{test::coin("BTC", "bitcoin", 5)};
     const auto compose = [&](const market::UnifiedMarketData& quote) {
-        return composeStatusLine(preferences, coins, {{"bitcoin", quote}}, std::nullopt, std::nullopt).coins.at(0);
+        return composeStatusLine(config::Settings::load(preferences), coins, {{"bitcoin", quote}}, std::nullopt,
+                                 Outcome{})
+            .coins.at(0);
     };
     auto part = compose(whole);
     EXPECT_TRUE(part.reference && part.change && part.highLow && part.showsSparkline);
@@ -122,7 +125,7 @@ TEST_F(StatusLineTest, OnlyTheFirstFiveCoinsCountAndMissingOnesLeaveNoGap) {
             quotes[id] = whole;
         }
     }
-    const auto line = composeStatusLine(preferences, coins, quotes, std::nullopt, std::nullopt);
+    const auto line = composeStatusLine(config::Settings::load(preferences), coins, quotes, std::nullopt, Outcome{});
     std::string shown;
     for (const auto& part : line.coins) {
         shown += part.coin.apiId;
@@ -132,11 +135,16 @@ TEST_F(StatusLineTest, OnlyTheFirstFiveCoinsCountAndMissingOnesLeaveNoGap) {
 
 TEST_F(StatusLineTest, NothingToShowIsEmptyAndNoQuotesAtAllSaySo) {
     const std::vector<config::Coin> coins{test::coin("BTC", "bitcoin")};
-    EXPECT_TRUE(composeStatusLine(preferences, coins, {{"other", whole}}, std::nullopt, std::nullopt).isEmpty());
-    EXPECT_EQ(composeStatusLine(preferences, coins, {}, std::nullopt, "Network Error").emptyText, "⚠️ Net Error");
-    EXPECT_TRUE(composeStatusLine(preferences, coins, {}, 7, std::nullopt).gas);
+    EXPECT_TRUE(
+        composeStatusLine(config::Settings::load(preferences), coins, {{"other", whole}}, std::nullopt, Outcome{})
+            .isEmpty());
+    EXPECT_EQ(composeStatusLine(config::Settings::load(preferences), coins, {}, std::nullopt,
+                                Outcome{.error = "Network Error"})
+                  .emptyText,
+              "⚠️ Net Error");
+    EXPECT_TRUE(composeStatusLine(config::Settings::load(preferences), coins, {}, 7, Outcome{}).gas);
     preferences.setBoolean("showGasFee", false);
-    EXPECT_FALSE(composeStatusLine(preferences, coins, {}, 7, std::nullopt).gas);
+    EXPECT_FALSE(composeStatusLine(config::Settings::load(preferences), coins, {}, 7, Outcome{}).gas);
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 #include <sys/random.h>
 
+#include <cstdlib>
 #include <ctime>
 
 namespace glintar::platform {
@@ -16,12 +17,28 @@ void KernelEntropy::fill(std::span<std::byte> bytes) {
     }
 }
 
-std::string ZoneLocalTime::clockText(WallTime time) const {
+namespace {
+
+std::tm localParts(WallTime time) {
     const std::time_t seconds = std::chrono::system_clock::to_time_t(time);
     std::tm parts{};
     ::tzset();
     ::localtime_r(&seconds, &parts);
+    return parts;
+}
+
+}  // namespace
+
+std::string ZoneLocalTime::clockText(WallTime time) const {
+    const std::tm parts = localParts(time);
     return fmt::format("{:02}:{:02}:{:02}", parts.tm_hour, parts.tm_min, parts.tm_sec);
+}
+
+std::string ZoneLocalTime::timestamp(WallTime time) const {
+    const std::tm parts = localParts(time);
+    const long minutes = std::abs(parts.tm_gmtoff) / 60;
+    return fmt::format("{:04}-{:02}-{:02}T{}{}{:02}:{:02}", parts.tm_year + 1900, parts.tm_mon + 1, parts.tm_mday,
+                       clockText(time), parts.tm_gmtoff < 0 ? '-' : '+', minutes / 60, minutes % 60);
 }
 
 }  // namespace glintar::platform

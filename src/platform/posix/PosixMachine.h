@@ -14,6 +14,7 @@ public:
 class ZoneLocalTime final : public LocalTime {
 public:
     std::string clockText(WallTime time) const override;
+    std::string timestamp(WallTime time) const override;
 };
 
 }  // namespace glintar::platform

@@ -99,4 +99,10 @@ std::string VirtualLocalTime::clockText(WallTime time) const {
     return fmt::format("{:02}:{:02}:{:02}", ofDay.hours().count(), ofDay.minutes().count(), ofDay.seconds().count());
 }
 
+std::string VirtualLocalTime::timestamp(WallTime time) const {
+    const std::chrono::year_month_day day{std::chrono::floor<std::chrono::days>(time)};
+    return fmt::format("{:04}-{:02}-{:02}T{}+00:00", static_cast<int>(day.year()), static_cast<unsigned>(day.month()),
+                       static_cast<unsigned>(day.day()), clockText(time));
+}
+
 }  // namespace glintar::platform

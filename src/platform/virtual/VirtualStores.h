@@ -134,6 +134,7 @@ private:
 class VirtualLocalTime final : public LocalTime {
 public:
     std::string clockText(WallTime time) const override;  ///< in UTC
+    std::string timestamp(WallTime time) const override;
 };
 
 }  // namespace glintar::platform

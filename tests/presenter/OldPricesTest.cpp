@@ -1,0 +1,136 @@
+// Prices that the last refresh did not bring stay, and look it.
+
+#include "keystore/KeychainHelper.h"
+#include "platform/DesktopEvents.h"
+#include "presenter/LineText.h"
+#include "presenter/RefreshCycle.h"
+#include "presenter/RefreshState.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace glintar::presenter {
+namespace {
+
+constexpr auto kFee = R"({"halfHourFee":7})";
+
+class OldPricesTest : public RefreshCycleTest {
+protected:
+    OldPricesTest() {
+        save({test::coin("BTC", "bitcoin"), test::coin("ETH", "ethereum")});
+        machine.http.answer("gecko.test", test::geckoAnswer({"bitcoin", "ethereum"}, 64000));
+        showGas(1);
+    }
+    std::string text() const { return plainText(surface.line); }
+    void saved() {
+        machine.notifications.post(config::kCoinsUpdated);
+        machine.advance(1s);
+    }
+};
+
+struct AgeCase {
+    const char* name;
+    std::string quotes;
+    int status;
+    const char* fee;
+    const char* text;
+    const char* tooltip;
+};
+
+class AnswerAgeTest : public OldPricesTest, public testing::WithParamInterface<AgeCase> {};
+
+TEST_P(AnswerAgeTest, WhatAnAnswerLacksIsOldUntilItComesAgain) {
+    begin();
+    machine.http.answer("gecko.test", GetParam().quotes, GetParam().status);
+    machine.http.answer("btc.test", GetParam().fee);
+    machine.advance(60s);
+    EXPECT_EQ(text(), GetParam().text);
+    EXPECT_EQ(surface.tooltip, GetParam().tooltip);
+
+    machine.advance(10s);
+    controller->redisplayFromCache();
+    controller->onDisplaySettingsChanged();
+    EXPECT_EQ(text(), GetParam().text) << "drawn again";
+    EXPECT_EQ(surface.tooltip, GetParam().tooltip) << "drawn again";
+
+    machine.http.answer("gecko.test", test::geckoAnswer({"bitcoin", "ethereum"}, 66000));
+    machine.http.answer("btc.test", kFee);
+    machine.advance(50s);
+    EXPECT_EQ(text(), "BTC 66000.00 | ETH 66000.00 | ₿ 7 sat");
+    EXPECT_EQ(surface.tooltip, "Last Updated: 03:06:06");
+}
+
+const auto both = test::geckoAnswer({"bitcoin", "ethereum"}, 65000);
+INSTANTIATE_TEST_SUITE_P(
+    OldPrices, AnswerAgeTest,
+    testing::Values(AgeCase{"OneCoin", test::geckoAnswer({"bitcoin"}, 65000), 200, kFee,
+                            "BTC 65000.00 | ⚠️ ETH 64000.00 | ₿ 7 sat", "Last Updated: 03:05:06\nPrices from 03:04:06"},
+                    AgeCase{"TheFee", both, 200, "<html>", "BTC 65000.00 | ETH 65000.00 | ⚠️ ₿ 7 sat",
+                            "Last Updated: 03:05:06\nPrices from 03:04:06"},
+                    AgeCase{"ALogInPage", "<html>", 200, kFee,
+                            "⚠️ No Price Data | BTC 64000.00 | ETH 64000.00 | ₿ 7 sat",
+                            "⚠️ No Price Data @ 03:05:06\nPrices from 03:04:06"},
+                    AgeCase{"NullPricesAndNoFee", R"([{"id":"bitcoin","current_price":null}])", 200, "{}",
+                            "⚠️ No Price Data | BTC 64000.00 | ETH 64000.00 | ₿ 7 sat",
+                            "⚠️ No Price Data @ 03:05:06\nPrices from 03:04:06"},
+                    AgeCase{"ARefusalWithoutAKey", both, 403, kFee, "⚠️ Error | BTC 64000.00 | ETH 64000.00 | ₿ 7 sat",
+                            "Error: HTTP 403 @ 03:05:06\nPrices from 03:04:06"}),
+    [](const auto& test) { return test.param.name; });
+
+TEST_F(OldPricesTest, AnotherDaySaysWhich) {
+    begin();
+    machine.http.fail("gecko.test", {});
+    machine.advance(24h);
+    EXPECT_THAT(surface.tooltip, testing::HasSubstr("\nPrices from 2026-01-02 03:04:06"));
+}
+
+TEST_F(OldPricesTest, AChangeDuringAFetchIsFollowedByAnotherAndNeverShowsAWrongPair) {
+    begin();
+    machine.http.answer("binance.test", R"({"lastPrice":"1.5"})");
+    const int asked = quotesAsked();
+    machine.http.latency = 5s;
+    machine.advance(60s);  // the fetch is under way
+    machine.preferences.setString("selectedSourceID", "binance");
+    save({test::coin("SOL", "solana")});
+    saved();
+    EXPECT_EQ(text(), "Loading...") << "nothing of the old source";
+    machine.http.latency = 5ms;
+    machine.advance(5s);
+    EXPECT_EQ(quotesAsked(), asked + 1);
+    EXPECT_EQ(text(), "SOL 1.50 | ₿ 7 sat") << "asked for at once, and the late answer is dropped";
+
+    save({});
+    machine.preferences.setBoolean("showGasFee", false);
+    saved();
+    EXPECT_TRUE(surface.line.isEmpty());
+    save({test::coin("SOL", "solana")});
+    machine.http.latency = 5s;
+    saved();
+    EXPECT_EQ(text(), "Loading...") << "a coin that was removed does not come back with its old price";
+}
+
+TEST_F(OldPricesTest, AFeeFromTheCacheIsNoSuccessOfTheQuotes) {
+    begin();
+    machine.http.fail("gecko.test", {});
+    machine.advance(60s);
+    machine.http.answer("gecko.test", both);
+    showGas(0);
+    displaySettingsSaved();
+    EXPECT_EQ(text(), "⚠️ Net Error | BTC 64000.00 | ETH 64000.00 | ⛽ 12G ($16.128)");
+    machine.notifications.post(platform::kNetworkCameBack);
+    machine.advance(2s);
+    EXPECT_EQ(text(), "BTC 65000.00 | ETH 65000.00 | ⛽ 12G ($16.380)");
+}
+
+TEST_F(OldPricesTest, ARefusedKeyIsNoticedBesideThePanelToo) {
+    keystore::KeychainHelper(machine.platform()).save("CG-123", "apiKey_coingecko");
+    machine.preferences.setInteger("displayMode", 1);
+    begin();
+    machine.http.answer("gecko.test", "", 401);
+    machine.advance(30s);
+    EXPECT_EQ(RefreshState::shared(machine.platform()).currentInterval.count(), 60);
+    EXPECT_TRUE(surface.panels.back().quotes.at("bitcoin").arrival.isOld);
+}
+
+}  // namespace
+}  // namespace glintar::presenter
