@@ -251,6 +251,10 @@ void StatusBarController::forgetWhatIsNotWanted() {
             return !isPhantom && std::ranges::find(coins, entry.first, &config::Coin::apiId) == coins.end();
         });
         state_.latestMarketData = *cachedMarketData_;
+        if (cachedMarketData_->empty()) {  // nobody has asked for these coins yet
+            cachedMarketData_.reset();
+            outcome_.reset();
+        }
     }
 }
 
