@@ -29,13 +29,28 @@ using AttributedText = std::vector<std::variant<TextRun, PictureRun>>;
 struct MenuItem {
     std::string title;
     std::function<void()> action;
-    char shortcut = 0;  ///< a letter, pressed with Control; 0 for none
+    char shortcut = 0;  ///< a letter, pressed with Control, in the open menu or a window of ours; 0 for none
     bool isEnabled = true;
     bool isSeparator = false;
 };
 using Menu = std::vector<MenuItem>;
 
 enum class MouseButton { Left, Right };
+
+/// What the user sees of an item.
+struct ItemSight {
+    enum class Cover {
+        None,       ///< it is seen, at least in part
+        Windows,    ///< wholly behind other windows
+        FullScreen  ///< wholly behind a window that fills the screen, which covers the bar on purpose
+    };
+
+    Cover cover = Cover::None;
+    double width = 0;             ///< points; 0 while it is not on screen
+    double left = 0;              ///< its left edge on screen
+    bool isPlacedByUser = false;  ///< the bar is where the user dragged it
+    int leftOut = 0;              ///< pictures and texts at the end of the title for which the screen has no room
+};
 
 /// One place in the status bar: an image, and a line of text to its right. Shown from the start, empty. It goes when
 /// the handle goes. Main thread only.
@@ -59,6 +74,9 @@ public:
 
     /// On screen; empty while it is not shown.
     [[nodiscard]] virtual Rect frame() const = 0;
+
+    /// Asks the desktop about each of its windows, which takes some tenths of a millisecond.
+    [[nodiscard]] virtual ItemSight sight() const = 0;
 
     /// A button was let go on the item, without having dragged the bar.
     std::function<void(MouseButton)> onMouseUp;

@@ -50,6 +50,10 @@ public:
     virtual void close() = 0;
     [[nodiscard]] virtual bool isVisible() const = 0;
 
+    /// Whether what lies behind the window shows through where its content is not opaque: a borderless one, under a
+    /// compositor. If not, such content needs square corners.
+    [[nodiscard]] virtual bool isTranslucent() const = 0;
+
     /// Runs when a window that was shown has been closed, by `close`, Escape or the window manager. It may destroy the
     /// window.
     std::function<void()> onClosed;
@@ -57,7 +61,7 @@ public:
     std::function<void()> onFittingSizeChanged;
     /// Runs when the user moved the window.
     std::function<void()> onMoved;
-    /// Runs when screens came, went or changed, or a compositor did.
+    /// Runs when screens came, went or changed, or `isTranslucent` answers differently.
     std::function<void()> onSurroundingsChanged;
 };
 

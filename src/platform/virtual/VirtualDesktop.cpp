@@ -24,6 +24,7 @@ public:
     void setMenu(Menu menu) override { state_->menu = std::move(menu); }
     void popUpMenu(Point at) override { state_->menuShownAt = at; }
     Rect frame() const override { return state_->frame; }
+    ItemSight sight() const override { return state_->sight; }
 
 private:
     std::shared_ptr<ItemState> state_;
@@ -57,6 +58,7 @@ public:
         }
     }
     bool isVisible() const override { return state_->isVisible; }
+    bool isTranslucent() const override { return state_->isTranslucent; }
 
 private:
     std::shared_ptr<WindowState> state_;

@@ -30,6 +30,7 @@ struct ItemState {
     Menu menu;
     std::optional<Point> menuShownAt;
     Rect frame;
+    ItemSight sight{.width = 300, .left = 900};
 };
 
 class VirtualStatusBar final : public StatusBar {
@@ -112,6 +113,7 @@ struct WindowState {
     Rect frame;
     bool isVisible = false;
     bool isCentered = false;
+    bool isTranslucent = true;
     int viewsSet = 0;
     int ordersFront = 0;
 

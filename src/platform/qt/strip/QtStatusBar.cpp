@@ -4,6 +4,7 @@
 #include "platform/qt/strip/ItemMenu.h"
 #include "platform/qt/strip/StripAccessibility.h"
 #include "platform/qt/strip/StripItem.h"
+#include "platform/qt/strip/StripSight.h"
 #include "platform/qt/strip/TrayIcon.h"
 #include "platform/qt/windows/QtScreens.h"
 
@@ -18,8 +19,8 @@ namespace {
 /// Outlives the bar if it must; then it does nothing.
 class QtStatusItem final : public StatusItem {
 public:
-    QtStatusItem(StripWindow& strip, const QtScreens& screens, Length length)
-        : screens_(screens), strip_(&strip), view_(&strip.addItem()) {
+    QtStatusItem(StripWindow& strip, XcbConnection& connection, const QtScreens& screens, Length length)
+        : connection_(connection), screens_(screens), strip_(&strip), view_(&strip.addItem()) {
         view_->onMouseUp = [this](MouseButton button) { tell(button); };
         setLength(length);
     }
@@ -30,8 +31,8 @@ public:
         }
     }
 
-    void putIntoTray(XcbConnection& connection, std::optional<QDBusConnection> session) {
-        tray_ = std::make_unique<TrayIcon>(connection, std::move(session), menu_);
+    void putIntoTray(std::optional<QDBusConnection> session) {
+        tray_ = std::make_unique<TrayIcon>(connection_, std::move(session), menu_);
         tray_->onClick = [this] {
             // The menu that the click may open belongs to the icon that was clicked.
             isTrayClicked_ = true;
@@ -94,6 +95,24 @@ public:
 
     Rect frame() const override { return view_ && view_->isVisible() ? screens_.map().fromQt(onScreen()) : Rect{}; }
 
+    ItemSight sight() const override {
+        if (!view_) {
+            return {};
+        }
+        const double scale = view_->devicePixelRatio();
+        const PixelArea pixels{.x = qRound(view_->x() * scale),
+                               .y = 0,
+                               .width = qRound(view_->width() * scale),
+                               .height = qRound(view_->height() * scale)};
+        const Rect place = frame();
+        return {.cover = coverOf(connection_, static_cast<xcb_window_t>(strip_->winId()), pixels,
+                                 screens_.map().pixelFrames()),
+                .width = place.width,
+                .left = place.x,
+                .isPlacedByUser = strip_->isDraggedAway(),
+                .leftOut = view_->leftOut()};
+    }
+
 private:
     QRect onScreen() const { return view_->geometry().translated(strip_->place().topLeft()); }
 
@@ -103,6 +122,7 @@ private:
         }
     }
 
+    XcbConnection& connection_;
     const QtScreens& screens_;
     QPointer<StripWindow> strip_;
     QPointer<StripItem> view_;
@@ -163,10 +183,10 @@ Rect QtStatusBar::screen() const {
 }
 
 std::unique_ptr<StatusItem> QtStatusBar::addItem(StatusItem::Length length) {
-    auto item = std::make_unique<QtStatusItem>(strip_, around_.screens, length);
+    auto item = std::make_unique<QtStatusItem>(strip_, around_.connection, around_.screens, length);
     if (length == StatusItem::Length::Square && !hasTrayIcon_) {
         hasTrayIcon_ = true;
-        item->putIntoTray(around_.connection, around_.session);
+        item->putIntoTray(around_.session);
     }
     return item;
 }

@@ -42,12 +42,6 @@ public:
     Rect screen() const override;
     double scale() const override { return strip_.devicePixelRatio(); }
 
-    /// Whether the strip is where the user dragged it, rather than in the corner.
-    [[nodiscard]] bool isDraggedAway() const { return strip_.isDraggedAway(); }
-
-    /// For whoever looks whether other windows cover it.
-    [[nodiscard]] WId window() const { return strip_.winId(); }
-
 private:
     [[nodiscard]] StripLook look() const;
     void stayAbove();

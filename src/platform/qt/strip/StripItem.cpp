@@ -63,6 +63,10 @@ void StripItem::redraw() {
 }
 
 int StripItem::neededWidth() const {
+    return widthWith(titleWidth_);
+}
+
+int StripItem::widthWith(int title) const {
     if (!isShown_ || length_ == StatusItem::Length::Collapsed) {
         return 0;
     }
@@ -70,8 +74,8 @@ int StripItem::neededWidth() const {
         return StripLook::kHeight;
     }
     const int image = image_->neededWidth();
-    const int gap = image > 0 && titleWidth_ > 0 ? kMargin : 0;
-    return image + titleWidth_ == 0 ? 0 : kMargin + image + gap + titleWidth_ + kMargin;
+    const int gap = image > 0 && title > 0 ? kMargin : 0;
+    return image + title == 0 ? 0 : kMargin + image + gap + title + kMargin;
 }
 
 void StripItem::mousePressEvent(QMouseEvent* event) {
@@ -104,24 +108,25 @@ void StripItem::mouseReleaseEvent(QMouseEvent* event) {
 
 /// Pictures keep their widgets, so that those that are still the same are not painted again.
 void StripItem::compose() {
-    std::size_t used = 0;
+    used_ = 0;
     double x = 0;
     for (const TitlePart& part : titleParts(title_, graphics_, devicePixelRatio(), look_.appearance)) {
         if (part.picture) {
             x = roundedUp(x);
-            if (used == pictures_.size()) {
+            if (used_ == std::ssize(pictures_)) {
                 pictures_.push_back({new StripPicture(this, look_)});
             }
-            Placed& placed = pictures_[used++];
+            Placed& placed = pictures_[static_cast<std::size_t>(used_++)];
             placed.x = static_cast<int>(x);
             placed.widget->setPicture(part.picture, part.bottom);
             placed.widget->setAccessibleName(QString::fromStdString(part.description));
         }
         x += part.width;
     }
-    titleWidth_ = used == 0 ? 0 : roundedUp(x);
-    for (; used < pictures_.size(); ++used) {
-        pictures_[used].widget->setPicture(nullptr, 0);
+    titleWidth_ = used_ == 0 ? 0 : roundedUp(x);
+    fitting_ = used_;
+    for (auto spare = pictures_.begin() + used_; spare != pictures_.end(); ++spare) {
+        spare->widget->setPicture(nullptr, 0);
     }
 }
 
@@ -136,24 +141,25 @@ void StripItem::arrange() {
 
 void StripItem::placePictures() {
     const int image = image_->neededWidth();
-    const int start = kMargin + (image > 0 ? image + kMargin : 0) - leftOut_;
-    for (const auto& [widget, x] : pictures_) {
+    const int start = kMargin + (image > 0 ? image + kMargin : 0);
+    for (int index = 0; const auto& [widget, x] : pictures_) {
         widget->setGeometry(start + x, 0, widget->neededWidth(), StripLook::kHeight);
-        widget->setVisible(widget->picture() != nullptr && x >= leftOut_);
+        widget->setVisible(index++ < fitting_);
     }
 }
 
 int StripItem::fitInto(int most) {
-    const int whole = neededWidth();
-    int leftOut = 0;
-    for (std::size_t at = 0; whole - leftOut > std::max(most, 0) && leftOut < titleWidth_; ++at) {
-        const bool isThere = at < pictures_.size() && pictures_[at].widget->picture();
-        leftOut = isThere ? pictures_[at].x : titleWidth_;
+    int width = neededWidth();
+    int fitting = used_;
+    while (width > most && fitting > 0) {
+        --fitting;
+        const auto* const last = fitting > 0 ? &pictures_[static_cast<std::size_t>(fitting - 1)] : nullptr;
+        width = widthWith(last ? last->x + last->widget->neededWidth() : 0);
     }
-    if (std::exchange(leftOut_, leftOut) != leftOut) {
+    if (std::exchange(fitting_, fitting) != fitting) {
         placePictures();
     }
-    return whole - leftOut;
+    return width;
 }
 
 }  // namespace glintar::platform

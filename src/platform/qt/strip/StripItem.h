@@ -27,8 +27,9 @@ public:
     /// How wide all of it is; 0 when it is not shown.
     [[nodiscard]] int neededWidth() const;
 
-    /// Leaves out as many pictures at the left end of the title as do not fit into so many points. How wide it is then.
+    /// Leaves out as many pictures at the end of the title as do not fit into so many points. How wide it is then.
     int fitInto(int most);
+    [[nodiscard]] int leftOut() const { return used_ - fitting_; }
 
     std::function<void()> onWidthChanged;
     std::function<void(MouseButton)> onMouseUp;
@@ -50,6 +51,7 @@ private:
         int x = 0;  ///< in the title
     };
 
+    [[nodiscard]] int widthWith(int title) const;
     void compose();
     void arrange();
     void placePictures();
@@ -62,8 +64,9 @@ private:
     AttributedText title_;
     StripPicture* image_;
     std::vector<Placed> pictures_;  ///< of the title, from the left; those without a picture are spare ones
+    int used_ = 0;                  ///< pictures, of which so many fit
+    int fitting_ = 0;
     int titleWidth_ = 0;
-    int leftOut_ = 0;  ///< of the title's width
 };
 
 }  // namespace glintar::platform

@@ -88,7 +88,8 @@ void StripWindow::arrange() {
     }
 }
 
-/// What is wider than the screen loses pictures at its left: the icon, which opens the menu, stays to be seen.
+/// What is wider than the screen loses pictures at the end of the line: the icon, which opens the menu, stays to be
+/// seen.
 int StripWindow::fitItems(int most) {
     int width = 0;
     for (StripItem* const item : items_) {

@@ -76,9 +76,13 @@ private:
 };
 
 QtWindow::QtWindow(Frame frame, const std::string& title, QtScreens& screens, CompositorWatch& compositor)
-    : screens_(screens), widget_(std::make_unique<Widget>(*this, frame)) {
+    : screens_(screens), compositor_(compositor), widget_(std::make_unique<Widget>(*this, frame)) {
     widget_->setWindowTitle(QString::fromStdString(title));
-    const auto changed = [this] { widget_->tell(onSurroundingsChanged); };
+    widget_->setProperty("isTranslucent", isTranslucent());
+    const auto changed = [this] {
+        widget_->setProperty("isTranslucent", isTranslucent());
+        widget_->tell(onSurroundingsChanged);
+    };
     screenChanges_ = screens.onChange(changed);
     compositorChanges_ = compositor.onChange(changed);
 }
@@ -126,6 +130,10 @@ void QtWindow::close() {
 
 bool QtWindow::isVisible() const {
     return widget_->isVisible() && !widget_->isMinimized();
+}
+
+bool QtWindow::isTranslucent() const {
+    return widget_->testAttribute(Qt::WA_TranslucentBackground) && compositor_.isRunning();
 }
 
 }  // namespace glintar::platform

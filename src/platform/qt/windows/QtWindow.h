@@ -25,11 +25,13 @@ public:
     void makeKeyAndOrderFront() override;
     void close() override;
     bool isVisible() const override;
+    bool isTranslucent() const override;
 
 private:
     class Widget;
 
     QtScreens& screens_;
+    CompositorWatch& compositor_;
     std::unique_ptr<Widget> widget_;
     bool isCentered_ = false;
     Listening screenChanges_;
