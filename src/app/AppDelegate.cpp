@@ -24,9 +24,10 @@ AppDelegate::AppDelegate(platform::Platform& platform, platform::Desktop& deskto
 }
 
 void AppDelegate::applicationDidFinishLaunching() {
-    surface_.emplace(platform_, desktop_,
-                     DesktopSurface::Requests{.redisplay = [this] { redisplay(); }, .quit = [this] { quitApp(); }},
-                     options_.mark);
+    surface_.emplace(
+        platform_, desktop_,
+        DesktopSurface::Requests{.redisplay = [this] { redisplay(); }, .menu = {.quitApp = [this] { quitApp(); }}},
+        options_.mark);
     statusBarController_.emplace(platform_, *surface_, presenter::StatusBarController::Options{});
     statusBarController_->show();
     // The first look for an API key loads the key ring's code and waits for it: "Loading..." is painted before that.

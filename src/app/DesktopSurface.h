@@ -30,11 +30,14 @@ public:
     platform::Seconds showProgress(const presenter::RefreshProgress& progress) override {
         return items_.showProgress(progress.elapsed, progress.interval);
     }
-    bool canBeCovered() const override { return false; }  // the strip stays above other windows
-    void checkVisibility() override {}
-    void updateDashboardItem(std::string_view, bool) override {}
+    bool canBeCovered() const override { return true; }
+    void checkVisibility() override { items_.checkVisibility(); }
+    void updateDashboardItem(std::string_view title, bool enabled) override {
+        items_.updateDashboardItem(std::string(title), enabled);
+    }
 
     void openMenu() { items_.openMenu(); }
+    [[nodiscard]] const menubar::StatusItems& items() const { return items_; }
 
 private:
     menubar::StatusItems items_;

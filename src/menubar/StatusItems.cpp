@@ -6,17 +6,12 @@
 #include "platform/DesktopEvents.h"
 #include "platform/Platform.h"
 
+#include <fmt/format.h>
+
+#include <algorithm>
 #include <utility>
 
 namespace glintar::menubar {
-
-namespace {
-
-void popUpMenu(platform::StatusItem& item) {
-    item.popUpMenu({-10, item.frame().height - 40});
-}
-
-}  // namespace
 
 StatusItems::StatusItems(platform::Platform& platform, platform::Desktop& desktop, Callbacks callbacks)
     : platform_(platform),
@@ -26,10 +21,11 @@ StatusItems::StatusItems(platform::Platform& platform, platform::Desktop& deskto
       displayItem_(desktop.statusBar.addItem(platform::StatusItem::Length::Variable)),
       renderer_(platform, desktop, [this] { callbacks_.redisplay(); }),
       countdown_(desktop.graphics),
-      sourceAtStart_(config::Settings::load(platform.preferences).selectedSourceID) {
+      sourceAtStart_(config::Settings::load(platform.preferences).selectedSourceID),
+      space_(platform, desktop, [this](std::string status) { menu_->setStatus(std::move(status)); }) {
     anchorItem_->setToolTip("Glintar");
     displayItem_->setToolTip("Waiting for data...");
-    setUpMenu();
+    setUpMenu(callbacks_.menu);
     drawAnchor();
     showLoading();
     appearanceObservation_ = platform.notifications.observe(platform::kAppearanceChanged, [this] { onThemeChanged(); });
@@ -40,23 +36,40 @@ StatusItems::~StatusItems() {
     desktop_.statusBar.onScaleChanged = nullptr;
 }
 
-void StatusItems::setUpMenu() {
-    for (auto* item : {anchorItem_.get(), displayItem_.get()}) {
-        item->setMenu({{.title = "Quit", .action = [this] {
-                            const auto quit = callbacks_.quit;  // it may destroy us
-                            quit();
-                        }}});
-    }
+void StatusItems::setUpMenu(StatusMenu::Actions actions) {
+    menu_.emplace(std::move(actions), [this](platform::Menu menu) { anchorItem_->setMenu(std::move(menu)); });
     anchorItem_->onMouseUp = [this](platform::MouseButton) { openMenu(); };
-    displayItem_->onMouseUp = [this](platform::MouseButton button) {
-        if (button == platform::MouseButton::Right) {
-            popUpMenu(*displayItem_);
+    displayItem_->onMouseUp = [this](platform::MouseButton) {
+        if (callbacks_.pricePanelClicked) {
+            callbacks_.pricePanelClicked();
         }
     };
 }
 
 void StatusItems::openMenu() {
-    popUpMenu(*anchorItem_);
+    anchorItem_->popUpMenu({-10, anchorItem_->frame().height - 40});
+}
+
+void StatusItems::checkVisibility() {
+    if (!showsProgress()) {
+        return;
+    }
+    const auto sight = displayItem_->sight();
+    // The title's pictures stand at every other place, the fee's after those of the coins.
+    const int coins = wanted_ && !wanted_->emptyText ? static_cast<int>(wanted_->coins.size()) : 0;
+    coinsLeftOut_ = std::max(0, coins - (titleRuns_ - sight.leftOut + 1) / 2);
+    setToolTip();
+    space_.check(sight);
+}
+
+void StatusItems::setToolTip() {
+    if (!tooltip_) {
+        return;
+    }
+    const bool isOne = coinsLeftOut_ == 1;
+    displayItem_->setToolTip(coinsLeftOut_ == 0 ? *tooltip_
+                                                : fmt::format("{}\n{} more {} not fit", *tooltip_, coinsLeftOut_,
+                                                              isOne ? "coin does" : "coins do"));
 }
 
 void StatusItems::drawAnchor() {
@@ -91,11 +104,10 @@ void StatusItems::showTitle(LineTitle title) {
         return;
     }
     displayItem_->setLength(platform::StatusItem::Length::Variable);
+    titleRuns_ = static_cast<int>(title.text.size());
     displayItem_->setTitle(std::move(title.text), std::move(title.description));
     displayItem_->setVisible(true);
-    if (tooltip_) {
-        displayItem_->setToolTip(*tooltip_);
-    }
+    setToolTip();
 }
 
 void StatusItems::hide() {

@@ -1,7 +1,9 @@
 #pragma once
 
+#include "menubar/DisplaySpace.h"
 #include "menubar/LineRenderer.h"
 #include "menubar/ProgressImage.h"
+#include "menubar/StatusMenu.h"
 #include "platform/NotificationCenter.h"
 #include "platform/RunLoop.h"
 #include "platform/StatusBar.h"
@@ -26,7 +28,8 @@ class StatusItems {
 public:
     struct Callbacks {
         std::function<void()> redisplay;  ///< icons arrived or the desktop looks different: show the last quotes again
-        std::function<void()> quit;       ///< the user wants the program to end
+        std::function<void()> pricePanelClicked;  ///< either button went down and up on the line
+        StatusMenu::Actions menu;
     };
 
     StatusItems(platform::Platform& platform, platform::Desktop& desktop, Callbacks callbacks);
@@ -44,6 +47,14 @@ public:
 
     /// As a click on the icon does.
     void openMenu();
+    void updateDashboardItem(std::string title, bool isEnabled) { menu_->setDashboard(std::move(title), isEnabled); }
+
+    /// Looks whether the line has room, unless there is none that could be seen.
+    void checkVisibility();
+
+    /// Where the two are on screen; empty while they are not.
+    [[nodiscard]] platform::Rect lineFrame() const { return displayItem_->frame(); }
+    [[nodiscard]] platform::Rect iconFrame() const { return anchorItem_->frame(); }
 
     /// Whether the countdown has a place: not beside an empty line, nor while the line is hidden.
     [[nodiscard]] bool showsProgress() const { return !isHidden_ && !isLineEmpty(); }
@@ -53,7 +64,8 @@ public:
     platform::Seconds showProgress(double elapsed, platform::Seconds interval);
 
 private:
-    void setUpMenu();
+    void setUpMenu(StatusMenu::Actions actions);
+    void setToolTip();
     void drawAnchor();
     void showLoading();
     void showTitle(LineTitle title);
@@ -68,6 +80,10 @@ private:
     LineRenderer renderer_;
     Countdown countdown_;
     std::string sourceAtStart_;
+    DisplaySpace space_;
+    std::optional<StatusMenu> menu_;
+    int titleRuns_ = 0;                                    ///< pictures and texts of the title that is shown
+    int coinsLeftOut_ = 0;                                 ///< of them, at the last look
     std::shared_ptr<const presenter::StatusLine> wanted_;  ///< the newest line; none before the first
     std::optional<std::string> tooltip_;                   ///< that goes with it
     bool isHidden_ = false;

@@ -53,6 +53,7 @@ StatusBarController::StatusBarController(platform::Platform& platform, StatusSur
     observe(config::kCoinsUpdated, &StatusBarController::onSettingsChanged);
     observe(config::kDisplayModeChanged, &StatusBarController::onDisplayModeChanged);
     observe(config::kDisplaySettingsChanged, &StatusBarController::onDisplaySettingsChanged);
+    observe(platform::kActiveApplicationChanged, &StatusBarController::onActiveAppChanged);
     observe(platform::kMachineResumed, &StatusBarController::onResumed);
     observe(platform::kNetworkCameBack, &StatusBarController::onNetworkBack);
 }
@@ -232,6 +233,10 @@ void StatusBarController::onDisplaySettingsChanged() {
             redisplayFromCache();
         }
     }
+}
+
+void StatusBarController::onActiveAppChanged() {
+    checkVisibilityAfter(1s);
 }
 
 void StatusBarController::checkVisibilityAfter(platform::Duration delay) {

@@ -74,6 +74,7 @@ private:
     [[nodiscard]] bool showsProgress() const;
     void restartProgress();
     void onProgress();
+    void onActiveAppChanged();
     void onResumed();
     void onNetworkBack();
     void follow(const WakeUp& wakeUp);

@@ -34,24 +34,38 @@ TEST_F(StatusItemsTest, TheBarSaysThatThereIsNothingYet) {
     EXPECT_EQ(platform::drawn(anchor().image).name, "bitcoinsign.circle.fill");
 }
 
-TEST_F(StatusItemsTest, TheMenuOpensAtEitherButtonAndOnTheLineAtTheRightOne) {
+TEST_F(StatusItemsTest, EitherButtonOpensTheMenuOnTheIconAndTheDashboardOnTheLine) {
     auto &anchorState = *desktop.statusBar.items[0], &displayState = *desktop.statusBar.items[1];
+    anchorState.frame = {900, 776, 24, 24};
     for (const auto button : {MouseButton::Left, MouseButton::Right}) {
         anchorState.menuShownAt.reset();
-        anchorState.frame = {900, 776, 24, 24};
         anchorState.item->onMouseUp(button);
         EXPECT_EQ(anchorState.menuShownAt, (Point{-10, -16}));
+        displayState.item->onMouseUp(button);
     }
-    anchorState.menuShownAt.reset();
-    items->openMenu();
-    EXPECT_EQ(anchorState.menuShownAt, (Point{-10, -16}));
-    displayState.item->onMouseUp(MouseButton::Left);
+    EXPECT_EQ(done, "line line ");
     EXPECT_EQ(displayState.menuShownAt, std::nullopt);
-    displayState.item->onMouseUp(MouseButton::Right);
-    EXPECT_TRUE(displayState.menuShownAt);
-    EXPECT_EQ(anchor().menu.back().title, "Quit");
-    anchor().menu.back().action();
-    EXPECT_TRUE(hasQuit);
+}
+
+TEST_F(StatusItemsTest, TheMenuSaysWhatCanBeDone) {
+    const auto written = [&] {
+        std::string text;
+        for (const auto& item : anchor().menu) {
+            text += item.isSeparator ? "-" : item.title + (item.shortcut ? std::string(" ^") + item.shortcut : "");
+            text += item.isEnabled || item.isSeparator ? "\n" : " (off)\n";
+        }
+        return text;
+    };
+    EXPECT_EQ(written(),
+              "Status: Normal (off)\n-\nArbitrage Dashboard ^d (off)\n-\nSettings ^s (off)\nNetwork Diagnostics\n"
+              "Check for Updates... (off)\n-\nQuit ^q\n");
+    items->updateDashboardItem("Arbitrage Dashboard", true);
+    for (const auto& item : anchor().menu) {
+        if (const auto action = item.isEnabled ? item.action : nullptr) {
+            action();
+        }
+    }
+    EXPECT_EQ(done, "dashboard diagnostics quit ");
 }
 
 TEST_F(StatusItemsTest, PillsStandInTheUsersOrderWhicheverIsFinishedFirst) {
@@ -260,12 +274,10 @@ TEST_F(StatusItemsTest, QuittingMayDestroyTheItems) {
     desktop.statusBar.items.clear();
     const std::string farewell = "longer than what a text holds without memory of its own";
     items.emplace(platform, desktop.desktop(),
-                  StatusItems::Callbacks{.redisplay = [] {},
-                                         .quit =
-                                             [this, &said, farewell] {
-                                                 items.reset();
-                                                 said = farewell;
-                                             }});
+                  StatusItems::Callbacks{.redisplay = [] {}, .menu = {.quitApp = [this, &said, farewell] {
+                                                                 items.reset();
+                                                                 said = farewell;
+                                                             }}});
     const auto quit = anchor().menu.back().action;
     quit();
     EXPECT_EQ(said, farewell);

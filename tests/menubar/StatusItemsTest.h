@@ -58,15 +58,19 @@ protected:
     void SetUp() override { make(); }
 
     void make() {
-        items.emplace(platform, desktop.desktop(),
-                      StatusItems::Callbacks{.redisplay =
-                                                 [this] {
-                                                     ++redisplays;
-                                                     if (!quotes.empty()) {
-                                                         show();
-                                                     }
-                                                 },
-                                             .quit = [this] { hasQuit = true; }});
+        items.emplace(
+            platform, desktop.desktop(),
+            StatusItems::Callbacks{.redisplay =
+                                       [this] {
+                                           ++redisplays;
+                                           if (!quotes.empty()) {
+                                               show();
+                                           }
+                                       },
+                                   .pricePanelClicked = [this] { done += "line "; },
+                                   .menu = {.openArbiterFromMenu = [this] { done += "dashboard "; },
+                                            .openNetworkDiagnosticsWindow = [this] { done += "diagnostics "; },
+                                            .quitApp = [this] { done += "quit "; }}});
     }
 
     /// Adds a coin at 1.50 to the line.
@@ -145,7 +149,7 @@ protected:
     std::optional<double> gas;
     std::optional<std::string> error;
     int redisplays = 0;
-    bool hasQuit = false;
+    std::string done;  ///< what was asked of the program
     std::optional<StatusItems> items;
 };
 
