@@ -4,6 +4,9 @@
 
 #include <fmt/format.h>
 
+#include <optional>
+#include <utility>
+
 namespace glintar::app {
 
 namespace {
@@ -18,16 +21,32 @@ std::expected<Format, std::string> formatNamed(std::string_view name) {
     return std::unexpected(fmt::format("there is no format \"{}\"; there are text and json", text::oneLine(name)));
 }
 
+std::optional<Arguments::Command> commandNamed(std::string_view name) {
+    using Command = Arguments::Command;
+    for (const auto& [known, command] : {std::pair<std::string_view, Command>{"line", Command::Line},
+                                         {"compare", Command::Compare},
+                                         {"diagnose", Command::Diagnose}}) {
+        if (name == known) {
+            return command;
+        }
+    }
+    return std::nullopt;
+}
+
 }  // namespace
 
 std::string_view usage() {
     return "Usage: glintar [--demo]\n"
            "       glintar line [--once] [--format text|json] [--demo]\n"
+           "       glintar compare [--format text|json] [--demo]\n"
+           "       glintar diagnose [--format text|json] [--demo]\n"
            "       glintar --help | --version\n"
            "\n"
            "Live crypto prices in the status bar; without an X display, in this terminal.\n"
            "\n"
            "  line             print the price line at each refresh, for terminals and text bars\n"
+           "  compare          print once what each coin costs at every source: status 1 with no price at all\n"
+           "  diagnose         test once which services can be reached: status 1 when one cannot\n"
            "  --once           refresh once and end: status 0 with at least one price, 1 with none\n"
            "  --format FORMAT  text (the default) or json, one object a line\n"
            "  --demo           a simulated market and a throw-away profile; asks no real service\n"
@@ -40,7 +59,7 @@ std::string_view usage() {
 
 std::expected<Arguments, std::string> parseArguments(std::span<const char* const> arguments) {
     Arguments parsed;
-    std::string_view onlyForLine;
+    bool hasFormat = false;
     for (std::size_t i = 0; i < arguments.size(); ++i) {
         const std::string_view argument = arguments[i];
         if (argument == "--help" || argument == "-h") {
@@ -51,11 +70,8 @@ std::expected<Arguments, std::string> parseArguments(std::span<const char* const
         }
         if (argument == "--demo") {
             parsed.demo = true;
-        } else if (argument == "line" && parsed.command != Arguments::Command::Line) {
-            parsed.command = Arguments::Command::Line;
         } else if (argument == "--once") {
             parsed.once = true;
-            onlyForLine = "--once";
         } else if (argument == "--format" || argument.starts_with("--format=")) {
             const bool isJoined = argument != "--format";
             if (!isJoined && ++i == arguments.size()) {
@@ -66,16 +82,21 @@ std::expected<Arguments, std::string> parseArguments(std::span<const char* const
                 return std::unexpected(format.error());
             }
             parsed.format = *format;
-            onlyForLine = "--format";
-        } else if (argument == "line") {
-            return std::unexpected("\"line\" stands there twice");
-        } else {
+            hasFormat = true;
+        } else if (const auto command = commandNamed(argument); !command) {
             const auto kind = argument.starts_with('-') ? "option" : "command";
             return std::unexpected(fmt::format("there is no {} \"{}\"", kind, text::oneLine(argument)));
+        } else if (parsed.command != Arguments::Command::Desktop) {
+            return std::unexpected(fmt::format("\"{}\" is one command too many", argument));
+        } else {
+            parsed.command = *command;
         }
     }
-    if (!onlyForLine.empty() && parsed.command != Arguments::Command::Line) {
-        return std::unexpected(fmt::format("{0} belongs to \"line\": glintar line {0}", onlyForLine));
+    if (parsed.once && parsed.command != Arguments::Command::Line) {
+        return std::unexpected("--once belongs to \"line\": glintar line --once");
+    }
+    if (hasFormat && parsed.command == Arguments::Command::Desktop) {
+        return std::unexpected("--format belongs to a command: glintar line --format");
     }
     return parsed;
 }

@@ -14,7 +14,7 @@ enum class Format { Text, Json };
 
 /// What the user asked the program to do.
 struct Arguments {
-    enum class Command { Desktop, Line, Help, Version };
+    enum class Command { Desktop, Line, Compare, Diagnose, Help, Version };
     Command command = Command::Desktop;
     Format format = Format::Text;
     bool once = false;

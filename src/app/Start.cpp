@@ -86,4 +86,10 @@ std::expected<std::optional<demo::DemoSession>, int> prepareProcess(const Argume
     return session;
 }
 
+platform::RealPlatform::Options platformOptions(const Start& start, const std::optional<demo::DemoSession>& session) {
+    return {.configServer = start.configServer,
+            .looksUpSecrets = !start.arguments.demo,
+            .replacements = session ? session->resources() : std::filesystem::path()};
+}
+
 }  // namespace glintar::app

@@ -2,6 +2,7 @@
 
 #include "app/Arguments.h"
 #include "demo/DemoSession.h"
+#include "platform/real/RealPlatform.h"
 
 #include <expected>
 #include <optional>
@@ -32,5 +33,9 @@ struct Start {
 /// profile the process is turned and which ends with what is returned. The error is the status to end with; why has
 /// been said.
 [[nodiscard]] std::expected<std::optional<demo::DemoSession>, int> prepareProcess(const Arguments& arguments);
+
+/// What the machine is made with; `session` is that of a demonstration.
+[[nodiscard]] platform::RealPlatform::Options platformOptions(const Start& start,
+                                                              const std::optional<demo::DemoSession>& session);
 
 }  // namespace glintar::app

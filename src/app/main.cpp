@@ -17,7 +17,7 @@ int main(int argc, char** argv) {
         return start.error();
     }
     if (start->arguments.command != app::Arguments::Command::Desktop) {
-        platform::complain("glintar-desktop: the price line in a terminal is \"glintar line\"\n");
+        platform::complain("glintar-desktop: what is for a terminal is done by \"glintar\"\n");
         return app::kWrongUsage;
     }
     if (const auto problem = platform::displayProblem()) {
@@ -28,7 +28,6 @@ int main(int argc, char** argv) {
     if (!session) {
         return session.error();
     }
-    platform::DesktopPlatform machine(argc, argv,
-                                      {.configServer = start->configServer, .looksUpSecrets = !start->arguments.demo});
+    platform::DesktopPlatform machine(argc, argv, app::platformOptions(*start, *session));
     return app::GlintarApp(machine, start->arguments).run();
 }

@@ -37,7 +37,8 @@ std::optional<std::string> canonicalUuid(std::string_view text) {
     return result;
 }
 
-/// Version 4 of RFC 9562, section 5.4.
+}  // namespace
+
 std::string randomUuid(platform::Entropy& entropy) {
     std::array<std::byte, 16> bytes{};
     entropy.fill(bytes);
@@ -52,8 +53,6 @@ std::string randomUuid(platform::Entropy& entropy) {
     }
     return result;
 }
-
-}  // namespace
 
 Coin makeCoin(platform::Entropy& entropy, std::string displayName, std::string apiId,
               std::optional<double> referencePrice) {

@@ -21,6 +21,9 @@ struct Coin {
     std::optional<double> referencePrice;  ///< 0 or less counts as none
 };
 
+/// A fresh UUID (RFC 9562, version 4), in upper case.
+[[nodiscard]] std::string randomUuid(platform::Entropy& entropy);
+
 /// A coin with a fresh random `id`.
 [[nodiscard]] Coin makeCoin(platform::Entropy& entropy, std::string displayName, std::string apiId,
                             std::optional<double> referencePrice);

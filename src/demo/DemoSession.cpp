@@ -185,7 +185,7 @@ DemoSession::Parts::~Parts() {
 
 Outcome DemoSession::Parts::writeProfile() const {
     platform::PosixFiles files;
-    for (const std::string_view name : {"config/glintar", "data/glintar", "cache/glintar"}) {
+    for (const std::string_view name : {"config/glintar", "data/glintar", "cache/glintar", "resources"}) {
         if (auto made = files.makeDirectories(folder / name); !made) {
             return made;
         }
@@ -199,7 +199,7 @@ Outcome DemoSession::Parts::launch(const std::filesystem::path& program, const s
     if (!input || !answers) {
         return std::unexpected(std::strerror(errno));
     }
-    const std::string document = folder / "data/glintar/remote_api_endpoints.json";
+    const std::string document = folder / "resources/api_endpoints.json";
     std::vector<std::string> words = {program, "--with-parent", "--write-config", document, "--remove-at-end", folder};
     std::vector<char*> arguments;
     arguments.reserve(words.size() + 1);
@@ -283,6 +283,10 @@ std::filesystem::path DemoSession::dataHome() const {
 
 std::filesystem::path DemoSession::cacheHome() const {
     return parts_->folder / "cache";
+}
+
+std::filesystem::path DemoSession::resources() const {
+    return parts_->folder / "resources";
 }
 
 }  // namespace glintar::demo

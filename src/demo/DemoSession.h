@@ -37,6 +37,9 @@ public:
     [[nodiscard]] std::filesystem::path dataHome() const;
     [[nodiscard]] std::filesystem::path cacheHome() const;
 
+    /// What stands in place of shipped documents, so that nobody who goes back to them asks a real service.
+    [[nodiscard]] std::filesystem::path resources() const;
+
 private:
     struct Parts;
     explicit DemoSession(std::unique_ptr<Parts> parts);

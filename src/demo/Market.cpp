@@ -149,6 +149,20 @@ CoinState Market::bySymbol(std::string_view symbol, Step step) const {
     return find(seed_, symbol, &Coin::symbol, step);
 }
 
+CoinState Market::at(std::string_view venue, CoinState coin, Step step) const {
+    constexpr double kUsual = 0.0012;
+    constexpr double kMoving = 0.0004;
+    const std::uint64_t venueSeed = seed_ ^ hashOf(venue) ^ mix(hashOf(coin.id));
+    const auto signedFraction = [](std::uint64_t hash) { return 2 * fraction(hash) - 1; };
+    const double premium =
+        kUsual * signedFraction(mix(venueSeed)) + kMoving * signedFraction(mix(venueSeed ^ mix(step)));
+    for (double* price : {&coin.price, &coin.open, &coin.high, &coin.low}) {
+        *price = rounded(*price * (1 + premium));
+    }
+    coin.week.back() = coin.price;
+    return coin;
+}
+
 NetworkFees Market::fees(Step step) const {
     const auto fee = [&](std::string_view network, double start) {
         const double log = walk(seed_ ^ hashOf(network), step + kWeek) * 0.004;

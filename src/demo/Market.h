@@ -40,6 +40,10 @@ public:
     [[nodiscard]] CoinState byId(std::string_view id, Step step) const;
     [[nodiscard]] CoinState bySymbol(std::string_view symbol, Step step) const;
 
+    /// The same coin where a venue trades it: prices of venues lie within a third of a percent of each other, and move
+    /// with time.
+    [[nodiscard]] CoinState at(std::string_view venue, CoinState coin, Step step) const;
+
     [[nodiscard]] NetworkFees fees(Step step) const;
 
     /// The ids of the well-known coins, the largest first.

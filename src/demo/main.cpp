@@ -2,6 +2,7 @@
 #include "demo/MarketOptions.h"
 #include "demo/MarketServer.h"
 #include "platform/posix/Descriptor.h"
+#include "platform/posix/InstalledBundle.h"
 #include "platform/posix/PosixFiles.h"
 
 #include <fmt/format.h>
@@ -55,6 +56,18 @@ void removeFolder(const demo::MarketOptions& options) {
     }
 }
 
+/// Writes the shipped document as it reads on this market.
+std::expected<void, std::string> writeDocument(const std::filesystem::path& file, std::string_view address) {
+    platform::PosixFiles files;
+    const auto shipped = platform::InstalledBundle({}).resource("api_endpoints", "json");
+    auto text = shipped ? files.read(*shipped) : std::unexpected(std::string("the shipped document is missing"));
+    if (!text) {
+        return std::unexpected(text.error());
+    }
+    const auto document = demo::marketDocument(*std::move(text), address);
+    return document ? files.replace(file, *document) : std::unexpected(document.error());
+}
+
 int run(const demo::MarketOptions& options, int signals) {
     const auto server = demo::MarketServer::start(options.server);
     if (!server) {
@@ -68,9 +81,7 @@ int run(const demo::MarketOptions& options, int signals) {
         }
     }
     if (!options.configFile.empty()) {
-        const auto written =
-            platform::PosixFiles().replace(options.configFile, demo::marketDocument((*server)->address()));
-        if (!written) {
+        if (const auto written = writeDocument(options.configFile, (*server)->address()); !written) {
             platform::complain(
                 fmt::format("glintar-demo-market: {}: {}\n", options.configFile.string(), written.error()));
             return 1;

@@ -34,10 +34,6 @@ Font monospaced(double size, Weight weight = Weight::Regular) {
     return {.size = size, .weight = weight, .digits = Font::Digits::Monospaced};
 }
 
-std::string priceText(double price) {
-    return text::fixed(price, price >= 1 ? 2 : 4);
-}
-
 /// "coingecko" becomes "Coingecko", each word by itself. Short enough for a panel, whatever it is.
 std::string capitalized(std::string_view id) {
     constexpr std::size_t kLongest = 60;
@@ -112,9 +108,10 @@ std::vector<HeaderItem> feeItems(double fee, market::GasNetwork network, const m
 }
 
 Cell priceCell(const config::Coin& coin, double price, const Palette& palette) {
-    Cell cell{.lines = {{priceText(price), monospaced(12, Weight::Bold), palette.primary}}};
+    Cell cell{.lines = {{presenter::panelPriceText(price), monospaced(12, Weight::Bold), palette.primary}}};
     if (coin.referencePrice && *coin.referencePrice > 0) {
-        cell.lines.push_back({"Ref: " + priceText(*coin.referencePrice), monospaced(9), palette.dimmed});
+        cell.lines.push_back(
+            {"Ref: " + presenter::panelPriceText(*coin.referencePrice), monospaced(9), palette.dimmed});
     }
     return cell;
 }
@@ -128,7 +125,8 @@ Cell changeCell(const market::UnifiedMarketData& quote, const config::Settings& 
     }
     if (settings.showHighLow24h && quote.high24h && quote.low24h) {
         cell.lines.push_back(
-            {priceText(*quote.high24h) + "/" + priceText(*quote.low24h), monospaced(8), palette.dimmed});
+            {presenter::panelPriceText(*quote.high24h) + "/" + presenter::panelPriceText(*quote.low24h), monospaced(8),
+             palette.dimmed});
     }
     return cell;
 }

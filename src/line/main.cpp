@@ -1,6 +1,8 @@
 // The terminal door: `glintar`. It links nothing graphical; where there is a display it hands over to the desktop door.
 
 #include "app/Start.h"
+#include "line/CompareCommand.h"
+#include "line/DiagnoseCommand.h"
 #include "line/LineCommand.h"
 #include "platform/posix/Descriptor.h"
 #include "platform/posix/InstalledBundle.h"
@@ -30,11 +32,7 @@ std::string_view becomeDesktop(char** argv) {
     return "glintar-desktop is not installed";
 }
 
-int runLine(int argc, char** argv, const app::Start& start) {
-    // Nothing here needs GLib's loop on the main thread, and Qt's own starts faster.
-    ::setenv("QT_NO_GLIB", "1", 1);
-    platform::TerminalPlatform terminal(argc, argv,
-                                        {.configServer = start.configServer, .looksUpSecrets = !start.arguments.demo});
+int runLine(platform::TerminalPlatform& terminal, const app::Start& start) {
     auto& machine = terminal.machine();
     line::LineCommand command(machine.platform(), terminal.output(), start.arguments,
                               [&](int status) { machine.exit(status); });
@@ -44,6 +42,16 @@ int runLine(int argc, char** argv, const app::Start& start) {
         watch.emplace(machine.platform());
         machine.watch();
     }
+    command.start();
+    return machine.exec();
+}
+
+/// Runs a command that ends by itself.
+template <class Command>
+int runOnce(platform::TerminalPlatform& terminal, const app::Start& start) {
+    auto& machine = terminal.machine();
+    Command command(machine.platform(), terminal.output(), start.arguments, [&](int status) { machine.exit(status); });
+    machine.onTerminate = [&] { command.interrupt(); };
     command.start();
     return machine.exec();
 }
@@ -64,5 +72,15 @@ int main(int argc, char** argv) {
     if (!session) {
         return session.error();
     }
-    return runLine(argc, argv, *start);
+    // Nothing here needs GLib's loop on the main thread, and Qt's own starts faster.
+    ::setenv("QT_NO_GLIB", "1", 1);
+    platform::TerminalPlatform terminal(argc, argv, app::platformOptions(*start, *session));
+    switch (start->arguments.command) {
+        case app::Arguments::Command::Compare:
+            return runOnce<line::CompareCommand>(terminal, *start);
+        case app::Arguments::Command::Diagnose:
+            return runOnce<line::DiagnoseCommand>(terminal, *start);
+        default:
+            return runLine(terminal, *start);
+    }
 }

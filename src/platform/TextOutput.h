@@ -16,7 +16,8 @@ public:
     /// Writes one line and its line break.
     virtual void printLine(std::string_view text) = 0;
 
-    /// On a terminal: puts the text in place of the one that was put there last; what does not fit is cut off.
+    /// On a terminal: puts the text, of one line or several, in place of the one that was put there last; what does not
+    /// fit is cut off. An empty one leaves nothing there.
     virtual void redrawLine(std::string_view text) = 0;
 
     /// Runs once, on the main thread, when nothing can be written any more: because nobody reads it, or for another

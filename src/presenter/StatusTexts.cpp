@@ -22,6 +22,10 @@ std::string priceText(double price) {
     return text::fixed(price, price <= 1.0 ? 4 : 2);
 }
 
+std::string panelPriceText(double price) {
+    return text::fixed(price, price >= 1 ? 2 : 4);
+}
+
 std::optional<std::string> referenceText(std::optional<double> referencePrice) {
     return referencePrice && *referencePrice > 0 ? std::optional(text::fixed(*referencePrice, 2)) : std::nullopt;
 }

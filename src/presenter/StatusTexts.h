@@ -15,6 +15,9 @@ namespace glintar::presenter {
 /// Four decimals up to and including 1, two above.
 [[nodiscard]] std::string priceText(double price);
 
+/// As panels show it: two decimals from 1 upwards, four below.
+[[nodiscard]] std::string panelPriceText(double price);
+
 /// None for a reference price that is missing or not above 0.
 [[nodiscard]] std::optional<std::string> referenceText(std::optional<double> referencePrice);
 

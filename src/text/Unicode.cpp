@@ -189,6 +189,17 @@ std::string_view firstCharacters(std::string_view text, std::size_t count) {
     return text.substr(0, walk(text, count).bytes);
 }
 
+std::size_t columnCount(std::string_view text) {
+    std::size_t used = 0;
+    std::size_t last = 0;
+    while (!text.empty()) {
+        const auto width = columnsOf(takeFirst(text), last);
+        last = width > 0 ? width : last;
+        used += width;
+    }
+    return used;
+}
+
 std::string fitColumns(std::string_view text, std::size_t columns) {
     std::string_view rest = text;
     std::size_t used = 0;

@@ -17,6 +17,9 @@ namespace glintar::text {
 [[nodiscard]] std::size_t characterCount(std::string_view text);
 [[nodiscard]] std::string_view firstCharacters(std::string_view text, std::size_t count);
 
+/// Columns of a terminal that the text takes, counted as for `fitColumns`.
+[[nodiscard]] std::size_t columnCount(std::string_view text);
+
 /// The text in at most so many columns of a terminal: what does not fit gives way to "…". Wide characters (UAX #11)
 /// take two columns and marks none; sequences of emoji may be counted too wide.
 [[nodiscard]] std::string fitColumns(std::string_view text, std::size_t columns);

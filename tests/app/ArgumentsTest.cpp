@@ -20,7 +20,7 @@ std::string describe(const std::expected<Arguments, std::string>& parsed) {
     if (!parsed) {
         return "refused";
     }
-    static constexpr std::array kCommands{"desktop", "line", "help", "version"};
+    static constexpr std::array kCommands{"desktop", "line", "compare", "diagnose", "help", "version"};
     std::string text = kCommands.at(static_cast<std::size_t>(parsed->command));
     text += parsed->format == Format::Json ? " json" : "";
     text += parsed->once ? " once" : "";
@@ -46,6 +46,10 @@ INSTANTIATE_TEST_SUITE_P(
         ArgumentsCase{"UnknownOption", {"line", "--twice"}, "refused"},
         ArgumentsCase{"OnceWithoutLine", {"--once"}, "refused"},
         ArgumentsCase{"TwoCommands", {"line", "line"}, "refused"},
+        ArgumentsCase{"Compare", {"compare", "--format", "json"}, "compare json"},
+        ArgumentsCase{"Diagnose", {"--demo", "diagnose"}, "diagnose demo"},
+        ArgumentsCase{"OnceElsewhere", {"compare", "--once"}, "refused"},
+        ArgumentsCase{"FormatWithoutCommand", {"--format", "json"}, "refused"},
         ArgumentsCase{"FormatMissing", {"line", "--format"}, "refused"},
         ArgumentsCase{"FormatUnknown", {"line", "--format", "xml"}, "refused"},
         ArgumentsCase{"FormatMisspelled", {"line", "--formatted"}, "refused"}, ArgumentsCase{"Empty", {""}, "refused"}),

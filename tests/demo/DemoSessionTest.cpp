@@ -35,8 +35,7 @@ TEST_F(DemoSessionTest, OffersAMarketAndAProfileThatAsksIt) {
     {
         auto session = DemoSession::start(GLINTAR_MARKET_PROGRAM);
         ASSERT_TRUE(session) << session.error();
-        const auto document =
-            config::decodeAppConfig(test::readFile(session->dataHome() / "glintar/remote_api_endpoints.json"));
+        const auto document = config::decodeAppConfig(test::readFile(session->resources() / "api_endpoints.json"));
         ASSERT_TRUE(document) << document.error();
 
         platform::VirtualConsole console;

@@ -6,6 +6,7 @@
 #include "market/Extraction.h"
 #include "market/ValuePath.h"
 #include "platform/virtual/VirtualPlatform.h"
+#include "support/TestFiles.h"
 #include "text/Address.h"
 
 #include <gtest/gtest.h>
@@ -38,11 +39,12 @@ protected:
     std::unique_ptr<MarketServer> server;
 };
 
-TEST_F(MarketServerTest, TellsOnePriceInEveryShapeThatItsDocumentDescribes) {
+TEST_F(MarketServerTest, TellsNearlyOnePriceInEveryShapeThatItsDocumentDescribes) {
     const auto still = MarketServer::start({.step = 1h}).value();
-    const auto document = config::decodeAppConfig(marketDocument(still->address()));
+    const std::string shipped = test::readFile(GLINTAR_RESOURCES "/api_endpoints.json");
+    const auto document = config::decodeAppConfig(marketDocument(shipped, still->address()).value());
     ASSERT_TRUE(document) << document.error();
-    ASSERT_GE(document->sources.size(), 3);
+    ASSERT_EQ(document->sources.size(), config::decodeAppConfig(shipped)->sources.size());
     platform::VirtualConsole console;
     httplib::Client client(still->address());
     const auto read = [&](std::string address) {
@@ -51,6 +53,7 @@ TEST_F(MarketServerTest, TellsOnePriceInEveryShapeThatItsDocumentDescribes) {
     };
 
     std::optional<market::UnifiedMarketData> first;
+    std::set<double> prices;
     for (const config::SourceConfig& source : document->sources) {
         const auto body = read(source.url_template);
         const config::Coin coin{.id = "", .displayName = "DOGE", .apiId = "dogecoin", .referencePrice = {}};
@@ -65,12 +68,15 @@ TEST_F(MarketServerTest, TellsOnePriceInEveryShapeThatItsDocumentDescribes) {
             EXPECT_EQ(quote->sparkline->back(), quote->price);
             EXPECT_TRUE(client.Get(quote->imageUrl->substr(still->address().size()))->body.starts_with("\x89PNG"));
         }
-        EXPECT_EQ(quote->price, first->price) << source.id;
-        EXPECT_EQ(quote->high24h.value_or(*first->high24h), first->high24h) << source.id;
-        EXPECT_EQ(quote->low24h.value_or(*first->low24h), first->low24h) << source.id;
+        const double venuesDiffer = first->price * 0.0017;
+        EXPECT_NEAR(quote->price, first->price, venuesDiffer) << source.id;
+        EXPECT_NEAR(quote->high24h.value_or(*first->high24h), *first->high24h, venuesDiffer) << source.id;
+        EXPECT_NEAR(quote->low24h.value_or(*first->low24h), *first->low24h, venuesDiffer) << source.id;
+        prices.insert(quote->price);
         EXPECT_NEAR(quote->change24h.value_or(*first->change24h), *first->change24h, 0.006) << source.id;
         EXPECT_EQ(quote->change24h.has_value(), source.change_path.has_value()) << source.id;
     }
+    EXPECT_GT(prices.size(), 10) << "there are gaps to be seen";
     for (const config::GasConfig& fee : document->gasConfigs.value()) {
         const auto body = json::parseContainer(read(fee.url));
         ASSERT_TRUE(body) << fee.id;

@@ -1,5 +1,5 @@
 #include "line/LineCommand.h"
-#include "platform/TextOutput.h"
+#include "line/RecordedOutput.h"
 #include "platform/virtual/VirtualPlatform.h"
 #include "presenter/LineText.h"
 #include "support/Market.h"
@@ -15,16 +15,6 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::SizeIs;
-
-class RecordedOutput final : public platform::TextOutput {
-public:
-    bool isTerminal() const override { return terminal; }
-    void printLine(std::string_view text) override { lines.emplace_back(text); }
-    void redrawLine(std::string_view text) override { redrawn.emplace_back(text); }
-
-    bool terminal = false;
-    std::vector<std::string> lines, redrawn;
-};
 
 class LineCommandTest : public testing::Test {
 protected:

@@ -27,11 +27,17 @@ std::optional<std::filesystem::path> find(const std::filesystem::path& relative)
 
 }  // namespace
 
-InstalledBundle::InstalledBundle(std::string configServer) : configServer_(std::move(configServer)) {}
+InstalledBundle::InstalledBundle(std::string configServer, std::filesystem::path replacements)
+    : configServer_(std::move(configServer)), replacements_(std::move(replacements)) {}
 
 std::optional<std::filesystem::path> InstalledBundle::resource(std::string_view name,
                                                                std::string_view extension) const {
-    return find(fmt::format("resources/{}.{}", name, extension));
+    const auto file = fmt::format("{}.{}", name, extension);
+    std::error_code error;
+    if (!replacements_.empty() && std::filesystem::exists(replacements_ / file, error)) {
+        return replacements_ / file;
+    }
+    return find(std::filesystem::path("resources") / file);
 }
 
 std::string InstalledBundle::version() const {

@@ -7,8 +7,9 @@ namespace glintar::platform {
 /// What lies beside the running program in a build tree, and in the library folder of the same prefix once installed.
 class InstalledBundle final : public Bundle {
 public:
-    /// `configServer` as in `Bundle::configServer`, already checked.
-    explicit InstalledBundle(std::string configServer);
+    /// `configServer` as in `Bundle::configServer`, already checked. What lies in the folder `replacements` stands in
+    /// place of shipped files of that name.
+    explicit InstalledBundle(std::string configServer, std::filesystem::path replacements = {});
 
     std::optional<std::filesystem::path> resource(std::string_view name, std::string_view extension) const override;
     std::string version() const override;
@@ -19,6 +20,7 @@ public:
 
 private:
     std::string configServer_;
+    std::filesystem::path replacements_;
 };
 
 }  // namespace glintar::platform

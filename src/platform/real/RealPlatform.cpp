@@ -21,7 +21,7 @@ RealPlatform::RealPlatform(const Options& options)
               onTerminate();
           }
       }),
-      bundle_(options.configServer),
+      bundle_(options.configServer, options.replacements),
       preferences_(XdgDirectories::configuration().value_or(kNowhere) / "glintar.conf", console_),
       workQueue_(runLoop_, kWorkThreads),
       secrets_(runLoop_, console_, options.looksUpSecrets),

@@ -17,6 +17,7 @@
 #include "platform/terminal/TerminalConsole.h"
 #include "platform/terminal/TerminalScreen.h"
 
+#include <filesystem>
 #include <functional>
 #include <optional>
 #include <string>
@@ -28,8 +29,9 @@ namespace glintar::platform {
 class RealPlatform {
 public:
     struct Options {
-        std::string configServer;    ///< address; empty means none
-        bool looksUpSecrets = true;  ///< otherwise there are none
+        std::string configServer;                 ///< address; empty means none
+        bool looksUpSecrets = true;               ///< otherwise there are none
+        std::filesystem::path replacements = {};  ///< of shipped files; empty for none
     };
 
     explicit RealPlatform(const Options& options);

@@ -3,16 +3,20 @@
 #include "platform/posix/Descriptor.h"
 #include "text/Unicode.h"
 
+#include <fmt/format.h>
 #include <sys/ioctl.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdlib>
+#include <utility>
 
 namespace glintar::platform {
 
 namespace {
 
-// ECMA-48 control sequences; "?7" (automatic wrapping) is DEC's, and terminals everywhere follow it.
+// ECMA-48 control sequences, as are those that go up and erase what is below; "?7" (automatic wrapping) is DEC's, and
+// terminals everywhere follow it.
 constexpr std::string_view kClearLine = "\r\x1b[2K";
 constexpr std::string_view kWrapOff = "\x1b[?7l";
 constexpr std::string_view kWrapOn = "\x1b[?7h";
@@ -23,9 +27,10 @@ bool canRedraw() {
 }
 
 /// Asked each time: the user may have changed the window.
-std::size_t columns() {
+winsize windowSize() {
     winsize size{};
-    return ::ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : 80;
+    const bool isKnown = ::ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 && size.ws_row > 0;
+    return isKnown ? size : winsize{.ws_row = 24, .ws_col = 80, .ws_xpixel = 0, .ws_ypixel = 0};
 }
 
 }  // namespace
@@ -44,11 +49,25 @@ int TerminalScreen::printLine(std::string_view text) {
     return writeUnlessStopped(STDOUT_FILENO, std::string(text) + '\n', stop_);
 }
 
+std::string TerminalScreen::clearing() const {
+    return liveRows_ > 1 ? fmt::format("\r\x1b[{}A\x1b[J", liveRows_ - 1) : std::string(kClearLine);
+}
+
 int TerminalScreen::redrawLine(std::string_view text) {
     const std::lock_guard lock(mutex_);
-    const auto fitted = text::fitColumns(text, columns());
-    liveLine_ = std::string(kClearLine) + std::string(kWrapOff) + fitted + std::string(kWrapOn);
-    return writeUnlessStopped(STDOUT_FILENO, liveLine_, stop_);
+    const auto window = windowSize();
+    std::string drawn(kWrapOff);
+    std::size_t rows = 0;
+    for (auto rest = text; rows == 0 || (!rest.empty() && rows < window.ws_row); ++rows) {
+        const auto line = rest.substr(0, rest.find('\n'));
+        drawn += (rows > 0 ? "\n" : "") + text::fitColumns(line, window.ws_col);
+        rest.remove_prefix(std::min(line.size() + 1, rest.size()));
+    }
+    drawn += kWrapOn;
+    const int error = writeUnlessStopped(STDOUT_FILENO, clearing() + drawn, stop_);
+    liveLine_ = text.empty() ? std::string() : std::move(drawn);
+    liveRows_ = rows;
+    return error;
 }
 
 void TerminalScreen::writeError(std::string_view text) {
@@ -56,7 +75,7 @@ void TerminalScreen::writeError(std::string_view text) {
     const std::lock_guard lock(mutex_);
     const bool isInTheWay = sharesTerminal_ && !liveLine_.empty();
     // What cannot be written is lost; there is nobody to tell.
-    static_cast<void>(isInTheWay && writeUnlessStopped(STDOUT_FILENO, kClearLine, stop_));
+    static_cast<void>(isInTheWay && writeUnlessStopped(STDOUT_FILENO, clearing(), stop_));
     static_cast<void>(writeUnlessStopped(STDERR_FILENO, clean, stop_));
     static_cast<void>(isInTheWay && writeUnlessStopped(STDOUT_FILENO, liveLine_, stop_));
 }

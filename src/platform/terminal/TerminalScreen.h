@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <mutex>
 #include <string>
 #include <string_view>
@@ -26,8 +27,11 @@ private:
     const int stop_;
     const bool isTerminal_;  ///< one on which a line can be redrawn
     const bool sharesTerminal_;
+    [[nodiscard]] std::string clearing() const;
+
     std::mutex mutex_;
     std::string liveLine_;
+    std::size_t liveRows_ = 1;
 };
 
 }  // namespace glintar::platform
