@@ -49,8 +49,8 @@ void ArbiterDetailView::tick() {
 
 void ArbiterDetailView::refresh(const std::optional<market::MarketDataMap>& quotes) {
     lastKnownNextFetchTime = presenter::RefreshState::shared(platform_).nextFetchTime;
-    auto rows = ArbitrageService::shared(platform_).fetchArbitrageData(coins, quotes,
-                                                                       config::selectedSourceID(platform_.preferences));
+    auto rows = ArbitrageService::shared(platform_).fetchArbitrageData(
+        coins, quotes, config::Settings::load(platform_.preferences).selectedSourceID);
     for (std::size_t i = 0; i < arbitrageList.size(); ++i) {
         rows[i]->keepPrices(*arbitrageList[i], platform_.runLoop.now() + kPricesKept);
     }

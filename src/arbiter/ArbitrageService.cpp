@@ -21,11 +21,6 @@ namespace {
 /// Of one answer. Many arrive at once, and the largest known list of all of an exchange's pairs takes half of it.
 constexpr std::size_t kMostBytes = std::size_t{4} << 20;
 
-/// What of the selected source's last quotes passes for its price now.
-market::MarketDataMap currentQuotes(const std::optional<market::MarketDataMap>& cachedData) {
-    return cachedData.value_or(market::MarketDataMap());
-}
-
 }  // namespace
 
 ArbitrageService& ArbitrageService::shared(platform::Platform& platform) {
@@ -45,10 +40,10 @@ ArbitrageService::Rows ArbitrageService::fetchArbitrageData(const std::vector<co
         platform_.console.log({"❌ [Arbiter] 无法读取源配置"});
         return rows;
     }
-    const auto cached = currentQuotes(cachedData);
+    const bool hasCache = cachedData && !cachedData->empty();
     for (const auto& source : config->sources) {
-        if (source.id == mainSourceID && !cached.empty()) {
-            addCached(source, cached, rows);
+        if (source.id == mainSourceID && hasCache) {
+            addCached(source, *cachedData, rows);
             continue;
         }
         if (source.id == mainSourceID) {
@@ -71,7 +66,7 @@ void ArbitrageService::addCached(const config::SourceConfig& source, const marke
     for (const auto& row : rows) {
         auto quote = cached.find(row->coin.apiId);
         quote = quote == cached.end() ? cached.find(row->coin.displayName) : quote;
-        if (quote != cached.end()) {
+        if (quote != cached.end() && !quote->second.arrival.isOld) {
             row->addPrice(priceOf(source, quote->second.price, platform_));
         }
     }

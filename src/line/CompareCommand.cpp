@@ -38,7 +38,8 @@ void CompareCommand::start() {
     }
     platform::DispatchGroup requests;
     coins_ = arbiter::ArbitrageService::shared(platform_).fetchArbitrageData(
-        config::loadSavedCoins(platform_), {}, config::selectedSourceID(platform_.preferences), requests);
+        config::loadSavedCoins(platform_), {}, config::Settings::load(platform_.preferences).selectedSourceID,
+        requests);
     if (output_.isTerminal() && arguments_.format == app::Format::Text) {
         for (const auto& row : coins_) {
             row->onChange = lifetime_.guard([this] { priceArrived(); });
