@@ -63,27 +63,13 @@ SecretStatus LibsecretStore::remove(std::string_view service, std::string_view a
         return SecretStatus::NotFound;
     }
     const std::lock_guard lock(mutex_);
-    const auto status = cache_.remove({std::string(service), std::string(account)});
-    if (status == SecretStatus::Done) {
-        runLoop_.post(lifetime_.guard([this] { releaseRemovals(); }));
-    }
-    return status;
-}
-
-void LibsecretStore::releaseRemovals() {
-    const std::lock_guard lock(mutex_);
-    cache_.releaseRemovals();
     wake();
+    return cache_.remove({std::string(service), std::string(account)});
 }
 
 void LibsecretStore::tell() {
-    bool isChanged = false;
-    {
-        const std::lock_guard lock(mutex_);
-        isNoticePosted_ = false;
-        isChanged = cache_.takeNotice() == SecretCache::Notice::Due;
-    }
-    if (const auto change = onChange; isChanged && change) {  // on the stack: it may destroy this
+    isNoticePosted_ = false;
+    if (const auto change = onChange) {  // on the stack: it may destroy this
         change();
     }
 }
@@ -114,7 +100,7 @@ void LibsecretStore::run() {
         while (!isStopping_) {
             g_main_context_iteration(context_.get(), TRUE);
         }
-        releaseRemovals();
+        pump();
         iterateUntil(kLastWritesLimit, [this] {
             const std::lock_guard lock(mutex_);
             return !cache_.isWriting();
@@ -165,7 +151,7 @@ void LibsecretStore::pump() {
 }
 
 void LibsecretStore::note(SecretCache::Notice notice) {
-    if (notice == SecretCache::Notice::Due && !isStopping_ && !std::exchange(isNoticePosted_, true)) {
+    if (notice == SecretCache::Notice::Due && !isStopping_ && !isNoticePosted_.exchange(true)) {
         runLoop_.post(lifetime_.guard([this] { tell(); }));
     }
 }

@@ -22,9 +22,6 @@ class KeyRing;
 /// prompt. `add` never waits for one, but when the key ring is locked the service may ask the user to open it, and the
 /// secret reads as added meanwhile.
 ///
-/// A removal goes out when the run loop turns next: where the secret is added anew before, that simply replaces it, and
-/// the old one is not lost if the new one is refused.
-///
 /// A secret that was found stays readable when the service goes away. Texts that are no UTF-8 or hold a NUL address
 /// nothing: they read as `NotFound` and cannot be added.
 class LibsecretStore final : public SecretStore {
@@ -38,8 +35,7 @@ public:
     SecretStatus remove(std::string_view service, std::string_view account) override;
 
 private:
-    void releaseRemovals();  // any thread
-    void wake();             // any thread
+    void wake();  // any thread
     void tell();
 
     // The thread's own.
@@ -54,11 +50,11 @@ private:
     const GlibContext context_{g_main_context_new()};
     KeyRing* ring_ = nullptr;
     std::atomic<bool> isStopping_ = false;
+    std::atomic<bool> isNoticePosted_ = false;
 
     std::mutex mutex_;  // for what follows
     std::condition_variable answered_;
     SecretCache cache_;
-    bool isNoticePosted_ = false;
 
     std::thread thread_;
     Lifetime lifetime_;  // last member
