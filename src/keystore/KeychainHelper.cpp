@@ -1,7 +1,6 @@
 #include "keystore/KeychainHelper.h"
 
 #include "platform/Platform.h"
-#include "platform/SecretStore.h"
 #include "text/Unicode.h"
 
 #include <algorithm>
@@ -12,9 +11,8 @@ namespace {
 constexpr std::string_view kAccount = "GlintarUser";
 }
 
-void KeychainHelper::save(std::string_view bytes, std::string_view keyName) const {
-    platform_.secrets.remove(keyName, kAccount);
-    platform_.secrets.add(keyName, kAccount, bytes);
+platform::SecretStatus KeychainHelper::save(std::string_view bytes, std::string_view keyName) const {
+    return platform_.secrets.add(keyName, kAccount, bytes);
 }
 
 std::optional<std::string> KeychainHelper::read(std::string_view keyName) const {
@@ -25,8 +23,8 @@ std::optional<std::string> KeychainHelper::read(std::string_view keyName) const 
     return std::move(found.bytes);
 }
 
-void KeychainHelper::delete_(std::string_view keyName) const {
-    platform_.secrets.remove(keyName, kAccount);
+platform::SecretStatus KeychainHelper::delete_(std::string_view keyName) const {
+    return platform_.secrets.remove(keyName, kAccount);
 }
 
 std::string KeychainHelper::keyNameOf(std::string_view sourceId) {

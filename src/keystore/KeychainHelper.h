@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/SecretStore.h"
+
 #include <optional>
 #include <string>
 #include <string_view>
@@ -11,15 +13,17 @@ struct Platform;
 namespace glintar::keystore {
 
 /// The user's API keys, in the desktop's secure store. Keeps nothing itself; main thread only, and never waits longer
-/// than the store does. No failure is reported: one that keeps a key from being read looks like a missing key.
+/// than the store does. A failure that keeps a key from being read looks like a missing key.
 class KeychainHelper {
 public:
     explicit KeychainHelper(platform::Platform& platform) : platform_(platform) {}
 
-    /// Replaces what is stored under the key name.
-    void save(std::string_view bytes, std::string_view keyName) const;
+    /// Replaces what is stored under the key name. `Done` when it reads so from now on; the store may still refuse it
+    /// later, and then tells of a change.
+    platform::SecretStatus save(std::string_view bytes, std::string_view keyName) const;
     [[nodiscard]] std::optional<std::string> read(std::string_view keyName) const;
-    void delete_(std::string_view keyName) const;
+    /// `Done` as for `save`; `NotFound` when there was none.
+    platform::SecretStatus delete_(std::string_view keyName) const;
 
     /// Key name of a source's API key, and the key itself as text; empty when there is none or it is no UTF-8.
     [[nodiscard]] static std::string keyNameOf(std::string_view sourceId);

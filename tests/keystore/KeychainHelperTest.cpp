@@ -10,9 +10,9 @@ TEST(KeychainHelperTest, KeysAreReplacedReadAndRemovedEachUnderItsName) {
     platform::VirtualPlatform machine;
     const KeychainHelper keys(machine.platform());
     EXPECT_EQ(keys.read("apiKey_coingecko"), std::nullopt);
-    keys.delete_("apiKey_coingecko");
+    EXPECT_EQ(keys.delete_("apiKey_coingecko"), platform::SecretStatus::NotFound);
     keys.save("one", "apiKey_coingecko");
-    keys.save("two", "apiKey_coingecko");
+    EXPECT_EQ(keys.save("two", "apiKey_coingecko"), platform::SecretStatus::Done);
     keys.save("other", "apiKey_binance");
     EXPECT_EQ(keys.read("apiKey_coingecko"), "two");
     EXPECT_EQ(machine.secrets.find("apiKey_coingecko", "GlintarUser").bytes, "two");
@@ -29,6 +29,8 @@ TEST(KeychainHelperTest, WhatCannotBeReadAsTextIsNoKey) {
     EXPECT_EQ(keys.apiKeyOf("x"), "");
     machine.secrets.failure = platform::SecretStatus::Locked;
     EXPECT_EQ(keys.read("apiKey_x"), std::nullopt);
+    EXPECT_EQ(keys.save("new", "apiKey_x"), platform::SecretStatus::Locked);
+    EXPECT_EQ(keys.delete_("apiKey_x"), platform::SecretStatus::Locked);
 }
 
 }  // namespace

@@ -16,7 +16,7 @@ public:
 
     void cancel() override {
         if (const auto inbox = inbox_.lock()) {
-            inbox->cancel(id_);
+            inbox->post([id = id_](CurlLoop* loop) { loop->cancel(id); });
         }
     }
 
@@ -45,7 +45,7 @@ std::thread startWithoutSignals(std::shared_ptr<CurlInbox> inbox) {
 CurlHttpClient::CurlHttpClient() : inbox_(std::make_shared<CurlInbox>()) {}
 
 CurlHttpClient::~CurlHttpClient() {
-    inbox_->stop();
+    inbox_->post([](CurlLoop* loop) { loop->stop(); });
     if (thread_.joinable()) {
         thread_.join();
     }
@@ -53,13 +53,15 @@ CurlHttpClient::~CurlHttpClient() {
 
 std::shared_ptr<HttpCall> CurlHttpClient::send(HttpRequest request, HttpCompletion completion) {
     std::call_once(started_, [this] { thread_ = startWithoutSignals(inbox_); });
-    const std::uint64_t id = inbox_->submit(
-        std::make_unique<CurlExchange>(std::move(request), std::move(completion), Instant::clock::now()));
+    const std::uint64_t id = ++lastId_;
+    auto exchange = std::make_unique<CurlExchange>(std::move(request), std::move(completion), Instant::clock::now());
+    inbox_->post(
+        [id, exchange = std::move(exchange)](CurlLoop* loop) mutable { loop->start(id, std::move(exchange)); });
     return std::make_shared<Call>(inbox_, id);
 }
 
 void CurlHttpClient::dropConnections() {
-    inbox_->dropConnections();
+    inbox_->post([](CurlLoop* loop) { loop->dropConnections(); });
 }
 
 }  // namespace glintar::platform

@@ -2,6 +2,8 @@
 
 #include "platform/HttpClient.h"
 
+#include <atomic>
+#include <cstdint>
 #include <memory>
 #include <mutex>
 #include <thread>
@@ -30,6 +32,7 @@ public:
 
 private:
     std::shared_ptr<CurlInbox> inbox_;
+    std::atomic<std::uint64_t> lastId_ = 0;
     std::once_flag started_;
     std::thread thread_;
 };

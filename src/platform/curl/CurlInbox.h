@@ -2,45 +2,43 @@
 
 #include <curl/curl.h>
 
-#include <cstdint>
-#include <memory>
+#include <functional>
 #include <mutex>
 #include <utility>
 #include <vector>
 
 namespace glintar::platform {
 
-class CurlExchange;
+class CurlLoop;
 
 /// Where other threads leave work for the HTTP thread, which they wake. Thread-safe.
 class CurlInbox {
 public:
-    struct Mail {
-        std::vector<std::pair<std::uint64_t, std::unique_ptr<CurlExchange>>> added;
-        std::vector<std::uint64_t> cancelled;  ///< may name what has ended long ago
-        std::uint64_t lastDropped = 0;  ///< none up to this one may go on, nor any connection; 0: nothing to drop
-        bool stopping = false;
-    };
+    using Task = std::move_only_function<void(CurlLoop*)>;
 
-    CurlInbox();
-    ~CurlInbox();
-
-    std::uint64_t submit(std::unique_ptr<CurlExchange> exchange);
-    void cancel(std::uint64_t id);
-    void dropConnections();
-    void stop();
+    void post(Task task) {
+        const std::scoped_lock lock(mutex_);
+        tasks_.push_back(std::move(task));
+        if (multi_ != nullptr) {
+            curl_multi_wakeup(multi_);  // under the lock, so that the handle cannot go away meanwhile
+        }
+    }
 
     /// Everything that came in since the last call, in its order.
-    [[nodiscard]] Mail take();
+    [[nodiscard]] std::vector<Task> take() {
+        const std::scoped_lock lock(mutex_);
+        return std::exchange(tasks_, {});
+    }
 
-    /// Says what to wake; null when there is nothing (any more). Without it, mail waits for the next `take`.
-    void wake(CURLM* multi);
+    /// Says what to wake; null when there is nothing (any more). Without it, tasks wait for the next `take`.
+    void wake(CURLM* multi) {
+        const std::scoped_lock lock(mutex_);
+        multi_ = multi;
+    }
 
 private:
-    void wakeLocked() const;
     std::mutex mutex_;
-    Mail mail_;
-    std::uint64_t lastId_ = 0;
+    std::vector<Task> tasks_;
     CURLM* multi_ = nullptr;
 };
 

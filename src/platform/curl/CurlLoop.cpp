@@ -23,10 +23,6 @@ HttpResult cancelled() {
     return std::unexpected(HttpError{HttpError::Kind::Cancelled, curl_easy_strerror(CURLE_ABORTED_BY_CALLBACK)});
 }
 
-HttpResult dropped() {
-    return std::unexpected(HttpError{HttpError::Kind::Connection, "The connection was given up"});
-}
-
 CURLM* newMulti() {
     CURLM* const multi = curl_multi_init();
     if (multi == nullptr) {
@@ -65,7 +61,7 @@ CurlLoop::~CurlLoop() {
 }
 
 void CurlLoop::run() {
-    while (takeMail()) {
+    while (takeWork()) {
         int running = 0;
         curl_multi_perform(multi_, &running);
         readMessages();
@@ -78,53 +74,44 @@ void CurlLoop::run() {
 }
 
 /// False once everything has ended.
-bool CurlLoop::takeMail() {
-    CurlInbox::Mail mail = inbox_.take();
-    while (mail.stopping) {
-        for (auto& [id, exchange] : mail.added) {
-            complete(*exchange, cancelled());
+bool CurlLoop::takeWork() {
+    bool isMore = true;
+    while (isMore) {
+        auto tasks = inbox_.take();
+        for (auto& task : tasks) {
+            task(this);
         }
-        if (active_.empty() && mail.added.empty()) {
-            return false;
+        isMore = isStopping_ && !tasks.empty();  // a completion may have sent something
+        if (isStopping_) {
+            endAll(cancelled());
         }
-        while (!active_.empty()) {
-            end(active_.begin()->first, cancelled());
-        }
-        mail = inbox_.take();  // a completion may have sent something
     }
-    for (auto& [id, exchange] : mail.added) {
-        start(id, std::move(exchange));
-    }
-    for (const std::uint64_t id : mail.cancelled) {
-        end(id, cancelled());
-    }
-    if (mail.lastDropped != 0) {
-        dropConnections(mail.lastDropped);
-    }
-    return true;
-}
-
-/// The connections belong to the multi handle, and so does what was learnt of names.
-void CurlLoop::dropConnections(std::uint64_t lastDropped) {
-    while (!active_.empty() && active_.begin()->first <= lastDropped) {
-        end(active_.begin()->first, dropped());
-    }
-    for (auto& [id, active] : active_) {
-        curl_multi_remove_handle(multi_, active.handle.get());
-    }
-    CURLM* const old = std::exchange(multi_, newMulti());
-    inbox_.wake(multi_);
-    curl_multi_cleanup(old);
-    for (auto& [id, active] : active_) {
-        curl_multi_add_handle(multi_, active.handle.get());
-    }
-    curl_multi_wakeup(multi_);  // mail that came meanwhile woke the old one
+    return !isStopping_;
 }
 
 void CurlLoop::start(std::uint64_t id, std::unique_ptr<CurlExchange> exchange) {
     Active& active = active_[id];
     active = {.id = id, .exchange = std::move(exchange), .handle = takeHandle()};
     launch(active);
+}
+
+void CurlLoop::cancel(std::uint64_t id) {
+    end(id, cancelled());
+}
+
+/// The connections belong to the multi handle, and so does what was learnt of names.
+void CurlLoop::dropConnections() {
+    endAll(std::unexpected(HttpError{HttpError::Kind::Connection, "The connection was given up"}));
+    CURLM* const old = std::exchange(multi_, newMulti());
+    inbox_.wake(multi_);
+    curl_multi_cleanup(old);
+    curl_multi_wakeup(multi_);  // work that came meanwhile woke the old one
+}
+
+void CurlLoop::endAll(const HttpResult& result) {
+    while (!active_.empty()) {
+        end(active_.begin()->first, result);
+    }
 }
 
 void CurlLoop::launch(Active& active) {
@@ -163,7 +150,6 @@ void CurlLoop::endStalled() {
     }
 }
 
-/// Nothing happens when it has ended already.
 void CurlLoop::end(std::uint64_t id, HttpResult result) {
     auto node = active_.extract(id);
     if (node.empty()) {

@@ -17,7 +17,7 @@ namespace glintar::platform {
 class CurlExchange;
 class CurlInbox;
 
-/// What the HTTP thread does: takes mail, moves bytes, completes what has ended, sleeps. Idle, it is not woken.
+/// What the HTTP thread does: takes work, moves bytes, completes what has ended, sleeps. Idle, it is not woken.
 class CurlLoop {
 public:
     explicit CurlLoop(CurlInbox& inbox);
@@ -25,8 +25,15 @@ public:
     CurlLoop(const CurlLoop&) = delete;
     CurlLoop& operator=(const CurlLoop&) = delete;
 
-    /// Returns once the inbox says to stop and everything has been completed.
+    /// Returns once it is to stop and everything has been completed.
     void run();
+
+    // What tasks in the inbox call.
+
+    void start(std::uint64_t id, std::unique_ptr<CurlExchange> exchange);
+    void cancel(std::uint64_t id);  ///< nothing happens when it has ended already
+    void dropConnections();
+    void stop() { isStopping_ = true; }
 
 private:
     struct Active {
@@ -35,9 +42,8 @@ private:
         CurlEasy handle;
     };
 
-    bool takeMail();
-    void dropConnections(std::uint64_t lastDropped);
-    void start(std::uint64_t id, std::unique_ptr<CurlExchange> exchange);
+    bool takeWork();
+    void endAll(const HttpResult& result);
     void launch(Active& active);
     void readMessages();
     void endStalled();
@@ -53,6 +59,7 @@ private:
     std::map<std::uint64_t, Active> active_;
     std::vector<CurlEasy> spare_;
     bool trimWanted_ = false;
+    bool isStopping_ = false;
 };
 
 }  // namespace glintar::platform

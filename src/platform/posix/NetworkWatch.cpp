@@ -6,6 +6,7 @@
 #include <linux/rtnetlink.h>
 #include <sys/socket.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 
@@ -14,77 +15,58 @@ namespace glintar::platform {
 namespace {
 
 constexpr Duration kSettling = std::chrono::seconds{1};
-
-// The kernel makes the parts of a list no larger than this.
-constexpr std::size_t kLargestDatagram = 32768;
+constexpr Duration kBetweenNotices = std::chrono::seconds{30};
 
 Descriptor openSocket() {
     Descriptor opened(::socket(AF_NETLINK, SOCK_RAW | SOCK_CLOEXEC | SOCK_NONBLOCK, NETLINK_ROUTE));
     sockaddr_nl address{};
     address.nl_family = AF_NETLINK;
-    address.nl_groups = RTMGRP_LINK | RTMGRP_IPV4_ROUTE | RTMGRP_IPV6_ROUTE;
-    if (opened.number() < 0 ||
-        ::bind(opened.number(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
-        return Descriptor();
+    address.nl_groups = RTMGRP_IPV4_ROUTE | RTMGRP_IPV6_ROUTE;
+    const bool isBound = opened.number() >= 0 &&
+                         ::bind(opened.number(), reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
+    return isBound ? std::move(opened) : Descriptor();
+}
+
+/// Whether the message tells of a way to all other machines that can be used. Tunnels lay theirs in two halves.
+bool isNewWay(const nlmsghdr& message) {
+    if (message.nlmsg_type != RTM_NEWROUTE || message.nlmsg_len < NLMSG_LENGTH(sizeof(rtmsg))) {
+        return false;
     }
-    return opened;
+    const auto& route = *static_cast<const rtmsg*>(NLMSG_DATA(&message));
+    return route.rtm_table == RT_TABLE_MAIN && route.rtm_type == RTN_UNICAST && route.rtm_dst_len <= 1 &&
+           (route.rtm_flags & (RTM_F_CLONED | RTNH_F_LINKDOWN | RTNH_F_DEAD)) == 0;
 }
 
 }  // namespace
 
 NetworkWatch::NetworkWatch(RunLoop& loop, NotificationCenter& notifications)
-    : loop_(loop), notifications_(notifications), socket_(openSocket()) {
-    if (socket_.number() >= 0 && !askForAll()) {
-        socket_ = Descriptor();
-    }
-}
+    : loop_(loop), notifications_(notifications), socket_(openSocket()) {}
 
 bool NetworkWatch::onReadable() {
-    std::array<std::byte, kLargestDatagram> datagram;
+    alignas(nlmsghdr) std::array<std::byte, 8192> datagram;  // the kernel makes no larger ones of routes
     while (true) {
-        sockaddr_nl sender{};
-        socklen_t senderSize = sizeof sender;
-        const ssize_t got = ::recvfrom(socket_.number(), datagram.data(), datagram.size(), MSG_TRUNC,
-                                       reinterpret_cast<sockaddr*>(&sender), &senderSize);
-        auto outcome = RouteTable::Outcome::Overrun;
-        if (got < 0) {
-            if (errno == EINTR) {
-                continue;
-            }
-            if (errno != ENOBUFS) {
-                return errno == EAGAIN;
-            }
-        } else if (sender.nl_pid != 0) {
-            continue;  // only the kernel is believed
-        } else if (static_cast<std::size_t>(got) <= datagram.size()) {
-            outcome = routes_.read(std::span(datagram).first(static_cast<std::size_t>(got)));
+        const ssize_t got = ::recv(socket_.number(), datagram.data(), datagram.size(), 0);
+        if (got < 0 && errno == ENOBUFS) {
+            tellSoon();  // it had more to tell than we could take, and the new route may have been among it
+        } else if (got < 0 && errno != EINTR) {
+            return errno == EAGAIN;
         }
-        mustAskAgain_ = mustAskAgain_ || outcome == RouteTable::Outcome::Overrun;
-        if (mustAskAgain_ && !routes_.isReadingAll() && !askForAll()) {
-            return false;
-        }
-        if (outcome == RouteTable::Outcome::NewWay) {
-            settled_ = loop_.after(kSettling, [this] {
-                if (routes_.leadsOut()) {
-                    notifications_.post(kNetworkCameBack);
-                }
-            });
+        auto left = static_cast<std::size_t>(std::max<ssize_t>(got, 0));
+        for (auto* message = reinterpret_cast<const nlmsghdr*>(datagram.data()); NLMSG_OK(message, left);
+             message = NLMSG_NEXT(message, left)) {
+            if (isNewWay(*message)) {
+                tellSoon();
+            }
         }
     }
 }
 
-bool NetworkWatch::askForAll() {
-    struct {
-        nlmsghdr header;
-        rtmsg route;
-    } request{};
-    request.header.nlmsg_len = sizeof request;
-    request.header.nlmsg_type = RTM_GETROUTE;
-    request.header.nlmsg_flags = NLM_F_REQUEST | NLM_F_DUMP;
-    request.header.nlmsg_seq = ++sequence_;
-    routes_.expectAll(sequence_);
-    mustAskAgain_ = false;
-    return ::send(socket_.number(), &request, sizeof request, 0) == static_cast<ssize_t>(sizeof request);
+void NetworkWatch::tellSoon() {
+    const auto earliest = told_ ? *told_ + kBetweenNotices - loop_.now() : Duration::zero();
+    settled_ = loop_.after(std::max(kSettling, earliest), [this] {
+        told_ = loop_.now();
+        notifications_.post(kNetworkCameBack);
+    });
 }
 
 }  // namespace glintar::platform

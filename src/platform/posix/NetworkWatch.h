@@ -2,15 +2,17 @@
 
 #include "platform/RunLoop.h"
 #include "platform/posix/Descriptor.h"
-#include "platform/posix/RouteTable.h"
+
+#include <optional>
 
 namespace glintar::platform {
 
 class NotificationCenter;
 
-/// Posts `kNetworkCameBack` when there is a new way to other machines: after there was none, and also when the machine
-/// has moved to another network. A second after the last news, since a network comes in many steps, the name
-/// servers last. Never for what was so at the start. Main thread only.
+/// Posts `kNetworkCameBack` when the kernel tells of a new default route (rtnetlink(7)): the network came back, or the
+/// machine has moved to another one. A second after the last news, since a network comes in many steps, the name
+/// servers last; at most twice a minute, since some routers have their route told anew all the time. A notice too many
+/// costs a connection or an early retry. Never for what was so at the start. Main thread only.
 class NetworkWatch {
 public:
     NetworkWatch(RunLoop& loop, NotificationCenter& notifications);
@@ -22,14 +24,12 @@ public:
     [[nodiscard]] bool onReadable();
 
 private:
-    bool askForAll();
+    void tellSoon();
 
     RunLoop& loop_;
     NotificationCenter& notifications_;
     Descriptor socket_;
-    RouteTable routes_;
-    std::uint32_t sequence_ = 0;
-    bool mustAskAgain_ = false;
+    std::optional<Instant> told_;
     TimerHandle settled_;
 };
 

@@ -10,7 +10,7 @@
 
 namespace glintar::platform {
 
-/// A few threads, each started when there is work that nobody is free for. They sleep while there is none.
+/// At most so many threads, each started when there is work that no other is free for. They sleep while there is none.
 class ThreadWorkQueue final : public WorkQueue {
 public:
     /// `runLoop` tells when delayed work is due.

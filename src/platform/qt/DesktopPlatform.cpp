@@ -84,11 +84,4 @@ DesktopPlatform::~DesktopPlatform() {
     machine_.endWork();  // it draws
 }
 
-void DesktopPlatform::watch() {
-    machine_.watch();
-    if (const auto bus = systemBusAddress()) {
-        loginManager_.emplace(platform().runLoop, platform().notifications, *bus);
-    }
-}
-
 }  // namespace glintar::platform

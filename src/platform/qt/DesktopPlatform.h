@@ -4,7 +4,6 @@
 #include "platform/NotificationCenter.h"
 #include "platform/qt/DisplayGuard.h"
 #include "platform/qt/XcbReader.h"
-#include "platform/qt/events/LoginManager.h"
 #include "platform/qt/events/QtDesktopEvents.h"
 #include "platform/qt/graphics/QtGraphics.h"
 #include "platform/qt/strip/QtStatusBar.h"
@@ -40,7 +39,7 @@ public:
     void onTerminate(std::function<void()> handler) { machine_.onTerminate = std::move(handler); }
 
     /// From now on the platform tells of sleep, the network and preferences that others write.
-    void watch();
+    void watch() { machine_.watch(); }
 
     [[nodiscard]] Platform& platform() { return machine_.platform(); }
     [[nodiscard]] Desktop& desktop() { return desktop_; }
@@ -63,7 +62,6 @@ private:
     QtStatusBar statusBar_;
     QtWindowServer windows_;
     QtClipboard clipboard_;
-    std::optional<LoginManager> loginManager_;
     Desktop desktop_;
 };
 

@@ -1,56 +1,63 @@
 #include "platform/qtcore/QtRunLoop.h"
 
 #include <QThread>
-#include <QTimerEvent>
+#include <QTimer>
 #include <sys/eventfd.h>
 #include <time.h>
-#include <unistd.h>
+
+#include <utility>
 
 namespace glintar::platform {
+
+namespace {
+
+std::chrono::milliseconds roundedUp(Duration duration) {
+    return std::max(std::chrono::ceil<std::chrono::milliseconds>(duration), std::chrono::milliseconds::zero());
+}
+
+struct QtTimer final : Timer {
+    template <class Callback>
+    QtTimer(Duration interval, bool isSingle, Callback callback) {
+        timer.setTimerType(Qt::PreciseTimer);
+        timer.setSingleShot(isSingle);
+        // Qt holds on to the callback while it runs, so that it may destroy its timer.
+        QObject::connect(&timer, &QTimer::timeout, &timer, std::move(callback));
+        timer.start(roundedUp(interval));
+    }
+    QTimer timer;
+};
+
+}  // namespace
 
 QtRunLoop::QtRunLoop()
     : wake_(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)), wakeNotifier_(wake_.number(), QSocketNotifier::Read) {
     connect(&wakeNotifier_, &QSocketNotifier::activated, this, [this] { runPosted(); });
 }
 
-QtRunLoop::~QtRunLoop() = default;
-
 void QtRunLoop::post(Task task) {
-    bool isFirst = false;
-    {
-        const std::lock_guard lock(mutex_);
-        isFirst = posted_.empty();
-        posted_.push_back(std::move(task));
-    }
-    if (isFirst) {
-        const std::uint64_t one = 1;
-        [[maybe_unused]] const auto written = ::write(wake_.number(), &one, sizeof one);
+    const std::lock_guard lock(mutex_);
+    posted_.push_back(std::move(task));
+    if (posted_.size() == 1) {
+        ::eventfd_write(wake_.number(), 1);
     }
 }
 
 void QtRunLoop::postAfter(Duration delay, Task task) {
-    const Instant due = now() + delay;
-    auto schedule = [this, due, task = std::move(task)]() mutable {
-        timers_.schedule(due, std::move(task));
-        arm();
-    };
     if (QThread::currentThread() == thread()) {
-        schedule();
+        QTimer::singleShot(roundedUp(delay), Qt::PreciseTimer, this, std::move(task));
     } else {
-        post(std::move(schedule));
+        post(
+            [this, due = now() + delay, task = std::move(task)]() mutable { postAfter(due - now(), std::move(task)); });
     }
 }
 
 TimerHandle QtRunLoop::after(Duration delay, Task task) {
-    auto handle = timers_.after(now() + delay, std::move(task));
-    arm();
-    return handle;
+    return std::make_unique<QtTimer>(delay, true,
+                                     [task = std::move(task)]() mutable { std::exchange(task, nullptr)(); });
 }
 
 TimerHandle QtRunLoop::every(Duration interval, std::function<void()> tick) {
-    auto handle = timers_.every(now() + interval, interval, std::move(tick));
-    arm();
-    return handle;
+    return std::make_unique<QtTimer>(interval, false, std::move(tick));
 }
 
 Instant QtRunLoop::now() const {
@@ -67,44 +74,20 @@ WallTime QtRunLoop::wallNow() const {
     return std::chrono::system_clock::now();
 }
 
-void QtRunLoop::timerEvent(QTimerEvent* event) {
-    killTimer(event->timerId());
-    timerId_ = 0;
-    armedFor_.reset();
-    // Only what was due when the event came: a timer of no interval must not keep the loop from its other work.
-    const Instant started = now();
-    while (auto due = timers_.takeDue(started)) {
-        due->second();
-    }
-    arm();
-}
-
+/// What waits now; what it posts has to wait for timers and events.
 void QtRunLoop::runPosted() {
-    std::uint64_t count = 0;
-    [[maybe_unused]] const auto got = ::read(wake_.number(), &count, sizeof count);
-    std::vector<Task> tasks;
-    {
-        const std::lock_guard lock(mutex_);
-        tasks.swap(posted_);
-    }
-    for (auto& task : tasks) {
+    std::unique_lock lock(mutex_);
+    for (auto count = posted_.size(); count > 0 && !posted_.empty(); --count) {
+        Task task = std::move(posted_.front());
+        posted_.pop_front();
+        if (posted_.empty()) {
+            eventfd_t ignored = 0;
+            ::eventfd_read(wake_.number(), &ignored);
+        }
+        lock.unlock();
         task();
-    }
-}
-
-void QtRunLoop::arm() {
-    const auto due = timers_.nextDue();
-    if (due == armedFor_) {
-        return;
-    }
-    if (timerId_ != 0) {
-        killTimer(timerId_);
-        timerId_ = 0;
-    }
-    armedFor_ = due;
-    if (due) {
-        const auto wait = std::chrono::ceil<std::chrono::milliseconds>(*due - now());
-        timerId_ = startTimer(std::max(wait, std::chrono::milliseconds::zero()), Qt::PreciseTimer);
+        task = nullptr;  // what it holds may post
+        lock.lock();
     }
 }
 

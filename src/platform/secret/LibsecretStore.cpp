@@ -1,18 +1,6 @@
 #include "platform/secret/LibsecretStore.h"
 
-#include "platform/RunLoop.h"
-#include "platform/secret/GlibHandles.h"
 #include "platform/secret/KeyRing.h"
-#include "platform/secret/SecretCache.h"
-#include "platform/secret/SessionBus.h"
-
-#include <gio/gio.h>
-
-#include <atomic>
-#include <condition_variable>
-#include <mutex>
-#include <optional>
-#include <thread>
 
 namespace glintar::platform {
 
@@ -31,56 +19,22 @@ bool isAddress(std::string_view text) {
 
 }  // namespace
 
-/// The thread that talks to the key ring, and the cache between it and the main thread.
-class LibsecretStore::Worker {
-public:
-    Worker(std::string address, RunLoop& runLoop, std::function<Task()> makeNotice);
-    ~Worker();
-
-    // Main thread.
-    SecretLookup find(const SecretKey& key);
-    void add(const SecretKey& key, std::string_view bytes);
-    SecretStatus remove(const SecretKey& key);
-    void releaseRemovals();  // any thread
-    [[nodiscard]] bool takeNotice();
-
-private:
-    void wake();  // any thread
-
-    // The worker's thread.
-    void run();
-    void pump();
-    void note(SecretCache::Notice notice);  ///< with the lock held
-    template <class Predicate>
-    void iterateUntil(milliseconds limit, Predicate isOver);
-
-    const std::string address_;
-    RunLoop& runLoop_;
-    const std::function<Task()> makeNotice_;
-    const GlibContext context_{g_main_context_new()};
-    KeyRing* ring_ = nullptr;
-    std::atomic<bool> isStopping_ = false;
-
-    std::mutex mutex_;  // for what follows
-    std::condition_variable answered_;
-    SecretCache cache_;
-    bool isNoticePosted_ = false;
-
-    std::thread thread_;
-};
-
-LibsecretStore::Worker::Worker(std::string address, RunLoop& runLoop, std::function<Task()> makeNotice)
-    : address_(std::move(address)), runLoop_(runLoop), makeNotice_(std::move(makeNotice)) {
+LibsecretStore::LibsecretStore(RunLoop& runLoop, std::string address)
+    : runLoop_(runLoop), address_(std::move(address)) {
     thread_ = std::thread([this] { run(); });
 }
 
-LibsecretStore::Worker::~Worker() {
+LibsecretStore::~LibsecretStore() {
     isStopping_ = true;
     g_main_context_wakeup(context_.get());
     thread_.join();
 }
 
-SecretLookup LibsecretStore::Worker::find(const SecretKey& key) {
+SecretLookup LibsecretStore::find(std::string_view service, std::string_view account) {
+    if (!isAddress(service) || !isAddress(account)) {
+        return {SecretStatus::NotFound, {}};
+    }
+    const SecretKey key{std::string(service), std::string(account)};
     std::unique_lock lock(mutex_);
     const bool isSlow = cache_.isSlow();
     const auto want = cache_.want(key, runLoop_.now());
@@ -94,34 +48,37 @@ SecretLookup LibsecretStore::Worker::find(const SecretKey& key) {
     return {answer.status, std::string(answer.view())};
 }
 
-void LibsecretStore::Worker::add(const SecretKey& key, std::string_view bytes) {
+SecretStatus LibsecretStore::add(std::string_view service, std::string_view account, std::string_view bytes) {
+    if (!isAddress(service) || !isAddress(account)) {
+        return SecretStatus::Failed;
+    }
     const std::lock_guard lock(mutex_);
-    cache_.add(key, bytes);
+    cache_.add({std::string(service), std::string(account)}, bytes);
     wake();
+    return SecretStatus::Done;
 }
 
-SecretStatus LibsecretStore::Worker::remove(const SecretKey& key) {
+SecretStatus LibsecretStore::remove(std::string_view service, std::string_view account) {
+    if (!isAddress(service) || !isAddress(account)) {
+        return SecretStatus::NotFound;
+    }
     const std::lock_guard lock(mutex_);
-    return cache_.remove(key);
-}
-
-void LibsecretStore::Worker::releaseRemovals() {
-    const std::lock_guard lock(mutex_);
-    cache_.releaseRemovals();
     wake();
+    return cache_.remove({std::string(service), std::string(account)});
 }
 
-bool LibsecretStore::Worker::takeNotice() {
-    const std::lock_guard lock(mutex_);
+void LibsecretStore::tell() {
     isNoticePosted_ = false;
-    return cache_.takeNotice() == SecretCache::Notice::Due;
+    if (const auto change = onChange) {  // on the stack: it may destroy this
+        change();
+    }
 }
 
-void LibsecretStore::Worker::wake() {
+void LibsecretStore::wake() {
     GSource* const source = g_idle_source_new();
     g_source_set_priority(source, G_PRIORITY_DEFAULT);
-    const auto onTurn = [](gpointer worker) -> gboolean {
-        static_cast<Worker*>(worker)->pump();
+    const auto onTurn = [](gpointer store) -> gboolean {
+        static_cast<LibsecretStore*>(store)->pump();
         return G_SOURCE_REMOVE;
     };
     g_source_set_callback(source, onTurn, this, nullptr);
@@ -129,7 +86,7 @@ void LibsecretStore::Worker::wake() {
     g_source_unref(source);
 }
 
-void LibsecretStore::Worker::run() {
+void LibsecretStore::run() {
     g_main_context_push_thread_default(context_.get());
     {
         KeyRing ring(address_, [this] {
@@ -143,7 +100,7 @@ void LibsecretStore::Worker::run() {
         while (!isStopping_) {
             g_main_context_iteration(context_.get(), TRUE);
         }
-        releaseRemovals();
+        pump();
         iterateUntil(kLastWritesLimit, [this] {
             const std::lock_guard lock(mutex_);
             return !cache_.isWriting();
@@ -157,7 +114,7 @@ void LibsecretStore::Worker::run() {
     g_main_context_pop_thread_default(context_.get());
 }
 
-void LibsecretStore::Worker::pump() {
+void LibsecretStore::pump() {
     std::vector<SecretKey> reads;
     std::vector<SecretCache::Write> writes;
     {
@@ -193,14 +150,14 @@ void LibsecretStore::Worker::pump() {
     }
 }
 
-void LibsecretStore::Worker::note(SecretCache::Notice notice) {
-    if (notice == SecretCache::Notice::Due && !isStopping_ && !std::exchange(isNoticePosted_, true)) {
-        runLoop_.post(makeNotice_());
+void LibsecretStore::note(SecretCache::Notice notice) {
+    if (notice == SecretCache::Notice::Due && !isStopping_ && !isNoticePosted_.exchange(true)) {
+        runLoop_.post(lifetime_.guard([this] { tell(); }));
     }
 }
 
 template <class Predicate>
-void LibsecretStore::Worker::iterateUntil(milliseconds limit, Predicate isOver) {
+void LibsecretStore::iterateUntil(milliseconds limit, Predicate isOver) {
     bool isLate = false;
     GSource* const alarm = g_timeout_source_new(static_cast<guint>(limit.count()));
     g_source_set_callback(
@@ -216,71 +173,6 @@ void LibsecretStore::Worker::iterateUntil(milliseconds limit, Predicate isOver) 
     }
     g_source_destroy(alarm);
     g_source_unref(alarm);
-}
-
-LibsecretStore::LibsecretStore(RunLoop& runLoop) : runLoop_(runLoop) {}
-
-LibsecretStore::~LibsecretStore() {
-    worker_.reset();  // its thread hands out guards of `lifetime_`
-}
-
-SecretLookup LibsecretStore::find(std::string_view service, std::string_view account) {
-    if (!isAddress(service) || !isAddress(account)) {
-        return {SecretStatus::NotFound, {}};
-    }
-    Worker* const asked = worker();
-    return asked == nullptr ? SecretLookup{SecretStatus::Unavailable, {}}
-                            : asked->find({std::string(service), std::string(account)});
-}
-
-SecretStatus LibsecretStore::add(std::string_view service, std::string_view account, std::string_view bytes) {
-    if (!isAddress(service) || !isAddress(account)) {
-        return SecretStatus::Failed;
-    }
-    Worker* const asked = worker();
-    if (asked == nullptr) {
-        return SecretStatus::Unavailable;
-    }
-    asked->add({std::string(service), std::string(account)}, bytes);
-    return SecretStatus::Done;
-}
-
-SecretStatus LibsecretStore::remove(std::string_view service, std::string_view account) {
-    if (!isAddress(service) || !isAddress(account)) {
-        return SecretStatus::NotFound;
-    }
-    Worker* const asked = worker();
-    if (asked == nullptr) {
-        return SecretStatus::Unavailable;
-    }
-    const auto status = asked->remove({std::string(service), std::string(account)});
-    if (status == SecretStatus::Done) {
-        runLoop_.post(lifetime_.guard([asked] { asked->releaseRemovals(); }));
-    }
-    return status;
-}
-
-bool LibsecretStore::busIsThere() {
-    return sessionBusAddress().has_value();
-}
-
-LibsecretStore::Worker* LibsecretStore::worker() {
-    if (worker_ == nullptr) {
-        if (auto address = sessionBusAddress()) {
-            worker_ = std::make_unique<Worker>(std::move(*address), runLoop_,
-                                               [this] { return lifetime_.guard([this] { tell(); }); });
-        }
-    }
-    return worker_.get();
-}
-
-void LibsecretStore::tell() {
-    if (worker_->takeNotice()) {
-        const auto change = onChange;  // on the stack: it may destroy this
-        if (change) {
-            change();
-        }
-    }
 }
 
 }  // namespace glintar::platform

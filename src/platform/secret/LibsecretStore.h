@@ -1,47 +1,62 @@
 #pragma once
 
 #include "platform/Lifetime.h"
+#include "platform/RunLoop.h"
 #include "platform/SecretStore.h"
+#include "platform/secret/GlibHandles.h"
+#include "platform/secret/SecretCache.h"
 
-#include <memory>
+#include <atomic>
+#include <condition_variable>
+#include <mutex>
+#include <thread>
 
 namespace glintar::platform {
 
-class RunLoop;
+class KeyRing;
 
-/// Secrets in the desktop's key ring, through the Secret Service on the user's message bus.
+/// Secrets in the desktop's key ring, through the Secret Service on the user's message bus. A thread of its own talks
+/// to the service, from the first call on, and follows its signals; between it and the main thread stands a cache.
 ///
-/// Where there is a bus, the first call starts a thread that talks to the service and follows its signals; without a
-/// bus every call ends in `Unavailable` at once and nothing is started. The first read of an item waits for the answer,
-/// but at most 100 ms; all else comes from what is known. Reads never prompt. `add` never waits for one, but when the
-/// key ring is locked the service may ask the user to open it, and the secret reads as added meanwhile.
-///
-/// A removal goes out when the run loop turns next: where the secret is added anew before, that simply replaces it, and
-/// the old one is not lost if the new one is refused.
+/// The first read of an item waits for the answer, but at most 100 ms; all else comes from what is known. Reads never
+/// prompt. `add` never waits for one, but when the key ring is locked the service may ask the user to open it, and the
+/// secret reads as added meanwhile.
 ///
 /// A secret that was found stays readable when the service goes away. Texts that are no UTF-8 or hold a NUL address
 /// nothing: they read as `NotFound` and cannot be added.
 class LibsecretStore final : public SecretStore {
 public:
-    explicit LibsecretStore(RunLoop& runLoop);
+    /// `address` is the bus's.
+    LibsecretStore(RunLoop& runLoop, std::string address);
     ~LibsecretStore() override;  // takes less than 100 ms, of which a write under way gets the first 50
 
     [[nodiscard]] SecretLookup find(std::string_view service, std::string_view account) override;
     SecretStatus add(std::string_view service, std::string_view account, std::string_view bytes) override;
     SecretStatus remove(std::string_view service, std::string_view account) override;
 
-    /// Whether there is a message bus, without which no key ring can be asked.
-    [[nodiscard]] static bool busIsThere();
-
 private:
-    class Worker;
-
-    /// The thread's owner, made when it is first needed; null without a bus.
-    Worker* worker();
+    void wake();  // any thread
     void tell();
 
+    // The thread's own.
+    void run();
+    void pump();
+    void note(SecretCache::Notice notice);  ///< with the lock held
+    template <class Predicate>
+    void iterateUntil(std::chrono::milliseconds limit, Predicate isOver);
+
     RunLoop& runLoop_;
-    std::unique_ptr<Worker> worker_;
+    const std::string address_;
+    const GlibContext context_{g_main_context_new()};
+    KeyRing* ring_ = nullptr;
+    std::atomic<bool> isStopping_ = false;
+    std::atomic<bool> isNoticePosted_ = false;
+
+    std::mutex mutex_;  // for what follows
+    std::condition_variable answered_;
+    SecretCache cache_;
+
+    std::thread thread_;
     Lifetime lifetime_;  // last member
 };
 

@@ -27,7 +27,8 @@ SecretStatus LoadedSecretStore::remove(std::string_view service, std::string_vie
 }
 
 SecretStore* LoadedSecretStore::store() {
-    if (store_ || !isOn_ || !sessionBusAddress()) {
+    const auto address = store_ || !isOn_ ? std::nullopt : sessionBusAddress();
+    if (!address) {
         return store_.get();
     }
     // Never unloaded: GLib's types cannot be.
@@ -39,7 +40,7 @@ SecretStore* LoadedSecretStore::store() {
         console_.print(std::string("⚠️ [KeyStore] ") + (path ? ::dlerror() : "glintar-secret.so is not installed"));
         return nullptr;
     }
-    store_.reset(make(runLoop_));
+    store_.reset(make(runLoop_, *address));
     store_->onChange = [this] {
         if (onChange) {
             onChange();

@@ -2,6 +2,8 @@
 
 #include "platform/SecretStore.h"
 
+#include <string.h>
+
 #include <memory>
 #include <string>
 #include <string_view>
@@ -22,7 +24,7 @@ public:
     explicit SecretBytes(std::string_view bytes) : bytes_(bytes) {}
     SecretBytes(const SecretBytes&) = delete;
     SecretBytes& operator=(const SecretBytes&) = delete;
-    ~SecretBytes();
+    ~SecretBytes() { explicit_bzero(bytes_.data(), bytes_.size()); }  // unlike a plain fill, never optimised away
 
     [[nodiscard]] std::string_view view() const { return bytes_; }
 

@@ -6,7 +6,7 @@
 namespace glintar::platform {
 
 SecretCache::Notice SecretCache::Entry::noticeSince(const SecretAnswer& before) const {
-    return told && visible() != before ? Notice::Due : Notice::None;
+    return isTold && visible() != before ? Notice::Due : Notice::None;
 }
 
 void SecretCache::Entry::readAgain() {
@@ -15,8 +15,7 @@ void SecretCache::Entry::readAgain() {
 
 void SecretCache::Entry::write(SecretAnswer secret) {
     isWriteWanted = true;
-    isWriteHeld = secret.status == SecretStatus::NotFound;
-    told = secret;
+    isTold = true;
     written = std::move(secret);
 }
 
@@ -37,8 +36,7 @@ SecretCache::Want SecretCache::want(const SecretKey& key, Instant now) {
 
 SecretAnswer SecretCache::find(const SecretKey& key) {
     auto& entry = entries_.at(key);
-    entry.wasReadBeforeNotice |= entry.told && entry.visible() != *entry.told;
-    entry.told = entry.visible();
+    entry.isTold = true;
     return entry.visible();
 }
 
@@ -61,21 +59,8 @@ bool SecretCache::isAnswered(const SecretKey& key) const {
 
 bool SecretCache::isSlow() const {
     return std::ranges::any_of(entries_, [](const auto& item) {
-        return item.second.told && item.second.told->status == SecretStatus::Pending &&
-               item.second.stored.status == SecretStatus::Pending;
+        return item.second.isTold && item.second.visible().status == SecretStatus::Pending;
     });
-}
-
-SecretCache::Notice SecretCache::takeNotice() {
-    auto notice = Notice::None;
-    for (auto& [key, entry] : entries_) {
-        if (entry.told && (entry.wasReadBeforeNotice || entry.visible() != *entry.told)) {
-            notice = Notice::Due;
-            entry.wasReadBeforeNotice = false;
-            entry.told = entry.visible();
-        }
-    }
-    return notice;
 }
 
 void SecretCache::readAllAgain() {
@@ -113,16 +98,10 @@ SecretCache::Notice SecretCache::answered(const SecretKey& key, SecretAnswer ans
     return entry.noticeSince(before);
 }
 
-void SecretCache::releaseRemovals() {
-    for (auto& [key, entry] : entries_) {
-        entry.isWriteHeld = false;
-    }
-}
-
 std::vector<SecretCache::Write> SecretCache::takeWrites() {
     std::vector<Write> writes;
     for (auto& [key, entry] : entries_) {
-        if (entry.isWriteWanted && !entry.isWriteHeld && !entry.isWriting) {
+        if (entry.isWriteWanted && !entry.isWriting) {
             entry.isWriteWanted = false;
             entry.isWriting = true;
             writes.push_back({key, *entry.written});

@@ -37,16 +37,12 @@ public:
     [[nodiscard]] bool isAnswered(const SecretKey& key) const;
     /// Whether a read has been given up on that still has no answer: then others need not be waited for either.
     [[nodiscard]] bool isSlow() const;
-    /// Whether anything reads differently than the main thread knew; it knows now.
-    [[nodiscard]] Notice takeNotice();
 
     // For the thread that asks the service.
 
     void readAllAgain();
     [[nodiscard]] std::vector<SecretKey> takeReads();
     [[nodiscard]] Notice answered(const SecretKey& key, SecretAnswer answer, Instant now);
-    /// Removals are held back until this is called, so that a secret added right after one simply replaces.
-    void releaseRemovals();
     [[nodiscard]] std::vector<Write> takeWrites();
     [[nodiscard]] Notice wrote(const Write& write, Outcome outcome);
     /// Whether a write is under way or due.
@@ -56,13 +52,11 @@ private:
     struct Entry {
         SecretAnswer stored;                  ///< as the service last said
         std::optional<SecretAnswer> written;  ///< by us, and not yet accepted
-        std::optional<SecretAnswer> told;     ///< as the main thread knows it; empty until it does
-        bool wasReadBeforeNotice = false;     ///< a read has shown the change that a notice is still to tell of
+        bool isTold = false;                  ///< the main thread knows how it reads
         bool isReadWanted = false;
         bool isReading = false;
         bool isReadOutdated = false;  ///< what the read under way brings no longer counts
         bool isWriteWanted = false;
-        bool isWriteHeld = false;
         bool isWriting = false;
         Instant answeredAt{};
 

@@ -2,7 +2,9 @@
 
 #include "platform/secret/LibsecretStore.h"
 
-extern "C" [[gnu::visibility("default")]] glintar::platform::SecretStore* glintarMakeSecretStore(
-    glintar::platform::RunLoop& runLoop) {
-    return new glintar::platform::LibsecretStore(runLoop);
+using namespace glintar::platform;
+
+extern "C" [[gnu::visibility("default")]] SecretStore* glintarMakeSecretStore(RunLoop& runLoop,
+                                                                              const std::string& busAddress) {
+    return new LibsecretStore(runLoop, busAddress);
 }

@@ -9,7 +9,7 @@ void VirtualRunLoop::advance(Duration duration) {
     const Instant target = now() + duration;
     for (auto next = queue().nextDue(); next && *next <= target; next = queue().nextDue()) {
         now_ = std::max(now(), *next);
-        queue_.takeDue(now())->second();
+        queue_.takeNext()();
     }
     now_ = target;
 }

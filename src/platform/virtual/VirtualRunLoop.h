@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/RunLoop.h"
-#include "platform/TimerQueue.h"
+#include "platform/virtual/TimerQueue.h"
 
 #include <atomic>
 #include <mutex>

@@ -206,6 +206,14 @@ TEST_F(CurlHttpClientTest, TrustsTheAuthoritiesOfTheEnvironmentAndNoOthers) {
         EXPECT_EQ(result.has_value(), row.trusted) << row.name << ": " << describe(result);
         EXPECT_EQ(!result && result.error().kind == Kind::Tls, !row.trusted) << row.name << ": " << describe(result);
     }
+
+    // From a server that the second store vouches for to one that only the first does.
+    LoopbackServer other(LoopbackServer::Transport::Tls);
+    other.on("/", {.status = 302, .headers = {{"Location", secure.url("/")}}});
+    setenv("SSL_CERT_FILE", file.c_str(), 1);
+    setenv("SSL_CERT_DIR", other.authority().directory().c_str(), 1);
+    client_ = std::make_unique<CurlHttpClient>();
+    EXPECT_TRUE(fetch({.url = other.url("/")}));
 }
 
 TEST_F(CurlHttpClientTest, NeverLeavesTlsAndKeepsTheKeyFromPlainOrigins) {

@@ -37,7 +37,11 @@ TEST(DispatchGroupTest, NotifiesOnceWhenAllHaveLeftAndAtOnceWhenNobodyIsIn) {
 TEST(ThreadWorkQueueTest, RunsAtOnceOnAsManyThreadsAsItMay) {
     VirtualRunLoop loop;
     ThreadWorkQueue queue(loop, 2);
-    // Each waits for the other: with one thread this would never end.
+    std::promise<void> first;
+    queue.async([&] { first.set_value(); });
+    first.get_future().wait();
+    std::this_thread::sleep_for(10ms);  // now that thread is free
+    // Each waits for the other: with that one alone this would never end.
     std::latch both(2);
     std::promise<void> done;
     queue.async([&] { both.arrive_and_wait(); });

@@ -1,11 +1,12 @@
 // The real run loop and the virtual one keep the same promises.
 
 #include "platform/NotificationCenter.h"
-#include "platform/TimerQueue.h"
 #include "platform/qtcore/QtRunLoop.h"
 #include "platform/virtual/VirtualRunLoop.h"
 
 #include <QCoreApplication>
+#include <QEventLoop>
+#include <QTimer>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -87,24 +88,38 @@ TYPED_TEST(RunLoopTest, WorkMayAddWork) {
     EXPECT_THAT(this->ran, ElementsAre("post", "timer"));
 }
 
-TEST(TimerQueueTest, TicksThatWereMissedAreNotMadeUpFor) {
-    TimerQueue queue;
-    const Instant start;
-    int ticks = 0;
-    const auto timer = queue.every(start + 1s, 1s, [&] { ++ticks; });
-    while (auto due = queue.takeDue(start + 10500ms)) {
-        due->second();
-    }
-    EXPECT_EQ(ticks, 1);
-    EXPECT_EQ(queue.nextDue(), start + 11s) << "and the rhythm stays";
+class QtRunLoopTest : public RunLoopTest<RealLoop> {};
+
+TEST_F(QtRunLoopTest, TicksThatWereMissedAreNotMadeUpFor) {
+    const auto ticking = loop.every(20ms, [this] { ran.emplace_back("tick"); });
+    std::this_thread::sleep_for(90ms);
+    QCoreApplication::processEvents();
+    EXPECT_THAT(ran, ElementsAre("tick"));
 }
 
-TEST(QtRunLoopTest, TakesWorkFromOtherThreads) {
-    RealLoop machine;
+TEST_F(QtRunLoopTest, GoesOnInALoopInsideATaskAndBesideATimerOfNoInterval) {
+    QEventLoop dialog;
+    const auto busy = loop.every(0ms, [] {});
+    TimerHandle timer;
+    loop.post([&] {
+        dialog.exec();
+        ran.emplace_back("closed");
+    });
+    loop.post([&] {
+        loop.post(note("posted"));
+        timer = loop.after(1ms, note("timer"));
+        loop.postAfter(5ms, [&] { dialog.quit(); });
+    });
+    QTimer::singleShot(1s, &dialog, &QEventLoop::quit);
+    machine.pass(30ms);
+    EXPECT_THAT(ran, ElementsAre("posted", "timer", "closed"));
+}
+
+TEST_F(QtRunLoopTest, TakesWorkFromOtherThreads) {
     std::vector<std::thread::id> where;
     std::thread other([&] {
-        machine.loop.post([&] { where.push_back(std::this_thread::get_id()); });
-        machine.loop.postAfter(1ms, [&] { where.push_back(std::this_thread::get_id()); });
+        loop.post([&] { where.push_back(std::this_thread::get_id()); });
+        loop.postAfter(1ms, [&] { where.push_back(std::this_thread::get_id()); });
     });
     other.join();
     machine.pass(30ms);

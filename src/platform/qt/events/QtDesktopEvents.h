@@ -17,7 +17,7 @@ class NotificationCenter;
 
 /// The desktop's look and the active program, as a Qt program sees them; needs a QApplication. Gives the application
 /// the desktop's font, and colours that go with `appearance`, where Qt does not do so by itself; `kAppearanceChanged`
-/// tells of either. Sleep and network are told of by `QtMachineEvents` and `LoginManager`.
+/// tells of either. Sleep and network are told of by `QtMachineEvents`.
 class QtDesktopEvents final : public QObject, public DesktopEvents {
 public:
     struct Sources {

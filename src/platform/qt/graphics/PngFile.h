@@ -8,8 +8,8 @@
 
 namespace glintar::platform {
 
-/// Reads a PNG file of at most so many pixels a side: larger ones are refused before memory is taken for them. Colours
-/// are what the file's numbers say, whatever its profile. The result is `ARGB32`, the error a short text.
+/// Reads a PNG file of at most so many pixels a side: larger ones are refused before memory is taken for them. A
+/// colour profile is passed over. The result is `ARGB32`, the error a short text.
 ///
 /// By libpng itself, since Qt loads every picture format that it has, with their libraries, before it reads or writes
 /// its first PNG.

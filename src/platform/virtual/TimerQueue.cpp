@@ -1,4 +1,4 @@
-#include "platform/TimerQueue.h"
+#include "platform/virtual/TimerQueue.h"
 
 namespace glintar::platform {
 
@@ -24,18 +24,15 @@ private:
     std::shared_ptr<Repeating> timer_;
 };
 
-TimerQueue::TimerQueue() : pending_(std::make_shared<Pending>()) {}
-TimerQueue::~TimerQueue() = default;
-
 TimerHandle TimerQueue::after(Instant due, Task task) {
     auto timer = std::make_shared<Repeating>();
-    timer->key = insert(due, std::move(task));
+    timer->key = schedule(due, std::move(task));
     return std::make_unique<Handle>(pending_, std::move(timer));
 }
 
 TimerHandle TimerQueue::every(Instant firstDue, Duration interval, std::function<void()> tick) {
     auto timer = std::make_shared<Repeating>(Repeating{interval, std::move(tick), {}});
-    insertTick(firstDue, timer);
+    scheduleTick(firstDue, timer);
     return std::make_unique<Handle>(pending_, std::move(timer));
 }
 
@@ -43,25 +40,15 @@ std::optional<Instant> TimerQueue::nextDue() const {
     return pending_->empty() ? std::nullopt : std::optional(pending_->begin()->first.first);
 }
 
-std::optional<std::pair<Instant, Task>> TimerQueue::takeDue(Instant now) {
-    if (pending_->empty() || pending_->begin()->first.first > now) {
-        return std::nullopt;
-    }
-    now_ = now;
-    auto due = pending_->extract(pending_->begin());
-    return std::pair{due.key().first, std::move(due.mapped())};
-}
-
-TimerQueue::Key TimerQueue::insert(Instant due, Task task) {
+TimerQueue::Key TimerQueue::schedule(Instant due, Task task) {
     const Key key{due, nextOrder_++};
     pending_->emplace(key, std::move(task));
     return key;
 }
 
-void TimerQueue::insertTick(Instant due, const std::shared_ptr<Repeating>& timer) {
-    timer->key = insert(due, [this, due, timer] {
-        const auto missed = (now_ - due) / timer->interval;
-        insertTick(due + timer->interval * (missed + 1), timer);
+void TimerQueue::scheduleTick(Instant due, const std::shared_ptr<Repeating>& timer) {
+    timer->key = schedule(due, [this, due, timer] {
+        scheduleTick(due + timer->interval, timer);
         const auto tick = timer->tick;  // a copy: the tick may destroy its own handle
         tick();
     });

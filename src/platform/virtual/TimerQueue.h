@@ -15,10 +15,7 @@ class TimerQueue {
 public:
     using Key = std::pair<Instant, std::uint64_t>;
 
-    TimerQueue();
-    ~TimerQueue();
-
-    void schedule(Instant due, Task task) { insert(due, std::move(task)); }
+    Key schedule(Instant due, Task task);
 
     /// Cancelled when the handle is destroyed; the handle may outlive the queue.
     [[nodiscard]] TimerHandle after(Instant due, Task task);
@@ -27,21 +24,18 @@ public:
     [[nodiscard]] std::optional<Instant> nextDue() const;
     [[nodiscard]] std::size_t size() const { return pending_->size(); }
 
-    /// Takes out the first task if it is due by then. The caller runs it; it may change the queue. Of the ticks of one
-    /// timer that are due at once, because the process was stopped or busy, only one runs.
-    [[nodiscard]] std::optional<std::pair<Instant, Task>> takeDue(Instant now);
+    /// Takes out what `nextDue` told of. The caller runs it; it may change the queue.
+    [[nodiscard]] Task takeNext() { return std::move(pending_->extract(pending_->begin()).mapped()); }
 
 private:
     class Handle;
     struct Repeating;
     using Pending = std::map<Key, Task>;
 
-    Key insert(Instant due, Task task);
-    void insertTick(Instant due, const std::shared_ptr<Repeating>& timer);
+    void scheduleTick(Instant due, const std::shared_ptr<Repeating>& timer);
 
     std::uint64_t nextOrder_ = 0;
-    Instant now_;  ///< as it was told last
-    std::shared_ptr<Pending> pending_;
+    std::shared_ptr<Pending> pending_ = std::make_shared<Pending>();
 };
 
 }  // namespace glintar::platform
