@@ -104,6 +104,12 @@ TEST_F(LineEndTest, AReaderThatGoesAwayEndsItBeforeTheNextLine) {
     EXPECT_EQ(program.wait(), 0);
 }
 
+TEST_F(LineEndTest, NohupLetsItOutliveItsTerminal) {
+    Program program({"nohup", GLINTAR_PROGRAM, "line"}, environment());
+    ASSERT_TRUE(program.waitForOutput("\n")) << program.errors();
+    EXPECT_FALSE(catches(program, SIGHUP));
+}
+
 TEST_F(LineEndTest, AnInterruptFromTheKeyboardLeavesTheDemonstrationsLineAsItWas) {
     auto program = start({"line", "--demo"}, {}, Program::Output::Terminal);
     ASSERT_TRUE(program.waitForOutput("[simulated] BTC ")) << program.errors();

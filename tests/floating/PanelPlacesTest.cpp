@@ -59,6 +59,10 @@ TEST_F(PanelPlacesTest, WhereThePointerIsHiddenThePanelRestsBelowTheBarAndSaysSo
         machine.advance(1s);
         EXPECT_EQ(window().frame().origin(), place);
     }
+    const Rect last = window().frame();
+    desktop.statusBar.onScreen = {};
+    machine.advance(1s);
+    EXPECT_EQ(window().frame(), last) << "without a bar it stays where it was";
 
     controller.hidePanel();
     controller.showPanel();

@@ -2,6 +2,7 @@
 
 #include "config/ConfigFiles.h"
 #include "keystore/KeychainHelper.h"
+#include "text/Address.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -109,6 +110,13 @@ TEST_F(CryptoServiceTest, TheKeyGoesOnlyToASourceThatNamesAHeader) {
     }
 }
 
+TEST_F(CryptoServiceTest, AKeyTakesThePlaceOfAnotherHeaderOfItsName) {
+    test::ship(machine, text::replaceAll(test::kConfiguration, "x-key", "user-agent"));
+    keystore::KeychainHelper(machine.platform()).save("CG-1", "apiKey_coingecko");
+    fetch(btc);
+    EXPECT_THAT(machine.http.requests.back().headers, ElementsAre(platform::HttpHeader{"Accept", "application/json"}));
+}
+
 struct StatusCase {
     std::string name;
     std::vector<int> statuses;
@@ -191,6 +199,9 @@ TEST_F(CryptoServiceTest, AThrottlingSourceIsLeftAloneForAMinuteThenAnnounced) {
     EXPECT_THAT(announced, ElementsAre(60.5));
     fetch(btc);
     EXPECT_EQ(machine.http.asked("gecko.test"), 2);
+    machine.registry.clear();
+    machine.advance(60s);
+    EXPECT_THAT(announced, SizeIs(1)) << "nobody is left to announce the second";
 }
 
 TEST_F(CryptoServiceTest, ASecondThrottlingMovesTheEndAndBothAreAnnounced) {
