@@ -1,9 +1,17 @@
 #include "demo/Market.h"
+#include "demo/MarketOptions.h"
+#include "demo/MarketServer.h"
+#include "json/Json.h"
+#include "support/TemporaryFolder.h"
+#include "support/TestFiles.h"
 
+#include <fmt/format.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <httplib.h>
 
 #include <algorithm>
+#include <vector>
 
 namespace glintar::demo {
 namespace {
@@ -59,6 +67,123 @@ TEST(MarketTest, KnowsEveryCoinByIdAndBySymbol) {
     }
     EXPECT_NE(market.byId("floki", 5).price, market.byId("kaspa", 5).price);
     EXPECT_EQ(market.byId("floki", 5).price, market.bySymbol("FLOKI", 5).price);
+}
+
+std::expected<MarketOptions, std::string> parse(std::vector<std::string> words) {
+    words.insert(words.begin(), "glintar-demo-market");
+    std::vector<char*> arguments;
+    for (std::string& word : words) {
+        arguments.push_back(word.data());
+    }
+    return parseMarketOptions(arguments);
+}
+
+TEST(MarketOptionsTest, ReadsWhatItUnderstandsAndRefusesTheRest) {
+    const auto options = parse({"--port", "8080", "--seed", "9", "--step", "0.25", "--fault", "429:gate:2"});
+    ASSERT_TRUE(options) << options.error();
+    EXPECT_EQ(options->server.port, 8080);
+    EXPECT_EQ(options->server.seed, 9);
+    EXPECT_EQ(options->server.step, std::chrono::milliseconds{250});
+    EXPECT_EQ(options->faults, std::vector<std::string>{"429:gate:2"});
+    EXPECT_FALSE(parse({"--step", "per-request"})->server.step);
+
+    const std::vector<std::vector<std::string>> wrong = {
+        {"--port", "65536"}, {"--port", "-1"},       {"--port", "80x"},          {"--seed"},
+        {"--step", "0"},     {"--fault", "418"},     {"--fault", "429:gate:no"}, {"--colour", "red"},
+        {"--seed", "1.5"},   {"--remove-at-end", ""}};
+    for (const auto& words : wrong) {
+        EXPECT_FALSE(parse(words)) << testing::PrintToString(words);
+    }
+}
+
+TEST(MarketOptionsTest, RemovesOnlyADirectoryMadeForADemonstration) {
+    const test::TemporaryFolder folder;
+    const auto& root = folder.path();
+    std::filesystem::create_directory(root / "glintar-demo-abc");
+    std::filesystem::create_directory(root / "precious");
+    std::filesystem::create_directory_symlink(root / "precious", root / "glintar-demo-link");
+
+    EXPECT_TRUE(parse({"--remove-at-end", root / "glintar-demo-abc"}));
+    EXPECT_FALSE(parse({"--remove-at-end", root / "precious"}));
+    EXPECT_FALSE(parse({"--remove-at-end", root / "glintar-demo-link"}));
+    EXPECT_FALSE(parse({"--remove-at-end", root / "glintar-demo-abc/.."}));
+    EXPECT_FALSE(parse({"--remove-at-end", root / "glintar-demo-missing"}));
+}
+
+/// Names and kinds of all members, whatever their order and values; of an array its first element.
+std::string shape(json::View value, const std::vector<std::string>& names) {
+    switch (value.kind()) {
+        case json::Kind::Null:
+            return "null";
+        case json::Kind::Boolean:
+            return "boolean";
+        case json::Kind::Number:
+            return "number";
+        case json::Kind::String:
+            return "string";
+        case json::Kind::Array:
+            return value.size() == 0 ? "[]" : fmt::format("[{}]", shape(value.at(0), names));
+        case json::Kind::Object:
+            break;
+    }
+    std::string text = "{";
+    for (const std::string& name : names) {
+        if (const auto member = value.member(name)) {
+            text += fmt::format("{}:{} ", name, shape(*member, names));
+        }
+    }
+    return text + "}";
+}
+
+/// Every text between quotes: the names of all members are among them.
+std::vector<std::string> textsInQuotes(std::string_view text) {
+    std::vector<std::string> found;
+    for (std::size_t at = text.find('"'); at != std::string_view::npos; at = text.find('"', at + 1)) {
+        const auto end = std::min(text.find('"', at + 1), text.size());
+        found.emplace_back(text.substr(at + 1, end - at - 1));
+        at = end;
+    }
+    std::ranges::sort(found);
+    const auto again = std::ranges::unique(found);
+    found.erase(again.begin(), again.end());
+    return found;
+}
+
+struct Recorded {
+    std::string address, file;
+    std::string within = {};  ///< compare only this member
+};
+
+TEST(MarketAnswersTest, EachHasTheShapeOfARecordedAnswer) {
+    const auto server = MarketServer::start({}).value();
+    httplib::Client client(server->address());
+    for (const auto& [address, file, within] : {
+             Recorded{"/coingecko/api/v3/coins/markets?vs_currency=usd&ids=bitcoin&sparkline=true"
+                      "&price_change_percentage=24h",
+                      "coingecko/markets_btc_sparkline168.json"},
+             {"/coingecko/api/v3/coins/markets?vs_currency=usd&ids=bitcoin", "coingecko/markets_btc_in_myr.json"},
+             {"/coingecko/api/v3/coins/markets?ids=bitcoin", "coingecko/error_422_missing_vs_currency.json"},
+             {"/coingecko_simple/api/v3/simple/price?ids=bitcoin&include_24hr_change=true",
+              "coingecko_simple/price_change_null.json", "bitcoin"},
+             {"/binance/api/v3/ticker/24hr?symbol=BTCUSDT", "binance/btcusdt_2020.json"},
+             {"/binance/api/v3/ticker/24hr?symbol=USDTUSDT", "binance/error_400_invalid_symbol.json"},
+             {"/gate/api/v4/spot/tickers?currency_pair=BTC_USDT", "gate/btc_usdt_2023.json"},
+             {"/gate/api/v4/spot/tickers?currency_pair=BTC", "gate/error_400_invalid_currency.json"},
+             {"/coinbase/v2/prices/BTC-USD/spot", "coinbase/btc_usd_2016.json"},
+             {"/defillama/prices/current/coingecko:binancecoin", "defillama/bnb_2022.json"},
+             {"/mempool/api/v1/fees/recommended", "fees_mempool_space/recommended_live.json"},
+             {"/blockscout/api/v2/stats", "fees_blockscout/eth_stats_2026.json"},
+         }) {
+        const auto answer = client.Get(address);
+        ASSERT_TRUE(answer) << address;
+        const std::string recorded = test::readFile(test::testData("answers/" + file));
+        const auto ours = json::parseContainer(answer->body);
+        const auto theirs = json::parseContainer(recorded);
+        ASSERT_TRUE(ours && theirs) << answer->body;
+        const auto names = textsInQuotes(answer->body + recorded);
+        const auto part = [&](json::View root) { return root.member(within).value_or(root); };
+        EXPECT_EQ(shape(part(ours->root()), names), shape(part(theirs->root()), names)) << address;
+    }
 }
 
 }  // namespace
