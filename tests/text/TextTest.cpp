@@ -5,9 +5,6 @@
 
 #include <gtest/gtest.h>
 
-#include <thread>
-#include <vector>
-
 namespace glintar::text {
 namespace {
 
@@ -94,18 +91,6 @@ TEST(UnicodeTest, TellsValidUtf8) {
     EXPECT_TRUE(isValidUtf8("é😀\0"s));
     for (const std::string bad : {"\x80", "\xC3", "\xC0\x80", "\xED\xA0\x80", "\xF4\x90\x80\x80"}) {
         EXPECT_FALSE(isValidUtf8(bad));
-    }
-}
-
-TEST(UnicodeTest, WorksOnManyThreadsAtOnce) {
-    std::vector<std::jthread> threads;
-    for (int i = 0; i < 4; ++i) {
-        threads.emplace_back([] {
-            for (int round = 0; round < 200; ++round) {
-                EXPECT_EQ(upper("straße"), "STRASSE");
-                EXPECT_EQ(firstCharacters("e\u0301é", 1), "e\u0301");
-            }
-        });
     }
 }
 

@@ -71,48 +71,32 @@ TEST(AppDelegateTest, TheKeyIsLookedUpAfterTheFirstPictureAndBeforeTheCatalogueI
     EXPECT_LT(at("[CoinList]"), std::ssize(lines));
 }
 
-struct ArgumentsCase {
-    std::string name;
-    std::vector<const char*> arguments;
-    std::string expected;  ///< command, format, once, demo; or "refused"
-};
-
-class ArgumentsTest : public testing::TestWithParam<ArgumentsCase> {};
-
-std::string describe(const std::expected<Arguments, std::string>& parsed) {
-    if (!parsed) {
-        return "refused";
-    }
+TEST(ArgumentsTest, MeanWhatTheySay) {
     static constexpr std::array kCommands{"desktop", "line", "help", "version"};
-    std::string text = kCommands.at(static_cast<std::size_t>(parsed->command));
-    text += parsed->format == Format::Json ? " json" : "";
-    text += parsed->once ? " once" : "";
-    text += parsed->demo ? " demo" : "";
-    return text;
+    struct Row {
+        std::vector<const char*> arguments;
+        std::string expected;  ///< command, format, once, demo; or "refused"
+    };
+    for (const auto& [arguments, expected] :
+         {Row{{}, "desktop"}, Row{{"--once", "line"}, "line once"}, Row{{"--demo"}, "desktop demo"},
+          Row{{"line"}, "line"}, Row{{"--demo", "line"}, "line demo"},
+          Row{{"line", "--once", "--format", "json", "--demo"}, "line json once demo"},
+          Row{{"line", "--format=json"}, "line json"}, Row{{"line", "--format=json", "--format", "text"}, "line"},
+          Row{{"line", "--help"}, "help"}, Row{{"--version"}, "version"}, Row{{"lien"}, "refused"},
+          Row{{"line", "--twice"}, "refused"}, Row{{"--once"}, "refused"}, Row{{"line", "line"}, "refused"},
+          Row{{"line", "--format"}, "refused"}, Row{{"line", "--format", "xml"}, "refused"},
+          Row{{"line", "--formatted"}, "refused"}, Row{{""}, "refused"}}) {
+        const auto parsed = parseArguments(arguments);
+        std::string text = "refused";
+        if (parsed) {
+            text = kCommands.at(static_cast<std::size_t>(parsed->command));
+            text += parsed->format == Format::Json ? " json" : "";
+            text += parsed->once ? " once" : "";
+            text += parsed->demo ? " demo" : "";
+        }
+        EXPECT_EQ(text, expected) << testing::PrintToString(arguments);
+    }
 }
-
-TEST_P(ArgumentsTest, MeanWhatTheySay) {
-    EXPECT_EQ(describe(parseArguments(GetParam().arguments)), GetParam().expected);
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    CommandLines, ArgumentsTest,
-    testing::Values(
-        ArgumentsCase{"Nothing", {}, "desktop"}, ArgumentsCase{"OptionsFirst", {"--once", "line"}, "line once"},
-        ArgumentsCase{"Demo", {"--demo"}, "desktop demo"}, ArgumentsCase{"Line", {"line"}, "line"},
-        ArgumentsCase{"DemoBeforeLine", {"--demo", "line"}, "line demo"},
-        ArgumentsCase{"Everything", {"line", "--once", "--format", "json", "--demo"}, "line json once demo"},
-        ArgumentsCase{"JoinedFormat", {"line", "--format=json"}, "line json"},
-        ArgumentsCase{"LastFormatCounts", {"line", "--format=json", "--format", "text"}, "line"},
-        ArgumentsCase{"Help", {"line", "--help"}, "help"}, ArgumentsCase{"Version", {"--version"}, "version"},
-        ArgumentsCase{"UnknownCommand", {"lien"}, "refused"},
-        ArgumentsCase{"UnknownOption", {"line", "--twice"}, "refused"},
-        ArgumentsCase{"OnceWithoutLine", {"--once"}, "refused"},
-        ArgumentsCase{"TwoCommands", {"line", "line"}, "refused"},
-        ArgumentsCase{"FormatMissing", {"line", "--format"}, "refused"},
-        ArgumentsCase{"FormatUnknown", {"line", "--format", "xml"}, "refused"},
-        ArgumentsCase{"FormatMisspelled", {"line", "--formatted"}, "refused"}, ArgumentsCase{"Empty", {""}, "refused"}),
-    [](const auto& test) { return test.param.name; });
 
 TEST(DeploymentTest, AConfigurationServerIsSecureOrThisMachine) {
     struct Row {
