@@ -5,7 +5,6 @@
 #include "support/TestFiles.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <httplib.h>
 
 #include <algorithm>

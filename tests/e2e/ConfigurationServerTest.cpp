@@ -7,10 +7,7 @@
 
 #include <fmt/format.h>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <signal.h>
-
-#include <fstream>
 
 namespace glintar::test {
 namespace {

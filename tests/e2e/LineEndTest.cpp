@@ -5,12 +5,10 @@
 
 #include <fmt/format.h>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <signal.h>
 
 #include <chrono>
 #include <cstdint>
-#include <fstream>
 #include <thread>
 
 namespace glintar::test {

@@ -1,7 +1,6 @@
 #include "PanelFixture.h"
 
 namespace glintar::floating {
-namespace {
 
 using PanelPlacesTest = PanelFixture;
 
@@ -155,5 +154,4 @@ TEST_F(PanelPlacesTest, WhatWasSavedBeforeTheStartCounts) {
     })) << "without its plate";
 }
 
-}  // namespace
 }  // namespace glintar::floating

@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 namespace glintar::keystore {
-namespace {
 
 TEST(KeychainHelperTest, KeysAreReplacedReadAndRemovedEachUnderItsName) {
     platform::VirtualPlatform machine;
@@ -31,5 +30,4 @@ TEST(KeychainHelperTest, WhatCannotBeReadAsTextIsNoKey) {
     EXPECT_EQ(keys.read("apiKey_x"), std::nullopt);
 }
 
-}  // namespace
 }  // namespace glintar::keystore

@@ -5,7 +5,6 @@
 #include "market/CryptoServiceTest.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 namespace glintar::market {
 namespace {

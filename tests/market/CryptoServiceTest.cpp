@@ -5,7 +5,6 @@
 #include "text/Address.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <future>
 #include <thread>

@@ -7,7 +7,6 @@
 #include "presenter/SystemColors.h"
 
 namespace glintar::menubar {
-namespace {
 
 using platform::Appearance;
 using platform::MouseButton;
@@ -268,5 +267,4 @@ TEST_F(StatusItemsTest, QuittingMayDestroyTheItems) {
     EXPECT_EQ(said, farewell);
 }
 
-}  // namespace
 }  // namespace glintar::menubar

@@ -3,7 +3,6 @@
 #include "presenter/RefreshCycle.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 namespace glintar::presenter {
 namespace {

@@ -1,15 +1,12 @@
 // The refresh cycle as its user lives it, in virtual time.
 
-#include "config/Settings.h"
 #include "keystore/KeychainHelper.h"
 #include "presenter/RefreshCycle.h"
 #include "presenter/RefreshState.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 namespace glintar::presenter {
-namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -290,5 +287,4 @@ TEST_F(RefreshCycleTest, ACountdownThatNothingShowsHasNoTimerUntilALineHasOneAga
     EXPECT_EQ(surface.progress.size(), shown + 11);
 }
 
-}  // namespace
 }  // namespace glintar::presenter

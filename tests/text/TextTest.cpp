@@ -6,7 +6,6 @@
 #include <gtest/gtest.h>
 
 namespace glintar::text {
-namespace {
 
 using namespace std::string_literals;
 
@@ -204,5 +203,4 @@ TEST(AddressTest, ReplacesEveryOccurrenceOnce) {
     EXPECT_EQ(replaceAll("abc", "", "x"), "abc");
 }
 
-}  // namespace
 }  // namespace glintar::text
