@@ -5,12 +5,10 @@
 
 #include <fmt/format.h>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <signal.h>
 
 #include <chrono>
 #include <cstdint>
-#include <fstream>
 #include <thread>
 
 namespace glintar::test {
@@ -102,6 +100,12 @@ TEST_F(LineEndTest, AReaderThatGoesAwayEndsItBeforeTheNextLine) {
     ASSERT_TRUE(program.waitForOutput("\n"));
     program.closeOutput();
     EXPECT_EQ(program.wait(), 0);
+}
+
+TEST_F(LineEndTest, NohupLetsItOutliveItsTerminal) {
+    Program program({"nohup", GLINTAR_PROGRAM, "line"}, environment());
+    ASSERT_TRUE(program.waitForOutput("\n")) << program.errors();
+    EXPECT_FALSE(catches(program, SIGHUP));
 }
 
 TEST_F(LineEndTest, AnInterruptFromTheKeyboardLeavesTheDemonstrationsLineAsItWas) {

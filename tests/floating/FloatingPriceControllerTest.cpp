@@ -1,7 +1,6 @@
 #include "PanelFixture.h"
 
 namespace glintar::floating {
-namespace {
 
 using FloatingPriceControllerTest = PanelFixture;
 
@@ -242,5 +241,4 @@ TEST_F(FloatingPriceControllerTest, TheRingIsDrawnOncePerPixelWhileItIsSeen) {
     EXPECT_LE(desktop.graphics.drawings - drawings, 52) << "a refill can be followed, no more";
 }
 
-}  // namespace
 }  // namespace glintar::floating

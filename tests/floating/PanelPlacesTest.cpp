@@ -1,7 +1,6 @@
 #include "PanelFixture.h"
 
 namespace glintar::floating {
-namespace {
 
 using PanelPlacesTest = PanelFixture;
 
@@ -59,6 +58,10 @@ TEST_F(PanelPlacesTest, WhereThePointerIsHiddenThePanelRestsBelowTheBarAndSaysSo
         machine.advance(1s);
         EXPECT_EQ(window().frame().origin(), place);
     }
+    const Rect last = window().frame();
+    desktop.statusBar.onScreen = {};
+    machine.advance(1s);
+    EXPECT_EQ(window().frame(), last) << "without a bar it stays where it was";
 
     controller.hidePanel();
     controller.showPanel();
@@ -151,5 +154,4 @@ TEST_F(PanelPlacesTest, WhatWasSavedBeforeTheStartCounts) {
     })) << "without its plate";
 }
 
-}  // namespace
 }  // namespace glintar::floating

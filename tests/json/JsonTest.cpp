@@ -1,9 +1,13 @@
 #include "json/Json.h"
+#include "json/JsonEvents.h"
+#include "json/JsonWriter.h"
+#include "support/CommaLocale.h"
 
 #include <fmt/format.h>
 #include <gmock/gmock.h>
 
 #include <cmath>
+#include <limits>
 
 namespace glintar::json {
 namespace {
@@ -174,6 +178,84 @@ TEST(JsonTest, ContainersOnlyOnRequest) {
     EXPECT_FALSE(parseContainer("5"));
     EXPECT_TRUE(parseContainer("[]"));
     EXPECT_TRUE(parseContainer("{}"));
+}
+
+/// Writes down what it receives, and stops at the word "stop".
+class Recorder final : public EventHandler {
+public:
+    bool beginObject() override { return note("{"); }
+    bool endObject() override { return note("}"); }
+    bool beginArray() override { return note("["); }
+    bool endArray() override { return note("]"); }
+    bool key(std::string_view name) override { return note(fmt::format("{}:", name)); }
+    bool string(std::string_view text) override { return note(fmt::format("'{}'", text)) && text != "stop"; }
+    bool number(std::string_view digits) override { return note(digits); }
+    bool boolean(bool value) override { return note(value ? "true" : "false"); }
+    bool null() override { return note("null"); }
+
+    std::string events;
+
+private:
+    bool note(std::string_view event) {
+        events += fmt::format("{} ", event);
+        return true;
+    }
+};
+
+TEST(JsonEventsTest, TellsEveryPieceInOrder) {
+    std::string text = R"({"a\u0041":[1,-2.5e3,18446744073709551616,true,false,null,"x\ty"],"b":{}})";
+    Recorder recorder;
+    ASSERT_TRUE(readEvents(text, recorder));
+    EXPECT_EQ(recorder.events, "{ aA: [ 1 -2.5e3 18446744073709551616 true false null 'x\ty' ] b: { } } ");
+}
+
+TEST(JsonEventsTest, RefusesByTheSameRulesAsDocuments) {
+    for (const std::string bad : {"[1] 2", "[\"\\udc00\"]", "[\"\xC3\"]"}) {
+        std::string text = bad;
+        Recorder recorder;
+        EXPECT_FALSE(readEvents(text, recorder)) << bad;
+    }
+    std::string deep(1'000'000, '[');
+    Recorder recorder;
+    EXPECT_FALSE(readEvents(deep, recorder));
+    EXPECT_EQ(recorder.events.size(), 2 * kMaxDepth);
+}
+
+TEST(JsonEventsTest, StopsWhenTheHandlerHasSeenEnough) {
+    std::string text = R"(["go","stop","never"])";
+    Recorder recorder;
+    EXPECT_FALSE(readEvents(text, recorder));
+    EXPECT_EQ(recorder.events, "[ 'go' 'stop' ");
+}
+
+TEST(JsonWriterTest, WritesOneCompactValue) {
+    Writer writer;
+    writer.beginObject().key("a").beginArray().number(1.5).integer(-3).boolean(true).null().endArray();
+    writer.key("é\n\"").string("x\\\x01").key("o").beginObject().endObject().endObject();
+    EXPECT_EQ(writer.text(), R"({"a":[1.5,-3,true,null],"é\n\"":"x\\\u0001","o":{}})");
+}
+
+TEST(JsonWriterTest, WritesNumbersShortAndExact) {
+    const test::CommaLocale german;
+    struct Case {
+        double value;
+        const char* text;
+    };
+    for (const auto& [value, text] : {
+             Case{0, "0"},
+             {0.1, "0.1"},
+             {0.30000000000000004, "0.30000000000000004"},
+             {65000, "65000"},
+             {1e300, "1e+300"},
+             {std::numeric_limits<double>::infinity(), "null"},
+             {std::nan(""), "null"},
+         }) {
+        EXPECT_EQ(Writer().number(value).text(), text);
+    }
+}
+
+TEST(JsonWriterTest, RepairsInvalidUtf8) {
+    EXPECT_EQ(Writer().string("a\xFF\xC3z").text(), "\"a\uFFFD\uFFFDz\"");
 }
 
 }  // namespace

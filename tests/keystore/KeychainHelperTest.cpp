@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 namespace glintar::keystore {
-namespace {
 
 TEST(KeychainHelperTest, KeysAreReplacedReadAndRemovedEachUnderItsName) {
     platform::VirtualPlatform machine;
@@ -33,5 +32,4 @@ TEST(KeychainHelperTest, WhatCannotBeReadAsTextIsNoKey) {
     EXPECT_EQ(keys.delete_("apiKey_x"), platform::SecretStatus::Locked);
 }
 
-}  // namespace
 }  // namespace glintar::keystore

@@ -5,7 +5,6 @@
 #include "support/Market.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 namespace glintar::line {
 namespace {

@@ -5,7 +5,6 @@
 #include "market/CryptoServiceTest.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 namespace glintar::market {
 namespace {
@@ -19,25 +18,29 @@ protected:
 };
 
 TEST_F(ConfigLoadTest, TheDownloadedCopyWinsWhenItCanBeRead) {
-    machine.files.contents[cached] = std::string(kOther);
-    EXPECT_EQ(firstSource(), "other");
-    EXPECT_TRUE(machine.console.printed("🚀 [Glintar] 📁 [Config] 成功从磁盘缓存加载远程配置\n"));
-    EXPECT_FALSE(service().loadedConfig()->gasConfigs);
-}
-
-TEST_F(ConfigLoadTest, ADamagedCopyIsPassedOverSilently) {
-    machine.files.contents[cached] = std::string(kOther).substr(0, kOther.size() - 20);
-    config::APIConfigUpdater::shared(machine.platform()).skipCheck();
-    EXPECT_EQ(firstSource(), "coingecko");
-    EXPECT_THAT(machine.console.lines, testing::SizeIs(1));
-    EXPECT_TRUE(machine.console.printed("🚀 [Glintar] 📦 [Config] 首次启动，加载内部初始配置\n"));
-}
-
-TEST_F(ConfigLoadTest, AShippedDocumentThatDoesNotDecodeLeavesNone) {
-    test::ship(machine, "{}");
-    EXPECT_EQ(firstSource(), "");
-    EXPECT_TRUE(machine.console.printed("🚀 [Glintar] 📦 [Config] 首次启动，加载内部初始配置\n"));
+    const std::string other(kOther), shipped(test::kConfiguration);
+    const std::string fromCopy = "📁 [Config] 成功从磁盘缓存加载远程配置\n",
+                      fromBundle = "📦 [Config] 首次启动，加载内部初始配置\n";
+    struct Row {
+        std::string copy, bundle, first, said;
+    };
+    for (const auto& [copy, bundle, first, said] :
+         {Row{other, shipped, "other", fromCopy},
+          Row{other.substr(0, other.size() - 20), shipped, "coingecko", fromBundle}, Row{"", "{}", "", fromBundle}}) {
+        machine.registry.clear();
+        machine.console.lines.clear();
+        machine.files.contents[cached] = copy;
+        test::ship(machine, bundle);
+        config::APIConfigUpdater::shared(machine.platform()).skipCheck();
+        EXPECT_EQ(firstSource(), first);
+        EXPECT_THAT(machine.console.lines, testing::SizeIs(1)) << "a damaged one is passed over silently";
+        EXPECT_TRUE(machine.console.printed("🚀 [Glintar] " + said));
+    }
     EXPECT_EQ(fetch(btc).error, "Config Missing");
+    machine.directories.support.reset();
+    machine.registry.clear();
+    test::ship(machine);
+    EXPECT_EQ(firstSource(), "coingecko") << "without a home directory";
 }
 
 TEST_F(ConfigLoadTest, ANewCopyIsTakenUpAtItsAnnouncementAndALostOneChangesNothing) {
@@ -78,11 +81,6 @@ TEST_F(ConfigLoadTest, WithoutAnyDocumentThereIsNoneAndItIsSaidOnce) {
     machine.files.unreadable[cached] = "Is a directory";
     EXPECT_EQ(fetch(btc).error, "Config Missing");
     EXPECT_EQ(machine.console.count("❌ [Config] 内部配置文件也找不到"), 1);
-}
-
-TEST_F(ConfigLoadTest, NoHomeDirectoryMeansTheShippedDocument) {
-    machine.directories.support.reset();
-    EXPECT_EQ(firstSource(), "coingecko");
 }
 
 }  // namespace

@@ -1,8 +1,7 @@
-// What real services really answered, read by the paths that are configured for them.
+// What real services really answered, read by the paths that are shipped for them.
 
 #include "config/AppConfig.h"
 #include "json/Json.h"
-#include "market/CryptoService.h"
 #include "market/Extraction.h"
 #include "market/ValuePath.h"
 #include "platform/virtual/VirtualPlatform.h"
@@ -13,90 +12,6 @@
 
 namespace glintar::market {
 namespace {
-
-void expectField(const std::optional<double>& field, json::View expected, std::string_view name) {
-    const auto value = expected.member(name);
-    ASSERT_TRUE(value) << name;
-    EXPECT_EQ(field, value->number()) << name;
-}
-
-void expectQuote(const UnifiedMarketData& quote, json::View expected) {
-    expectField(quote.price, expected, "price");
-    expectField(quote.change24h, expected, "change24h");
-    expectField(quote.high24h, expected, "high24h");
-    expectField(quote.low24h, expected, "low24h");
-    const auto image = expected.member("imageUrl")->string();
-    EXPECT_EQ(quote.imageUrl, image ? std::optional(std::string(*image)) : std::nullopt);
-    const auto count = quote.sparkline ? std::optional(static_cast<double>(quote.sparkline->size())) : std::nullopt;
-    expectField(count, expected, "sparklineCount");
-    if (quote.sparkline) {
-        expectField(quote.sparkline->back(), expected, "sparklineLast");
-    }
-}
-
-TEST(RealAnswersTest, EveryRecordedAnswerGivesItsRecordedQuotes) {
-    const auto text = test::readFile(test::testData("answers/expected.json"));
-    const auto document = json::Document::parse(text);
-    const auto config = config::decodeAppConfig(text);
-    ASSERT_TRUE(document && config);
-    ASSERT_GT(config->sources.size(), 50U);
-    platform::VirtualConsole console;
-    for (std::size_t i = 0; i < config->sources.size(); ++i) {
-        const auto& source = config->sources[i];
-        const auto row = document->root().member("sources")->at(i);
-        const std::string file(row.member("file")->string().value());
-        SCOPED_TRACE(file);
-        std::vector<config::Coin> coins;
-        const auto asked = *row.member("coins");
-        for (std::size_t c = 0; c < asked.size(); ++c) {
-            coins.push_back(test::coin(std::string(*asked.at(c).member("displayName")->string()),
-                                       std::string(*asked.at(c).member("apiId")->string())));
-        }
-        const auto body = test::readFile(test::testData("answers/" + file));
-        MarketDataMap quotes;
-        if (source.supports_batch) {
-            quotes = parseBatchResponse(body, source, coins, console);
-        } else {
-            for (const auto& coin : coins) {
-                if (auto quote = parseSingleResponse(body, source, coin.apiId, console)) {
-                    quotes.emplace(coin.apiId, *std::move(quote));
-                }
-            }
-        }
-        for (const auto& coin : coins) {
-            const auto expected = row.member("expect")->member(coin.apiId);
-            ASSERT_TRUE(expected) << coin.apiId;
-            const auto quote = quotes.find(coin.apiId);
-            ASSERT_EQ(quote == quotes.end(), expected->isNull()) << coin.apiId;
-            if (quote != quotes.end()) {
-                expectQuote(quote->second, *expected);
-            }
-        }
-    }
-}
-
-TEST(RealAnswersTest, EveryRecordedFeeAnswerGivesItsFee) {
-    const auto text = test::readFile(test::testData("answers/expected_fees.json"));
-    const auto document = json::Document::parse(text);
-    const auto config = config::decodeAppConfig(text);
-    ASSERT_TRUE(document && config && config->gasConfigs);
-    ASSERT_GT(config->gasConfigs->size(), 10U);
-    for (std::size_t i = 0; i < config->gasConfigs->size(); ++i) {
-        const auto& gas = config->gasConfigs->at(i);
-        const auto row = document->root().member("gas_configs")->at(i);
-        const std::string file(row.member("file")->string().value());
-        SCOPED_TRACE(file);
-        platform::VirtualPlatform machine;
-        constexpr std::string_view kAlone =
-            R"({{"sources":[],"gas_configs":[{{"id":"","name":"","url":"{}","price_path":"{}","divider":{}}}]}})";
-        test::ship(machine, fmt::format(kAlone, gas.url, gas.pricePath, gas.divider));
-        machine.http.answer("https://", test::readFile(test::testData("answers/" + file)));
-        std::optional<double> fee;
-        CryptoService::shared(machine.platform()).fetchGasPrice([&](std::optional<double> answer) { fee = answer; });
-        machine.advance(std::chrono::seconds{1});
-        EXPECT_EQ(fee, row.member("expect")->number());
-    }
-}
 
 struct Evidence {
     std::string source, file, coinId;

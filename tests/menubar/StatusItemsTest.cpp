@@ -7,7 +7,6 @@
 #include "presenter/SystemColors.h"
 
 namespace glintar::menubar {
-namespace {
 
 using platform::Appearance;
 using platform::MouseButton;
@@ -283,5 +282,4 @@ TEST_F(StatusItemsTest, QuittingMayDestroyTheItems) {
     EXPECT_EQ(said, farewell);
 }
 
-}  // namespace
 }  // namespace glintar::menubar

@@ -8,7 +8,6 @@
 #include "support/Market.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <chrono>
 #include <latch>

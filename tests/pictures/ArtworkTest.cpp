@@ -14,8 +14,6 @@
 
 namespace glintar::test {
 
-namespace {
-
 TEST(ArtworkTest, EachSourceAndSymbolHasASharpPictureInAnySize) {
     const FolderBundle bundle;
     const platform::QtGraphics graphics(bundle);
@@ -54,7 +52,5 @@ TEST(ArtworkTest, EachSourceAndSymbolHasASharpPictureInAnySize) {
         }
     }
 }
-
-}  // namespace
 
 }  // namespace glintar::test

@@ -122,9 +122,13 @@ QImage pills(const Graphics& graphics, Appearance appearance, double scale) {
         rows.back().push_back(pill(coin("ETH"), quote(3'105.2, 0), icon));
         show(preferences, false, false, false);
         rows.push_back({pill(coin("BTC", 61'500), quote(64'012.55, 1), icon)});
-        for (const char* name : {"比特币", "🚀 Moon", "بيتكوين"}) {
+        for (const char* name : {"比特币", "🚀 Moon", "بيتكوين", "x"}) {
             rows.back().push_back(pill(coin(name), quote(1.5, 1), nullptr));
         }
+        show(preferences, false, true, false);
+        rows.push_back({pill(coin("BTC", 1'600'000), quote(64'012.55, 0), icon)});
+        show(preferences, false, false, true);
+        rows.back().push_back(pill(coin("BTC"), {.price = 1, .sparkline = std::vector{1.0}}, icon));
     }
     const bool isDark = appearance == Appearance::Dark;
     return arranged(rows, isDark ? QColor(0x20, 0x22, 0x26) : QColor(0xf4, 0xf4, 0xf4), 8, scale);
@@ -171,7 +175,8 @@ QImage panels(const Graphics& graphics, Appearance appearance, double scale) {
     const ImagePtr outlined = panel(graphics, state, {appearance, scale, false}, 0.2);
     state.isTransparent = false;
     const ImagePtr rimmed = panel(graphics, state, {appearance, scale, false}, 0.2);
-    return arranged({{plate}, {transparent}, {outlined}, {rimmed}}, ground, kGap, scale);
+    const ImagePtr empty = panel(graphics, {}, {appearance, scale}, 1);
+    return arranged({{plate}, {transparent}, {outlined}, {rimmed}, {empty}}, ground, kGap, scale);
 }
 
 }  // namespace

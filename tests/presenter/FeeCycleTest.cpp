@@ -3,7 +3,6 @@
 #include "presenter/RefreshCycle.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 namespace glintar::presenter {
 namespace {
@@ -12,40 +11,36 @@ using testing::SizeIs;
 
 using FeeCycleTest = RefreshCycleTest;
 
-struct PhantomCase {
-    std::string name, source, coinId;
-    int gasSource;
-    std::string asked;  ///< the queries for quotes, one after the other
-};
-
-class PhantomTest : public RefreshCycleTest, public testing::WithParamInterface<PhantomCase> {};
-
-TEST_P(PhantomTest, EthereumIsPricedBesideTheCoinsWhenTheFeeNeedsIt) {
-    const auto& row = GetParam();
-    showGas(row.gasSource);
-    machine.preferences.setString("selectedSourceID", row.source);
-    save({test::coin("X", row.coinId)});
-    begin();
-    std::string asked;
-    for (const auto& request : machine.http.requests) {
-        asked += request.url.substr(std::min(request.url.find('?'), request.url.size()));
+TEST_F(FeeCycleTest, EthereumIsPricedBesideTheCoinsWhenTheFeeNeedsIt) {
+    struct Row {
+        std::string source, coinId;
+        int gasSource;
+        std::string asked;  ///< the queries for quotes, one after the other
+    };
+    for (const auto& [source, coinId, gasSource, expected] : {
+             Row{"coingecko", "bitcoin", 0, "?ids=bitcoin,ethereum"},
+             Row{"binance_us", "bitcoin", 0, "?symbol=XUSDT?symbol=ETHUSDT"},
+             Row{"binance", "bitcoin", 0, "?symbol=XUSDT?symbol=ETHUSDT"},
+             Row{"gate", "bitcoin", 0, "?pair=X_USDT&id=bitcoin?pair=ETH_USDT&id=ETH"},
+             Row{"coingecko", "ETHUSDT", 0, "?ids=ETHUSDT"},
+             Row{"gate", "eth_usdt", 0, "?pair=X_USDT&id=eth_usdt"},
+             Row{"gate", "eth", 0, "?pair=X_USDT&id=eth"},
+             Row{"coingecko", "bitcoin", 1, "?ids=bitcoin"},
+             Row{"coingecko", "bitcoin", 2, "?ids=bitcoin"},
+         }) {
+        machine.registry.clear();
+        machine.http.requests.clear();
+        showGas(gasSource);
+        machine.preferences.setString("selectedSourceID", source);
+        save({test::coin("X", coinId)});
+        begin();
+        std::string asked;
+        for (const auto& request : machine.http.requests) {
+            asked += request.url.substr(std::min(request.url.find('?'), request.url.size()));
+        }
+        EXPECT_EQ(asked, expected) << source << gasSource;
     }
-    EXPECT_EQ(asked, row.asked);
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Sources, PhantomTest,
-    testing::Values(PhantomCase{"BySourceIdentifier", "coingecko", "bitcoin", 0, "?ids=bitcoin,ethereum"},
-                    PhantomCase{"AnyBinanceTakesTheSymbol", "binance_us", "bitcoin", 0, "?symbol=XUSDT?symbol=ETHUSDT"},
-                    PhantomCase{"BinanceTakesTheSymbol", "binance", "bitcoin", 0, "?symbol=XUSDT?symbol=ETHUSDT"},
-                    PhantomCase{"GateTakesTheSymbol", "gate", "bitcoin", 0,
-                                "?pair=X_USDT&id=bitcoin?pair=ETH_USDT&id=ETH"},
-                    PhantomCase{"NotBesideEthereumInAnyCase", "coingecko", "ETHUSDT", 0, "?ids=ETHUSDT"},
-                    PhantomCase{"NotBesideThePairOfEth", "gate", "eth_usdt", 0, "?pair=X_USDT&id=eth_usdt"},
-                    PhantomCase{"NotBesideEth", "gate", "eth", 0, "?pair=X_USDT&id=eth"},
-                    PhantomCase{"NotForBitcoinsFee", "coingecko", "bitcoin", 1, "?ids=bitcoin"},
-                    PhantomCase{"NotForAnotherNumber", "coingecko", "bitcoin", 2, "?ids=bitcoin"}),
-    [](const auto& test) { return test.param.name; });
 
 TEST_F(FeeCycleTest, TheFeeStandsBesideTheCoinsWithItsCostInDollars) {
     showGas(0);

@@ -1,15 +1,12 @@
 // The refresh cycle as its user lives it, in virtual time.
 
-#include "config/Settings.h"
 #include "keystore/KeychainHelper.h"
 #include "presenter/RefreshCycle.h"
 #include "presenter/RefreshState.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 namespace glintar::presenter {
-namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -102,7 +99,6 @@ TEST_F(RefreshCycleTest, WithNothingToShowTheErrorStandsInTheLine) {
 }
 
 TEST_F(RefreshCycleTest, ABurstOfRequestsBecomesOneAndEarlyTicksAreDropped) {
-    using Urgency = Urgency;
     using Scope = StatusBarController::Scope;
     begin();
     machine.advance(10s);
@@ -290,5 +286,4 @@ TEST_F(RefreshCycleTest, ACountdownThatNothingShowsHasNoTimerUntilALineHasOneAga
     EXPECT_EQ(surface.progress.size(), shown + 11);
 }
 
-}  // namespace
 }  // namespace glintar::presenter

@@ -6,7 +6,6 @@
 #include "support/Market.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 namespace glintar::presenter {
 namespace {

@@ -3,8 +3,6 @@
 #include "platform/DesktopEvents.h"
 #include "presenter/RefreshCycle.h"
 
-#include <gtest/gtest.h>
-
 namespace glintar::presenter {
 namespace {
 

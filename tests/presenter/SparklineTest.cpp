@@ -7,7 +7,6 @@
 #include <limits>
 
 namespace glintar::presenter {
-namespace {
 
 TEST(SparklineTest, ItStaysInsideItsFrameWhateverTheValues) {
     constexpr double kMost = std::numeric_limits<double>::max();
@@ -41,5 +40,4 @@ TEST(SparklineTest, ItStaysInsideItsFrameWhateverTheValues) {
     EXPECT_NEAR(sparklineHeights(std::vector{1, 1.00001}, 0.0001).at(1), 0.1, 1e-9) << "hardly any range";
 }
 
-}  // namespace
 }  // namespace glintar::presenter

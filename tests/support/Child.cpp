@@ -19,34 +19,6 @@ using namespace std::chrono_literals;
 
 constexpr auto kPatience = 15s;
 
-/// `pipe` is what the program finds as descriptor 3, `output` as its standard output; -1 is neither. No fork: a copy of
-/// a program with sanitizers takes tens of milliseconds.
-pid_t spawn(const std::vector<std::string>& command, int output, int pipe) {
-    std::vector<char*> words;
-    words.reserve(command.size() + 1);
-    for (const auto& word : command) {
-        words.push_back(const_cast<char*>(word.c_str()));
-    }
-    words.push_back(nullptr);
-    posix_spawn_file_actions_t files;
-    ::posix_spawn_file_actions_init(&files);
-    ::posix_spawn_file_actions_addopen(&files, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
-    ::posix_spawn_file_actions_addopen(&files, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
-    ::posix_spawn_file_actions_addopen(&files, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
-    for (const auto& [from, to] : {std::pair(output, STDOUT_FILENO), std::pair(pipe, 3)}) {
-        if (from >= 0) {
-            ::posix_spawn_file_actions_adddup2(&files, from, to);
-        }
-    }
-    pid_t child = -1;
-    const int error = ::posix_spawnp(&child, words[0], &files, nullptr, words.data(), environ);
-    ::posix_spawn_file_actions_destroy(&files);
-    if (error != 0) {
-        throw std::runtime_error(command.front() + " cannot be run");
-    }
-    return child;
-}
-
 /// It must not outlive a test that crashes.
 std::vector<std::string> dyingWithTheTest(std::vector<std::string> command) {
     static const std::array<std::string, 4> first{"setpriv", "--pdeathsig", "KILL", "--"};
@@ -84,6 +56,38 @@ struct Pipe {
 
 }  // namespace
 
+// No fork: a copy of a program with sanitizers takes tens of milliseconds.
+pid_t spawn(const std::vector<std::string>& command, const std::vector<std::pair<int, int>>& files,
+            const char* terminal) {
+    std::vector<char*> words;
+    for (const auto& word : command) {
+        words.push_back(const_cast<char*>(word.c_str()));
+    }
+    words.push_back(nullptr);
+    posix_spawnattr_t how;
+    ::posix_spawnattr_init(&how);
+    posix_spawn_file_actions_t actions;
+    ::posix_spawn_file_actions_init(&actions);
+    for (const int standard : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        ::posix_spawn_file_actions_addopen(&actions, standard, "/dev/null", O_RDWR, 0);
+    }
+    if (terminal != nullptr) {  // the first that the leader of a session opens is its own
+        ::posix_spawnattr_setflags(&how, POSIX_SPAWN_SETSID);
+        ::posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, terminal, O_RDWR, 0);
+    }
+    for (const auto& [from, to] : files) {
+        ::posix_spawn_file_actions_adddup2(&actions, from, to);
+    }
+    pid_t child = -1;
+    const int error = ::posix_spawnp(&child, words[0], &actions, &how, words.data(), environ);
+    ::posix_spawn_file_actions_destroy(&actions);
+    ::posix_spawnattr_destroy(&how);
+    if (error != 0) {
+        throw std::runtime_error(command.front() + " cannot be run");
+    }
+    return child;
+}
+
 bool eventually(const std::function<bool()>& condition, const std::function<void()>& meanwhile) {
     const auto end = std::chrono::steady_clock::now() + kPatience;
     while (!condition()) {
@@ -101,7 +105,7 @@ bool eventually(const std::function<bool()>& condition, const std::function<void
 
 std::string outputOf(const std::vector<std::string>& command) {
     Pipe pipe;
-    const pid_t child = spawn(command, pipe.ends[1], -1);
+    const pid_t child = spawn(command, {{pipe.ends[1], STDOUT_FILENO}});
     auto text = pipe.read(false);
     ::waitpid(child, nullptr, 0);
     return text;
@@ -117,7 +121,9 @@ std::pair<Child, std::string> startTelling(const std::vector<std::string>& comma
     return {std::move(child), std::move(word)};
 }
 
-Child::Child(const std::vector<std::string>& command, int pipe) : id_(spawn(dyingWithTheTest(command), -1, pipe)) {}
+Child::Child(const std::vector<std::string>& command, int pipe)
+    : id_(spawn(dyingWithTheTest(command),
+                pipe < 0 ? std::vector<std::pair<int, int>>{} : std::vector{std::pair(pipe, 3)})) {}
 
 void Child::stop() {
     if (id_ > 0) {

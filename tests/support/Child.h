@@ -9,6 +9,11 @@
 
 namespace glintar::test {
 
+/// Starts a program, which finds `files` (ours, and its own number) beside /dev/null, or its standard output on the
+/// terminal of that name, in the foreground of which it is then. Throws `std::runtime_error` where it cannot be run.
+pid_t spawn(const std::vector<std::string>& command, const std::vector<std::pair<int, int>>& files,
+            const char* terminal = nullptr);
+
 /// Another program, which is killed with its owner and with the test. What it prints is dropped.
 class Child {
 public:

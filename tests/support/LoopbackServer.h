@@ -1,21 +1,18 @@
 #pragma once
 
+#include <httplib.h>
+
 #include <chrono>
 #include <condition_variable>
-#include <filesystem>
 #include <map>
 #include <memory>
 #include <mutex>
-#include <set>
 #include <string>
 #include <string_view>
 #include <thread>
-#include <utility>
 #include <vector>
 
 namespace glintar::support {
-
-using LoopbackHeaders = std::vector<std::pair<std::string, std::string>>;
 
 /// What the server does with a request for one path.
 struct LoopbackReply {
@@ -30,23 +27,23 @@ struct LoopbackReply {
     };
 
     int status = 200;
-    LoopbackHeaders headers = {};
+    httplib::Headers headers = {};
     std::string body = {};
     Manner manner = Manner::Whole;
     std::size_t sentBytes = 0;
     std::chrono::milliseconds delay{0};  ///< before the first byte
-    bool gzip = false;                   ///< compresses `body` and says so
+    bool gzip = false;                   ///< compresses `body` for a client that takes it so
     bool close = false;                  ///< closes the connection after the answer, without having said so
 };
 
 struct LoopbackRequest {
     std::string method;
     std::string target;  ///< path and query
-    LoopbackHeaders headers = {};
-    int connection = 0;  ///< counted from 1 in the order of arrival
+    httplib::Headers headers = {};
+    int connection = 0;  ///< counted from 1 in the order of their first requests
 
     /// All values of the header, whatever its case.
-    [[nodiscard]] std::vector<std::string> values(std::string_view name) const;
+    [[nodiscard]] std::vector<std::string> values(const std::string& name) const;
 };
 
 class TestAuthority;
@@ -75,25 +72,20 @@ public:
     [[nodiscard]] const TestAuthority& authority() const { return *authority_; }
 
 private:
-    class Connection;
-    void acceptAll();
-    void serve(int socket, int number);
-    bool answer(Connection& connection, const LoopbackRequest& request, const LoopbackReply& reply);
-    bool sendBody(Connection& connection, const LoopbackReply& reply, std::string_view body);
+    void answer(const httplib::Request& request, httplib::Response& response);
     void pause(std::chrono::milliseconds time);
 
     std::unique_ptr<TestAuthority> authority_;
-    int listener_ = -1;
+    std::unique_ptr<httplib::Server> server_;
     int port_ = 0;
 
     mutable std::mutex mutex_;
     mutable std::condition_variable changed_;
     std::map<std::string, LoopbackReply, std::less<>> replies_;
     std::vector<LoopbackRequest> requests_;
-    std::set<int> open_;
+    std::vector<int> connections_;  ///< the other ends' ports
     bool stopping_ = false;
-    std::vector<std::thread> threads_;
-    std::thread acceptor_;
+    std::thread thread_;
 };
 
 }  // namespace glintar::support

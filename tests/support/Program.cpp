@@ -6,7 +6,6 @@
 #include <poll.h>
 #include <pty.h>
 #include <signal.h>
-#include <sys/ioctl.h>
 #include <sys/wait.h>
 #include <termios.h>
 #include <unistd.h>
@@ -37,47 +36,33 @@ void fill(int pipe) {
     ::fcntl(pipe, F_SETFL, 0);
 }
 
-[[noreturn]] void become(const std::vector<std::string>& command, const Environment& environment) {
-    for (const auto& [name, value] : environment) {
-        value ? ::setenv(name.c_str(), value->c_str(), 1) : ::unsetenv(name.c_str());
-    }
-    std::vector<char*> words;
-    for (const auto& word : command) {
-        words.push_back(const_cast<char*>(word.c_str()));
-    }
-    words.push_back(nullptr);
-    ::execvp(words[0], words.data());
-    ::_exit(127);
-}
-
 }  // namespace
 
-Program::Program(std::vector<std::string> command, const Environment& environment, Output output) {
-    std::array<int, 2> errors{}, lines{};
-    if (::pipe2(errors.data(), O_CLOEXEC) != 0) {
-        return;
+Program::Program(const std::vector<std::string>& command, const Environment& environment, Output output) {
+    std::vector<std::string> words{"env"};
+    for (const auto& [name, value] : environment) {  // options go first
+        words.insert(value ? words.end() : words.begin() + 1, value ? name + "=" + *value : "--unset=" + name);
     }
+    words.insert(words.end(), command.begin(), command.end());
+    std::array<int, 2> errors{}, lines{};
+    std::array<char, 64> terminal{};
     const winsize size{.ws_row = 24, .ws_col = 240, .ws_xpixel = 0, .ws_ypixel = 0};
-    const bool isOpen = output == Output::Terminal ? ::openpty(&lines[0], &lines[1], nullptr, nullptr, &size) == 0
-                                                   : ::pipe2(lines.data(), O_CLOEXEC) == 0;
-    if (!isOpen) {
+    const bool hasTerminal = output == Output::Terminal;
+    if (::pipe2(errors.data(), O_CLOEXEC) != 0 ||
+        (hasTerminal ? ::openpty(&lines[0], &lines[1], terminal.data(), nullptr, &size)
+                     : ::pipe2(lines.data(), O_CLOEXEC)) != 0) {
         return;
     }
     ::fcntl(lines[0], F_SETFD, FD_CLOEXEC);
+    ::fcntl(lines[1], F_SETFD, FD_CLOEXEC);
     if (output == Output::FullPipe || output == Output::FullErrors) {
         fill(output == Output::FullPipe ? lines[1] : errors[1]);
     }
-    child_ = ::fork();
-    if (child_ == 0) {
-        if (output == Output::Terminal) {
-            ::setsid();
-            ::ioctl(lines[1], TIOCSCTTY, 0);
-        }
-        ::dup2(lines[1], STDOUT_FILENO);
-        ::dup2(errors[1], STDERR_FILENO);
-        ::close(lines[1] > STDERR_FILENO ? lines[1] : errors[1]);
-        become(command, environment);
+    std::vector<std::pair<int, int>> files{{errors[1], STDERR_FILENO}};
+    if (!hasTerminal) {
+        files.emplace_back(lines[1], STDOUT_FILENO);
     }
+    child_ = spawn(words, files, hasTerminal ? terminal.data() : nullptr);
     ::close(lines[1]);
     ::close(errors[1]);
     outputFd_ = lines[0];

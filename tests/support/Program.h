@@ -22,7 +22,7 @@ public:
         Terminal     ///< which the program is in the foreground of
     };
 
-    Program(std::vector<std::string> command, const Environment& environment, Output output = Output::Pipe);
+    Program(const std::vector<std::string>& command, const Environment& environment, Output output = Output::Pipe);
     Program(const Program&) = delete;
     Program& operator=(const Program&) = delete;
     ~Program();  // ends it the hard way when it is still there

@@ -1,0 +1,128 @@
+#include "app/AppDelegate.h"
+#include "app/Arguments.h"
+#include "app/Deployment.h"
+#include "platform/virtual/VirtualDesktop.h"
+#include "platform/virtual/VirtualPlatform.h"
+#include "support/Market.h"
+
+#include <gmock/gmock.h>
+
+#include <vector>
+
+namespace glintar::app {
+namespace {
+
+using namespace std::chrono_literals;
+
+struct Launched {
+    explicit Launched(int displayMode) {
+        test::ship(machine);
+        test::saveCoins(machine.preferences, {test::coin("BTC", "bitcoin")});
+        machine.preferences.setInteger("displayMode", displayMode);
+        delegate.applicationDidFinishLaunching();
+    }
+
+    platform::VirtualPlatform machine;
+    platform::VirtualDesktop desktop{machine.notifications};
+    AppDelegate delegate{machine.platform(), desktop.desktop(), {.terminate = [] {}}};
+};
+
+TEST(AppDelegateTest, TheDisplayModeHoldsFromTheFirstPictureOn) {
+    for (const int mode : {0, 1}) {
+        Launched program(mode);
+        EXPECT_EQ(program.desktop.statusBar.items.at(1)->isVisible, mode == 0);
+        EXPECT_EQ(program.desktop.windows.overlays.size(), mode == 1 ? 1U : 0U);
+    }
+}
+
+constexpr std::string_view kAnswer = R"([{"id":"bitcoin","current_price":64000,"image":"https://icons.test/b.png"}])";
+
+TEST(AppDelegateTest, AnIconThatArrivesIsShownAtOnce) {
+    Launched program(0);
+    program.machine.http.answer("gecko.test", std::string(kAnswer));
+    program.machine.http.answer("icons.test", "image 9x9 arrived");
+    program.machine.advance(5s);
+    const auto& pill = std::get<platform::PictureRun>(program.desktop.statusBar.items.at(1)->title.at(0));
+    const auto images = platform::drawn(pill.image).all(platform::Drawn::Kind::Image);
+    ASSERT_EQ(images.size(), 1U);
+    EXPECT_EQ(images[0].text, "arrived");
+}
+
+TEST(AppDelegateTest, ThePanelShowsThePrices) {
+    Launched program(1);
+    program.machine.http.answer("gecko.test", std::string(kAnswer));
+    program.machine.advance(5s);
+    const auto layers =
+        platform::drawn(program.desktop.windows.overlays.at(0)->picture).all(platform::Drawn::Kind::Image);
+    const auto texts = layers.back().image->all(platform::Drawn::Kind::Text);
+    EXPECT_TRUE(std::ranges::any_of(texts, [](const auto& text) { return text.text == "64000.00"; }));
+}
+
+TEST(AppDelegateTest, TheKeyIsLookedUpAfterTheFirstPictureAndBeforeTheCatalogueIsChecked) {
+    Launched program(0);
+    EXPECT_EQ(program.machine.console.count("[Timer]"), 0);
+    program.machine.advance(2s);
+    const auto& lines = program.machine.console.lines;
+    const auto at = [&](std::string_view part) {
+        return std::ranges::find_if(lines, [&](const auto& line) { return line.text.contains(part); }) - lines.begin();
+    };
+    EXPECT_LT(at("[Timer]"), at("[CoinList]"));
+    EXPECT_LT(at("[CoinList]"), std::ssize(lines));
+}
+
+TEST(ArgumentsTest, MeanWhatTheySay) {
+    static constexpr std::array kCommands{"desktop", "line", "compare", "diagnose", "help", "version"};
+    struct Row {
+        std::vector<const char*> arguments;
+        std::string expected;  ///< command, format, once, demo; or "refused"
+    };
+    for (const auto& [arguments, expected] :
+         {Row{{}, "desktop"}, Row{{"--once", "line"}, "line once"}, Row{{"--demo"}, "desktop demo"},
+          Row{{"line"}, "line"}, Row{{"--demo", "line"}, "line demo"},
+          Row{{"line", "--once", "--format", "json", "--demo"}, "line json once demo"},
+          Row{{"line", "--format=json"}, "line json"}, Row{{"line", "--format=json", "--format", "text"}, "line"},
+          Row{{"line", "--help"}, "help"}, Row{{"--version"}, "version"}, Row{{"lien"}, "refused"},
+          Row{{"line", "--twice"}, "refused"}, Row{{"--once"}, "refused"}, Row{{"line", "line"}, "refused"},
+          Row{{"line", "--format"}, "refused"}, Row{{"line", "--format", "xml"}, "refused"},
+          Row{{"line", "--formatted"}, "refused"}, Row{{""}, "refused"}}) {
+        const auto parsed = parseArguments(arguments);
+        std::string text = "refused";
+        if (parsed) {
+            text = kCommands.at(static_cast<std::size_t>(parsed->command));
+            text += parsed->format == Format::Json ? " json" : "";
+            text += parsed->once ? " once" : "";
+            text += parsed->demo ? " demo" : "";
+        }
+        EXPECT_EQ(text, expected) << testing::PrintToString(arguments);
+    }
+}
+
+ArgumentsCase{"Compare", {"compare", "--format", "json"}, "compare json"},
+    ArgumentsCase{"Diagnose", {"--demo", "diagnose"}, "diagnose demo"},
+    ArgumentsCase{"OnceElsewhere", {"compare", "--once"}, "refused"},
+    ArgumentsCase{"FormatWithoutCommand", {"--format", "json"}, "refused"},
+    TEST(DeploymentTest, AConfigurationServerIsSecureOrThisMachine) {
+    struct Row {
+        const char* address;
+        bool isAccepted;
+    };
+    for (const auto& [address, isAccepted] :
+         {Row{"", true}, Row{"https://config.example/glintar", true}, Row{"https://config.example:8443", true},
+          Row{"http://127.0.0.1:8080/x", true}, Row{"http://localhost:1", true}, Row{"http://[::1]:1/a", true},
+          Row{"HTTPS://config.example", true}, Row{"http://config.example", false},
+          Row{"http://localhost.example", false}, Row{"http://127.0.0.1.example", false},
+          Row{"http://127.0.0.1@config.example", false}, Row{"https://config.example/", false},
+          Row{"https://config.example?a=b", false}, Row{"ftp://config.example", false}, Row{"config.example", false},
+          Row{"https://", false}, Row{"https://config example", false}}) {
+        const auto server = app::configServer(address);
+        EXPECT_EQ(server.has_value(), isAccepted) << address;
+        EXPECT_EQ(server.value_or(""), isAccepted ? address : "");
+    }
+    const char* const builtIn = "https://built.in";
+    EXPECT_EQ(app::configServer(std::nullopt, builtIn), builtIn);
+    EXPECT_EQ(app::configServer("https://named.example", builtIn), "https://named.example");
+    EXPECT_EQ(app::configServer("", builtIn), "") << "whoever wants none can say so";
+}
+
+}  // namespace
+}  // namespace glintar::app
