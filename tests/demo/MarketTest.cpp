@@ -15,7 +15,6 @@
 namespace glintar::demo {
 namespace {
 
-using testing::Contains;
 using testing::DoubleNear;
 
 TEST(MarketTest, WalksLikeAMarketAndNotLikeNoise) {
@@ -53,19 +52,6 @@ TEST(MarketTest, TellsOneStoryInAllItsFigures) {
 
     const auto later = market.byId("solana", kNow + 60).week;
     EXPECT_TRUE(std::equal(now.week.begin() + 1, now.week.end() - 1, later.begin())) << "the past does not change";
-}
-
-TEST(MarketTest, KnowsEveryCoinByIdAndBySymbol) {
-    const Market market(1);
-    const auto ids = Market::wellKnownIds();
-    EXPECT_THAT(ids, Contains("dogecoin"));
-    for (const std::string& id : ids) {
-        const CoinState coin = market.byId(id, 5);
-        EXPECT_EQ(coin.id, id);
-        EXPECT_EQ(market.bySymbol(coin.symbol, 5).price, coin.price) << id;
-    }
-    EXPECT_NE(market.byId("floki", 5).price, market.byId("kaspa", 5).price);
-    EXPECT_EQ(market.byId("floki", 5).price, market.bySymbol("FLOKI", 5).price);
 }
 
 std::expected<MarketOptions, std::string> parse(std::vector<std::string> words) {
