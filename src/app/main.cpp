@@ -4,6 +4,7 @@
 #include "app/Start.h"
 #include "platform/posix/Descriptor.h"
 #include "platform/qt/DesktopPlatform.h"
+#include "platform/qt/DisplayGuard.h"
 
 #include <fmt/format.h>
 

@@ -171,18 +171,13 @@ TEST_P(UpdaterTest, WhatIsNoVersionDocumentEndsTheCheck) {
     }
 }
 
-TEST_P(UpdaterTest, AGoodDocumentCountsWhateverItsStatus) {
-    machine.http.answer(document.dataAddress, document.body, 404);
-    check();
-    EXPECT_THAT(announcements, ElementsAre(document.stored + " v6 " + document.body));
-}
-
-TEST_P(UpdaterTest, AGoodVersionDocumentCountsWhateverItsStatusAndDescription) {
+TEST_P(UpdaterTest, GoodDocumentsCountWhateverTheirStatusAndDescription) {
     for (const auto& [body, status] : {std::pair{R"({"version":6})", 404},
                                        {R"({"desc":null,"version":6,"x":[]})", 200},
                                        {"{\"version\":6,\"desc\":\"\"}\n", 500}}) {
         machine.preferences.setInteger(document.key, 5);
         offer(body, status);
+        machine.http.answer(document.dataAddress, document.body, status);
         check();
         EXPECT_EQ(log().back(), document.stored) << body;
     }

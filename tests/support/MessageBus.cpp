@@ -1,7 +1,5 @@
 #include "support/MessageBus.h"
 
-#include <signal.h>
-
 #include <fstream>
 
 namespace glintar::test {
@@ -16,14 +14,6 @@ void MessageBus::start() {
     std::filesystem::remove(socket());
     const auto configuration = "--config-file=" + (folder() / "bus.conf").string();
     daemon_ = startTelling({"dbus-daemon", "--nofork", "--print-address=3", configuration}).first;
-}
-
-void MessageBus::freeze() const {
-    ::kill(daemon_.id(), SIGSTOP);
-}
-
-void MessageBus::thaw() const {
-    ::kill(daemon_.id(), SIGCONT);
 }
 
 }  // namespace glintar::test

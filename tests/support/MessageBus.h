@@ -13,8 +13,6 @@ public:
     MessageBus();
     void start();  ///< comes back when it takes connections
     void stop() { daemon_.stop(); }
-    void freeze() const;  ///< it hangs, until `thaw`
-    void thaw() const;
 
     [[nodiscard]] std::string address() const { return "unix:path=" + socket(); }
     [[nodiscard]] const std::filesystem::path& folder() const { return folder_.path(); }

@@ -17,18 +17,7 @@ Descriptor::~Descriptor() {
     }
 }
 
-int writeAll(int descriptor, std::string_view bytes) {
-    while (!bytes.empty()) {
-        const ssize_t written = ::write(descriptor, bytes.data(), bytes.size());
-        if (written < 0 && errno != EINTR) {
-            return errno;
-        }
-        bytes.remove_prefix(static_cast<std::size_t>(std::max<ssize_t>(written, 0)));
-    }
-    return 0;
-}
-
-int writeUnlessStopped(int descriptor, std::string_view bytes, int stop) {
+int writeAll(int descriptor, std::string_view bytes, int stop) {
     while (!bytes.empty()) {
         std::array<pollfd, 2> watched{pollfd{descriptor, POLLOUT, 0}, pollfd{stop, POLLIN, 0}};
         if (::poll(watched.data(), watched.size(), -1) < 0) {

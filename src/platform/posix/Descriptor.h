@@ -22,12 +22,9 @@ private:
     int number_;
 };
 
-/// Writes everything; the number of the error (errno), or 0.
-[[nodiscard]] int writeAll(int descriptor, std::string_view bytes);
-
-/// As `writeAll`, but never waits once `stop` can be read: then the error is ECANCELED. For places whose reader may
-/// have stopped reading.
-[[nodiscard]] int writeUnlessStopped(int descriptor, std::string_view bytes, int stop);
+/// Writes everything; the number of the error (errno), or 0. Never waits once `stop` can be read, if there is one: then
+/// the error is ECANCELED. For places whose reader may have stopped reading.
+[[nodiscard]] int writeAll(int descriptor, std::string_view bytes, int stop = -1);
 
 /// Writes to standard error as far as that is possible.
 void complain(std::string_view text);

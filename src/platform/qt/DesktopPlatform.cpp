@@ -2,7 +2,7 @@
 
 #include "platform/DesktopEvents.h"
 #include "platform/Directories.h"
-#include "platform/qt/SessionBusGuard.h"
+#include "platform/qt/DisplayGuard.h"
 #include "platform/secret/SessionBus.h"
 
 #include <QThreadPool>
@@ -22,11 +22,14 @@ std::string_view variable(const char* name) {
 
 /// What must be said before there is an application.
 DesktopSettingsPolicy prepareApplication() {
+    guardDisplay();  // whatever may end then: every change has been saved when it was made
     // Wayland gives no program a place on the screen; through XWayland it has one.
     if (!variable("QT_QPA_PLATFORM").starts_with("xcb")) {
         ::setenv("QT_QPA_PLATFORM", "xcb", 1);
     }
-    prepareSessionBus();
+    // Qt's accessibility asks for the bus as soon as there is an application, and its tray later: where there is none,
+    // libdbus would start one that outlives the program. No other program is given the variable.
+    ::setenv("DBUS_SESSION_BUS_ADDRESS", sessionBusAddress().value_or("disabled:").c_str(), 1);
     const auto policy = desktopSettingsPolicy(variable("XDG_CURRENT_DESKTOP"), variable("QT_QPA_PLATFORMTHEME"));
     QApplication::setDesktopSettingsAware(policy.isSettingsAware);
     QApplication::setHighDpiScaleFactorRoundingPolicy(Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
@@ -46,8 +49,7 @@ std::optional<QDBusConnection> sessionBus() {
 }  // namespace
 
 DesktopPlatform::DesktopPlatform(int& argc, char** argv, const RealPlatform::Options& options)
-    : guard_("glintar"),  // every change has been saved when it was made
-      policy_(prepareApplication()),
+    : policy_(prepareApplication()),
       application_(argc, argv),
       machine_(options),
       connection_(XcbConnection::open()),
@@ -80,7 +82,7 @@ DesktopPlatform::DesktopPlatform(int& argc, char** argv, const RealPlatform::Opt
 }
 
 DesktopPlatform::~DesktopPlatform() {
-    guard_.release();
+    releaseDisplay();
     machine_.endWork();  // it draws
 }
 

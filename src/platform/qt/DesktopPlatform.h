@@ -2,7 +2,6 @@
 
 #include "platform/Desktop.h"
 #include "platform/NotificationCenter.h"
-#include "platform/qt/DisplayGuard.h"
 #include "platform/qt/XcbReader.h"
 #include "platform/qt/events/QtDesktopEvents.h"
 #include "platform/qt/graphics/QtGraphics.h"
@@ -46,7 +45,6 @@ public:
 
 private:
     // Destroyed from the last to the first: whoever draws or listens goes before what it draws on.
-    DisplayGuard guard_;
     DesktopSettingsPolicy policy_;
     QApplication application_;
     RealPlatform machine_;

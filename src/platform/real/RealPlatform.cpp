@@ -22,11 +22,11 @@ RealPlatform::RealPlatform(const Options& options)
           }
       }),
       bundle_(options.configServer, options.replacements),
-      preferences_(XdgDirectories::configuration().value_or(kNowhere) / "glintar.conf", console_),
+      preferences_(XdgDirectories::configuration().value_or(kNowhere) / "glintar.conf", screen_),
       workQueue_(runLoop_, kWorkThreads),
-      secrets_(runLoop_, console_, options.looksUpSecrets),
-      platform_{runLoop_, workQueue_, http_,    preferences_, secrets_,   notifications_, directories_,
-                bundle_,  files_,     console_, entropy_,     localTime_, registry_} {}
+      secrets_(runLoop_, screen_, options.looksUpSecrets),
+      platform_{runLoop_, workQueue_, http_,   preferences_, secrets_,   notifications_, directories_,
+                bundle_,  files_,     screen_, entropy_,     localTime_, registry_} {}
 
 RealPlatform::~RealPlatform() = default;
 

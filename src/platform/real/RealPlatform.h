@@ -14,7 +14,6 @@
 #include "platform/qtcore/QtRunLoop.h"
 #include "platform/qtcore/QtTermination.h"
 #include "platform/secret/LoadedSecretStore.h"
-#include "platform/terminal/TerminalConsole.h"
 #include "platform/terminal/TerminalScreen.h"
 
 #include <filesystem>
@@ -60,7 +59,6 @@ private:
     std::optional<int> exitStatus_;
     QtTermination termination_;
     TerminalScreen screen_{termination_.descriptor()};
-    TerminalConsole console_{screen_};
     QtRunLoop runLoop_;
     PosixFiles files_;
     XdgDirectories directories_;

@@ -2,12 +2,9 @@
 
 #include "platform/Console.h"
 #include "platform/posix/InstalledBundle.h"
-#include "platform/secret/SecretModule.h"
 #include "platform/secret/SessionBus.h"
 
 #include <dlfcn.h>
-
-#include <string>
 
 namespace glintar::platform {
 

@@ -3,11 +3,16 @@
 #include "platform/SecretStore.h"
 
 #include <memory>
+#include <string>
 
 namespace glintar::platform {
 
 class Console;
 class RunLoop;
+
+/// What the module `glintar-secret.so` offers under the name `glintarMakeSecretStore`: a store on the heap, which the
+/// caller owns. The run loop must outlive it; the address is that of the message bus.
+using MakeSecretStore = SecretStore*(RunLoop& runLoop, const std::string& busAddress);
 
 /// The desktop's key ring, whose code is loaded at the first call, and only where there is a bus to ask it over.
 /// Without one, or without the module, every call ends in `Unavailable`.

@@ -1,4 +1,4 @@
-#include "platform/secret/SecretModule.h"
+// The module's one door, as `LoadedSecretStore` knows it.
 
 #include "platform/secret/LibsecretStore.h"
 

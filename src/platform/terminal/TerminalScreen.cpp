@@ -40,13 +40,13 @@ TerminalScreen::TerminalScreen(int stop)
 
 TerminalScreen::~TerminalScreen() {
     if (!liveLine_.empty()) {
-        [[maybe_unused]] const int nobodyReads = writeUnlessStopped(STDOUT_FILENO, "\n", stop_);
+        [[maybe_unused]] const int nobodyReads = writeAll(STDOUT_FILENO, "\n", stop_);
     }
 }
 
 int TerminalScreen::printLine(std::string_view text) {
     const std::lock_guard lock(mutex_);
-    return writeUnlessStopped(STDOUT_FILENO, std::string(text) + '\n', stop_);
+    return writeAll(STDOUT_FILENO, std::string(text) + '\n', stop_);
 }
 
 std::string TerminalScreen::clearing() const {
@@ -64,20 +64,25 @@ int TerminalScreen::redrawLine(std::string_view text) {
         rest.remove_prefix(std::min(line.size() + 1, rest.size()));
     }
     drawn += kWrapOn;
-    const int error = writeUnlessStopped(STDOUT_FILENO, clearing() + drawn, stop_);
+    const int error = writeAll(STDOUT_FILENO, clearing() + drawn, stop_);
     liveLine_ = text.empty() ? std::string() : std::move(drawn);
     liveRows_ = rows;
     return error;
 }
 
-void TerminalScreen::writeError(std::string_view text) {
+void TerminalScreen::write([[maybe_unused]] Path path, std::string_view text) {
+#ifdef NDEBUG
+    if (path == Path::Debug) {
+        return;
+    }
+#endif
     const auto clean = text::printable(text) + '\n';
     const std::lock_guard lock(mutex_);
     const bool isInTheWay = sharesTerminal_ && !liveLine_.empty();
     // What cannot be written is lost; there is nobody to tell.
-    static_cast<void>(isInTheWay && writeUnlessStopped(STDOUT_FILENO, clearing(), stop_));
-    static_cast<void>(writeUnlessStopped(STDERR_FILENO, clean, stop_));
-    static_cast<void>(isInTheWay && writeUnlessStopped(STDOUT_FILENO, liveLine_, stop_));
+    static_cast<void>(isInTheWay && writeAll(STDOUT_FILENO, clearing(), stop_));
+    static_cast<void>(writeAll(STDERR_FILENO, clean, stop_));
+    static_cast<void>(isInTheWay && writeAll(STDOUT_FILENO, liveLine_, stop_));
 }
 
 }  // namespace glintar::platform

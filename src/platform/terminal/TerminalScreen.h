@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/Console.h"
+
 #include <cstddef>
 #include <mutex>
 #include <string>
@@ -8,11 +10,12 @@
 namespace glintar::platform {
 
 /// Standard output and standard error as one place: on a terminal, a line that is redrawn in place stays below whatever
-/// else is written. Any thread. A reader that has stopped reading holds nothing up once `stop` can be read.
-class TerminalScreen {
+/// else is written, which is the console's. Any thread. A reader that has stopped reading holds nothing up once `stop`
+/// can be read.
+class TerminalScreen final : public Console {
 public:
     explicit TerminalScreen(int stop);
-    ~TerminalScreen();  // leaves the cursor below the line
+    ~TerminalScreen() override;  // leaves the cursor below the line
 
     [[nodiscard]] bool isTerminal() const { return isTerminal_; }
 
@@ -20,10 +23,10 @@ public:
     [[nodiscard]] int printLine(std::string_view text);
     [[nodiscard]] int redrawLine(std::string_view text);
 
-    /// Writes to standard error what of the text is fit for a terminal, since part of it comes from servers.
-    void writeError(std::string_view text);
-
 private:
+    /// What of the text is fit for a terminal, since part of it comes from servers.
+    void write(Path path, std::string_view text) override;
+
     const int stop_;
     const bool isTerminal_;  ///< one on which a line can be redrawn
     const bool sharesTerminal_;

@@ -1,10 +1,13 @@
 #pragma once
 
 #include "platform/RunLoop.h"
-#include "platform/virtual/TimerQueue.h"
 
 #include <atomic>
+#include <cstdint>
+#include <map>
+#include <memory>
 #include <mutex>
+#include <utility>
 #include <vector>
 
 namespace glintar::platform {
@@ -25,24 +28,29 @@ public:
     [[nodiscard]] std::size_t pending() { return queue().size(); }
 
     void post(Task task) override;
-    void postAfter(Duration delay, Task task) override { queue().schedule(now() + delay, std::move(task)); }
-    TimerHandle after(Duration delay, Task task) override { return queue().after(now() + delay, std::move(task)); }
-    TimerHandle every(Duration interval, std::function<void()> tick) override {
-        return queue().every(now() + interval, interval, std::move(tick));
-    }
+    void postAfter(Duration delay, Task task) override { schedule(now() + delay, std::move(task)); }
+    TimerHandle after(Duration delay, Task task) override;
+    TimerHandle every(Duration interval, std::function<void()> tick) override;
     Instant now() const override { return now_; }
     BootInstant bootNow() const override { return BootInstant(now().time_since_epoch() + asleep_); }
     WallTime wallNow() const override;
 
 private:
+    struct Handle;
+    using Due = std::pair<Instant, std::uint64_t>;  ///< the time, and the order of arrival
+    using Queue = std::map<Due, Task>;
+
     /// With all that was posted so far.
-    TimerQueue& queue();
+    Queue& queue();
+    Due schedule(Instant time, Task task);
+    void scheduleTick(const std::shared_ptr<Due>& next, Instant time, Duration interval, std::function<void()> tick);
 
     std::atomic<Instant> now_{Instant(std::chrono::hours{24})};
     Duration asleep_{};
     std::mutex mutex_;
     std::vector<Task> posted_;
-    TimerQueue queue_;
+    std::uint64_t arrivals_ = 0;
+    std::shared_ptr<Queue> queue_ = std::make_shared<Queue>();  // handles may outlive the loop
 };
 
 }  // namespace glintar::platform

@@ -2,22 +2,17 @@
 
 #include "platform/xcb/SelectionWatch.h"
 
+#include <fmt/format.h>
+
 namespace glintar::platform {
 
-/// Whether a compositor owns the screen, so that windows can be translucent. Main thread only.
-class CompositorWatch {
+/// Whether a compositor owns the screen, so that windows can be translucent.
+class CompositorWatch : public SelectionWatch {
 public:
-    explicit CompositorWatch(XcbConnection& connection);
+    explicit CompositorWatch(XcbConnection& connection)
+        : SelectionWatch(connection, fmt::format("_NET_WM_CM_S{}", connection.screenNumber())) {}
 
-    [[nodiscard]] bool isRunning() const { return selection_.isOwned(); }
-
-    /// Runs when a compositor has come or gone.
-    [[nodiscard]] Listening onChange(std::function<void()> listener) {
-        return selection_.onChange(std::move(listener));
-    }
-
-private:
-    SelectionWatch selection_;
+    [[nodiscard]] bool isRunning() const { return isOwned(); }
 };
 
 }  // namespace glintar::platform

@@ -75,7 +75,8 @@ public:
     /// Masks of all who want to hear of the root window are joined: the server knows one for each connection.
     void selectRootEvents(std::uint32_t mask);
 
-    /// Runs for every event on this connection. A listener only takes note: it asks the server nothing.
+    /// Runs for every event on this connection, in their order. A listener that asks the server holds up the others for
+    /// a round trip; what comes along with the answer is handed out after its event.
     [[nodiscard]] Listening onEvent(std::function<void(const xcb_generic_event_t&)> listener) {
         return listeners_.add(std::move(listener));
     }
@@ -84,7 +85,7 @@ public:
     bool readEvents();
 
     /// Hands out the events that came along with an answer, which will not make the descriptor readable any more.
-    /// Whoever asks the server anything calls it afterwards. No system call.
+    /// Whoever asks the server anything outside a listener calls it afterwards. No system call.
     void handOutQueued();
 
 private:

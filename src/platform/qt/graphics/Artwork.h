@@ -20,8 +20,7 @@ namespace glintar::platform {
 /// A shipped SVG file. May be used by any thread.
 ///
 /// Qt's renderer may not, so a lock guards it. Its last renderings are kept, since the same few are asked for again and
-/// again: the countdown draws its image twice every 0.1 seconds, and rendering takes tens of times as long as drawing
-/// pixels.
+/// again, by the countdown and by each pill, and rendering takes tens of times as long as drawing pixels.
 class Artwork {
 public:
     /// Null when the file is missing or no drawing.

@@ -2,7 +2,7 @@
 
 #include "platform/Pointer.h"
 #include "platform/qt/windows/QtScreens.h"
-#include "platform/xcb/XcbPointer.h"
+#include "platform/xcb/XcbConnection.h"
 
 namespace glintar::platform {
 
@@ -10,15 +10,14 @@ namespace glintar::platform {
 /// the server hears of it over windows of X programs only.
 class QtPointer final : public Pointer {
 public:
-    /// Keeps both references.
     QtPointer(XcbConnection& connection, const QtScreens& screens);
 
     std::optional<Point> position() override;
     bool isSeenEverywhere() const override { return isSeenEverywhere_; }
 
 private:
+    XcbConnection& connection_;
     const QtScreens& screens_;
-    XcbPointer pointer_;
     bool isSeenEverywhere_;
 };
 

@@ -35,6 +35,7 @@ TEST(ActiveWindowWatchTest, TellsWhenTheUserTurnsToAnotherProgram) {
     activate(a1);
     const ActiveWindowWatch watch(
         loop, *ours.connection, [&](xcb_window_t window) { return window == own; }, [&] { ++notices; });
+    ours.connection->selectRootEvents(XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY);  // another listener's
     const auto noticesAfter = [&](xcb_window_t window, const char* property = "_NET_ACTIVE_WINDOW") {
         activate(window, property);
         ours.connection->readEvents();
