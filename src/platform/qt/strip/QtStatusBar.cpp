@@ -22,6 +22,7 @@ public:
     QtStatusItem(StripWindow& strip, XcbConnection& connection, const QtScreens& screens, Length length)
         : connection_(connection), screens_(screens), strip_(&strip), view_(&strip.addItem()) {
         view_->onMouseUp = [this](MouseButton button) { tell(button); };
+        menu_.listenBy(*view_);
         setLength(length);
     }
 
