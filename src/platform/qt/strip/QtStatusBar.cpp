@@ -22,7 +22,6 @@ public:
     QtStatusItem(StripWindow& strip, XcbConnection& connection, const QtScreens& screens, Length length)
         : connection_(connection), screens_(screens), strip_(&strip), view_(&strip.addItem()) {
         view_->onMouseUp = [this](MouseButton button) { tell(button); };
-        menu_.listenBy(*view_);
         setLength(length);
     }
 
@@ -33,6 +32,7 @@ public:
     }
 
     void putIntoTray(std::optional<QDBusConnection> session) {
+        menu_.listenBy(*view_);
         tray_ = std::make_unique<TrayIcon>(connection_, std::move(session), menu_);
         tray_->onClick = [this] {
             // The menu that the click may open belongs to the icon that was clicked.
