@@ -64,15 +64,23 @@ public:
 
     /// A titled window is as large as its content, and wholly on its screen, if there it can be.
     void fit() {
-        const QRect free = screen()->availableGeometry();
+        if (window_ == nullptr) {
+            return;
+        }
+        const ScreenMap& map =
+            window_->around_.screens.map();  // before Qt has thought of another screen for the window
+        const Rect now = map.fromQt(geometry());
+        const QRect free = map.screenAt({now.x + now.width / 2, now.y + now.height / 2}).available;
         if (frame_ == Frame::Titled) {
             setFixedSize(sizeHint().boundedTo(free.size() - (frameGeometry().size() - size())));
         }
         if (isVisible()) {
             const QPoint to(std::max(std::min(x(), free.right() + 1 - frameGeometry().width()), free.x()),
                             std::max(std::min(y(), free.bottom() + 1 - frameGeometry().height()), free.y()));
-            if (to != pos()) {
-                move(to);
+            const QRect place = geometry().translated(to - pos());
+            if (place != geometry() || place.size() != windowHandle()->size()) {
+                setGeometry(place);
+                windowHandle()->setGeometry(place);  // at another scale it has kept its pixels
             }
         }
     }
@@ -169,6 +177,8 @@ QtWindow::QtWindow(Frame frame, const std::string& title, const QtOverlay::Surro
     : around_(surroundings), widget_(new Widget(*this, frame)) {
     widget_->setWindowTitle(QString::fromStdString(title));
     widget_->setTranslucent(isTranslucent());
+    widget_->winId();
+    QObject::connect(widget_->windowHandle(), &QWindow::screenChanged, widget_, [this] { widget_->fit(); });
     screenChanges_ = around_.screens.onChange([this] { surroundingsChanged(); });
     compositorChanges_ = around_.compositor.onChange([this] { surroundingsChanged(); });
 }

@@ -75,6 +75,13 @@ TEST_P(AnyManager, ATitledWindowIsAsLargeAsItsContentAndHasTheFocusUntilItIsClos
         EXPECT_FALSE(window->isVisible());
     }
     EXPECT_EQ(refitted, 6);
+
+    window->makeKeyAndOrderFront();
+    ASSERT_TRUE(soon([&] { return hasFocus("Settings"); }));
+    display.input({"getactivewindow", "windowminimize"});
+    EXPECT_TRUE(!GetParam() || soon([&] { return !Display::window("Settings") && !window->isVisible(); }));
+    window->makeKeyAndOrderFront();
+    EXPECT_TRUE(soon([&] { return hasFocus("Settings") && window->isVisible(); }));
 }
 
 TEST_P(AnyManager, ABorderlessWindowStaysWhereItIsPutUntilItIsDraggedByItsBackground) {
@@ -127,6 +134,21 @@ TEST_P(AnyManager, AnAlertTakesTheFocusForItsAnswer) {
         EXPECT_EQ(answer, expected++);
     }
     EXPECT_TRUE(window->isVisible()) << "it got no keys";
+}
+
+TEST_P(AnyManager, AWindowLeavesAScreenThatIsUnplugged) {
+    display.split(640);
+    ASSERT_TRUE(soon([&] { return screens.map().screenAt({700, 700}).scale == 2; }));
+    const auto window = make(Window::Frame::Borderless, "Dashboard");
+    int told = 0;
+    window->onSurroundingsChanged = [&] { ++told; };
+    window->setFrame({660, 500, 200, 100});
+    window->makeKeyAndOrderFront();
+    ASSERT_TRUE(soon([&] { return seen("Dashboard") == Rect{680, 400, 400, 200}; }));
+    test::outputOf({"xrandr", "--delmonitor", "RIGHT"});
+    EXPECT_TRUE(soon([&] { return seen("Dashboard").right() <= 640 && seen("Dashboard").width == 200; }));
+    EXPECT_GE(told, 1);
+    display.unsplit();
 }
 
 INSTANTIATE_TEST_SUITE_P(Managers, AnyManager,
