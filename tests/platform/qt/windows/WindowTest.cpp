@@ -75,13 +75,6 @@ TEST_P(AnyManager, ATitledWindowIsAsLargeAsItsContentAndHasTheFocusUntilItIsClos
         EXPECT_FALSE(window->isVisible());
     }
     EXPECT_EQ(refitted, 6);
-
-    window->makeKeyAndOrderFront();
-    ASSERT_TRUE(soon([&] { return hasFocus("Settings"); }));
-    display.input({"getactivewindow", "windowminimize"});
-    EXPECT_TRUE(!GetParam() || soon([&] { return !Display::window("Settings") && !window->isVisible(); }));
-    window->makeKeyAndOrderFront();
-    EXPECT_TRUE(soon([&] { return hasFocus("Settings") && window->isVisible(); }));
 }
 
 TEST_P(AnyManager, ABorderlessWindowStaysWhereItIsPutUntilItIsDraggedByItsBackground) {
