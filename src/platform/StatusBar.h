@@ -29,7 +29,7 @@ using AttributedText = std::vector<std::variant<TextRun, PictureRun>>;
 struct MenuItem {
     std::string title;
     std::function<void()> action;
-    char shortcut = 0;  ///< a letter, pressed with Control, in the open menu or a window of ours; 0 for none
+    char shortcut = 0;  ///< a letter, pressed with Control in the open menu or a window of ours; 0 for none
     bool isEnabled = true;
     bool isSeparator = false;
 };
@@ -67,7 +67,7 @@ public:
     virtual void setTitle(AttributedText title, std::string description) = 0;
     virtual void setToolTip(std::string text) = 0;
 
-    /// The menu of a square item is that of its icon in the tray as well.
+    /// The menu of a square item is that of its icon in the tray as well, and only its shortcuts work.
     virtual void setMenu(Menu menu) = 0;
     /// Shows the menu with its top left corner at a point of the item.
     virtual void popUpMenu(Point at) = 0;

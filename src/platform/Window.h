@@ -95,7 +95,7 @@ public:
     [[nodiscard]] virtual std::unique_ptr<Alert> showAlert(AlertText text,
                                                            std::function<void(std::size_t button)> onAnswer) = 0;
 
-    /// The screen that holds most of the rectangle, without the desktop's panels; the primary one where none does.
+    /// The screen that is nearest to the middle of the rectangle, without the desktop's panels.
     [[nodiscard]] virtual Rect visibleFrame(const Rect& near) const = 0;
 
     /// A passing notice of the desktop's, or a line on the console where there is none.

@@ -1,6 +1,6 @@
 #include "platform/qt/strip/ItemMenu.h"
 
-#include <QGuiApplication>
+#include <QApplication>
 #include <QScreen>
 
 #include <algorithm>
@@ -17,6 +17,8 @@ void ItemMenu::setMenu(Menu menu) {
         actions_[index]->setSeparator(item.isSeparator);
         actions_[index]->setText(QString::fromStdString(item.title).replace('&', "&&"));
         actions_[index]->setEnabled(item.isEnabled);
+        actions_[index]->setShortcut(
+            item.shortcut == 0 ? QKeySequence() : QKeySequence(QStringLiteral("Ctrl+") + QLatin1Char(item.shortcut)));
         work_[index] = std::move(item.action);
     }
 }
@@ -29,33 +31,41 @@ bool ItemMenu::isBuiltLike(const Menu& menu) const {
 
 void ItemMenu::rebuild(std::size_t size) {
     for (QAction* const action : actions_) {
-        for (QMenu* const menu : menus_) {
-            menu->removeAction(action);
+        for (QWidget* const holder : holders_) {
+            holder->removeAction(action);
         }
         action->deleteLater();  // it may be the one that is being carried out
     }
     actions_.clear();
     for (std::size_t index = 0; index < size; ++index) {
         auto* const action = new QAction(this);
+        action->setShortcutContext(Qt::ApplicationShortcut);
+        action->setShortcutVisibleInContextMenu(true);
         connect(action, &QAction::triggered, this, [this, index] {
+            // A shortcut leaves the menu open that it was pressed in.
+            if (QWidget* const open = QApplication::activePopupWidget()) {
+                open->close();
+            }
             if (const auto work = index < work_.size() ? work_[index] : nullptr) {
                 work();
             }
         });
         actions_.push_back(action);
-        for (QMenu* const menu : menus_) {
-            menu->addAction(action);
+        for (QWidget* const holder : holders_) {
+            holder->addAction(action);
         }
     }
 }
 
 void ItemMenu::fill(QMenu& menu) {
-    menus_.push_back(&menu);
     menu.setWindowTitle("Glintar menu");
-    connect(&menu, &QObject::destroyed, this, [this, gone = &menu] { std::erase(menus_, gone); });
-    for (QAction* const action : actions_) {
-        menu.addAction(action);
-    }
+    listenBy(menu);
+}
+
+void ItemMenu::listenBy(QWidget& widget) {
+    holders_.push_back(&widget);
+    connect(&widget, &QObject::destroyed, this, [this, gone = &widget] { std::erase(holders_, gone); });
+    widget.addActions({actions_.begin(), actions_.end()});
 }
 
 void ItemMenu::popUp(const QPoint& topLeft, int above) {

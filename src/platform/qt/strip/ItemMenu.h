@@ -23,6 +23,9 @@ public:
     /// Fills another menu and keeps it filled as long as there are both.
     void fill(QMenu& menu);
 
+    /// Lets the shortcuts work from every window of ours that has the focus, while the widget is visible.
+    void listenBy(QWidget& widget);
+
     /// Shows the menu with its top left corner at the point, or ending at the height `above` where it has no room
     /// below.
     void popUp(const QPoint& topLeft, int above);
@@ -33,8 +36,8 @@ private:
 
     std::vector<QAction*> actions_;
     std::vector<std::function<void()>> work_;
-    std::vector<QMenu*> menus_;
-    QMenu menu_;  // after the list that it leaves when it ends
+    std::vector<QWidget*> holders_;  // of the actions
+    QMenu menu_;                     // after the list that it leaves when it ends
 };
 
 }  // namespace glintar::platform

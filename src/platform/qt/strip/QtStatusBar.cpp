@@ -32,6 +32,7 @@ public:
     }
 
     void putIntoTray(std::optional<QDBusConnection> session) {
+        menu_.listenBy(*view_);
         tray_ = std::make_unique<TrayIcon>(connection_, std::move(session), menu_);
         tray_->onClick = [this] {
             // The menu that the click may open belongs to the icon that was clicked.

@@ -1,40 +1,44 @@
 #include "platform/qt/windows/QtAlert.h"
 
+#include "platform/qt/windows/ManagerMessage.h"
+
 #include <QClipboard>
 #include <QGuiApplication>
+#include <QLabel>
 #include <QPushButton>
 
-#include <vector>
+#include <algorithm>
 
 namespace glintar::platform {
 
 QtAlert::QtAlert(const AlertText& text, std::function<void(std::size_t)> onAnswer) {
     box_.setIcon(QMessageBox::Warning);
     box_.setWindowTitle(QString::fromStdString(text.title));
-    box_.setTextFormat(Qt::PlainText);
     box_.setText(QString::fromStdString(text.title));
     box_.setInformativeText(QString::fromStdString(text.text));
+    for (QLabel* const label : box_.findChildren<QLabel*>()) {
+        label->setTextFormat(Qt::PlainText);
+    }
     box_.setWindowModality(Qt::ApplicationModal);
     box_.setWindowFlag(Qt::WindowStaysOnTopHint);
-    std::vector<QAbstractButton*> buttons;
+    std::vector<QPushButton*> buttons;
     for (const auto& button : text.buttons) {
         // The roles' own order would differ from desktop to desktop.
-        buttons.push_back(box_.addButton(QString::fromStdString(button), QMessageBox::ActionRole));
+        const QString title = QString::fromStdString(button).replace('&', "&&");
+        buttons.push_back(box_.addButton(title, QMessageBox::ActionRole));
     }
-    if (!buttons.empty()) {
-        box_.setDefaultButton(static_cast<QPushButton*>(buttons.front()));
-        box_.setEscapeButton(buttons.back());
-    }
-    QObject::connect(&box_, &QDialog::finished, &box_,
-                     [this, buttons = std::move(buttons), answer = std::move(onAnswer)] {
-                         const auto chosen = std::ranges::find(buttons, box_.clickedButton());
-                         const auto index = chosen == buttons.end() ? buttons.size() - 1 : chosen - buttons.begin();
-                         const auto kept = answer;  // it may destroy us
-                         kept(static_cast<std::size_t>(index));
-                     });
-    box_.show();
-    box_.raise();
-    box_.activateWindow();
+    box_.setDefaultButton(buttons.front());
+    box_.setEscapeButton(buttons.back());
+    // Later, since the box is not done with its own end.
+    QObject::connect(
+        &box_, &QDialog::finished, &box_,
+        [this, buttons, answer = std::move(onAnswer)] {
+            const auto chosen = std::ranges::find(buttons, box_.clickedButton());
+            const auto kept = answer;  // it may destroy us
+            kept(static_cast<std::size_t>(std::min(chosen, buttons.end() - 1) - buttons.begin()));
+        },
+        Qt::QueuedConnection);
+    bringToFront(box_);
 }
 
 void QtClipboard::setText(std::string text) {

@@ -18,8 +18,8 @@ private:
     std::unique_ptr<QWidget> widget_;
 };
 
-/// Whether what lies behind the widget's window shows through where nothing opaque is painted (`Window::isTranslucent`).
-/// The widget is painted again when that changes.
+/// Whether what lies behind the widget's window shows through where nothing opaque is painted
+/// (`Window::isTranslucent`). The widget is painted again when that changes.
 [[nodiscard]] inline bool isInTranslucentWindow(const QWidget& widget) {
     return widget.window()->property("isTranslucent").toBool();
 }

@@ -1,37 +1,99 @@
 #include "platform/qt/windows/QtWindow.h"
 
+#include "platform/qt/windows/ManagerMessage.h"
 #include "platform/qt/windows/QtView.h"
 
+#include <QApplication>
 #include <QCloseEvent>
 #include <QCursor>
-#include <QGuiApplication>
+#include <QElapsedTimer>
 #include <QKeyEvent>
 #include <QMouseEvent>
+#include <QPainter>
 #include <QScreen>
 #include <QVBoxLayout>
 #include <QWindow>
 
+#include <algorithm>
+#include <optional>
+
 namespace glintar::platform {
 
+namespace {
+
+/// So many milliseconds a window manager takes to put a window where it wants it.
+constexpr int kPlacing = 500;
+
+}  // namespace
+
+/// Outlives its `QtWindow` by a turn of the event loop: it may be in the middle of an event that ended that.
 class QtWindow::Widget final : public QWidget {
 public:
-    Widget(QtWindow& window, Frame frame) : window_(window), frame_(frame), layout_(this) {
+    Widget(QtWindow& window, Frame frame) : window_(&window), frame_(frame), layout_(this) {
         const auto kind = frame == Frame::Titled ? Qt::Dialog | Qt::WindowTitleHint | Qt::WindowCloseButtonHint
                                                  : Qt::Dialog | Qt::FramelessWindowHint;
         setWindowFlags(kind | Qt::WindowStaysOnTopHint);
         setAttribute(Qt::WA_TranslucentBackground, frame == Frame::Borderless);
         layout_.setContentsMargins(0, 0, 0, 0);
-        layout_.setSizeConstraint(frame == Frame::Titled ? QLayout::SetFixedSize : QLayout::SetNoConstraint);
+        layout_.setSizeConstraint(QLayout::SetNoConstraint);
     }
 
     void setContent(std::unique_ptr<QWidget> content) {
         content_ = std::move(content);
         layout_.addWidget(content_.get());
+        content_->show();
+        fittingSize_ = sizeHint();
+        fit();
     }
 
-    void tell(const std::function<void()>& listener) {
-        if (const auto kept = listener) {  // it may destroy us
-            kept();
+    void leaveWindow() {
+        window_ = nullptr;
+        content_.reset();  // what it shows may go with the window
+        hide();
+        deleteLater();
+    }
+
+    /// The view paints again, which may look at it.
+    void setTranslucent(bool isTranslucent) {
+        setProperty("isTranslucent", isTranslucent);
+        update();
+        if (content_) {
+            content_->update();
+        }
+    }
+
+    /// A titled window is as large as its content, and wholly on its screen, if there it can be.
+    void fit() {
+        if (window_ == nullptr) {
+            return;
+        }
+        const ScreenMap& map =
+            window_->around_.screens.map();  // before Qt has thought of another screen for the window
+        const Rect now = map.fromQt(geometry());
+        const QRect free = map.screenAt({now.x + now.width / 2, now.y + now.height / 2}).available;
+        if (frame_ == Frame::Titled) {
+            setFixedSize(sizeHint().boundedTo(free.size() - (frameGeometry().size() - size())));
+        }
+        if (isVisible()) {
+            const QPoint to(std::max(std::min(x(), free.right() + 1 - frameGeometry().width()), free.x()),
+                            std::max(std::min(y(), free.bottom() + 1 - frameGeometry().height()), free.y()));
+            const QRect place = geometry().translated(to - pos());
+            if (place != geometry() || place.size() != windowHandle()->size()) {
+                setGeometry(place);
+                windowHandle()->setGeometry(place);  // at another scale it has kept its pixels
+            }
+        }
+    }
+
+    /// The window was shown, placed or resized: it is moved by the window manager now, if at all.
+    void expectToBePlaced() {
+        isDragged_ = false;
+        placed_.start();
+    }
+
+    void tell(std::function<void()> Window::* listener) {
+        if (const auto told = window_ == nullptr ? nullptr : window_->*listener) {  // it may end the window
+            told();
         }
     }
 
@@ -41,7 +103,7 @@ protected:
         QWidget::closeEvent(event);
         hide();
         if (wasShown) {
-            tell(window_.onClosed);
+            tell(&Window::onClosed);
         }
     }
 
@@ -55,39 +117,82 @@ protected:
 
     /// What no control wants drags the window.
     void mousePressEvent(QMouseEvent* event) override {
-        if (event->button() == Qt::LeftButton && windowHandle() != nullptr && windowHandle()->startSystemMove()) {
-            tell(window_.onMoved);
+        if (event->button() == Qt::LeftButton) {
+            held_ = event->globalPosition().toPoint();
+            isDragged_ = false;
+        }
+    }
+
+    void mouseMoveEvent(QMouseEvent* event) override {
+        const QPoint way = held_ ? event->globalPosition().toPoint() - *held_ : QPoint();
+        if (!isDragged_ && way.manhattanLength() < QApplication::startDragDistance()) {
+            return;
+        }
+        if (!std::exchange(isDragged_, true) && hasManager(connectionOfQt()) && windowHandle()->startSystemMove()) {
+            held_.reset();
+        } else if (held_) {  // no window manager does it
+            held_ = event->globalPosition().toPoint();
+            move(pos() + way);
+            tell(&Window::onMoved);
+        }
+    }
+
+    void mouseReleaseEvent(QMouseEvent* /*event*/) override { held_.reset(); }
+
+    /// Window managers too have handles and keys by which the user moves a window, and tell of it when it is done.
+    void moveEvent(QMoveEvent* event) override {
+        if (event->spontaneous() && (isDragged_ || placed_.hasExpired(kPlacing))) {
+            tell(&Window::onMoved);
+        }
+    }
+
+    /// Without a compositor nothing shows through, not even where the view leaves something free.
+    void paintEvent(QPaintEvent* event) override {
+        if (frame_ == Frame::Borderless && !isInTranslucentWindow(*this)) {
+            QPainter(this).fillRect(event->rect(), palette().window());
         }
     }
 
     bool event(QEvent* event) override {
         const bool isHandled = QWidget::event(event);
-        if (event->type() == QEvent::LayoutRequest) {
-            tell(window_.onFittingSizeChanged);
+        if (event->type() == QEvent::LayoutRequest && std::exchange(fittingSize_, sizeHint()) != sizeHint()) {
+            fit();
+            tell(&Window::onFittingSizeChanged);
         }
         return isHandled;
     }
 
 private:
-    QtWindow& window_;
+    QtWindow* window_;
     Frame frame_;
     std::unique_ptr<QWidget> content_;
     QVBoxLayout layout_;
+    QSize fittingSize_;
+    std::optional<QPoint> held_;  ///< where on screen the pointer last was in a drag
+    bool isDragged_ = false;
+    QElapsedTimer placed_;
 };
 
-QtWindow::QtWindow(Frame frame, const std::string& title, QtScreens& screens, CompositorWatch& compositor)
-    : screens_(screens), compositor_(compositor), widget_(std::make_unique<Widget>(*this, frame)) {
+QtWindow::QtWindow(Frame frame, const std::string& title, const QtOverlay::Surroundings& surroundings)
+    : around_(surroundings), widget_(new Widget(*this, frame)) {
     widget_->setWindowTitle(QString::fromStdString(title));
-    widget_->setProperty("isTranslucent", isTranslucent());
-    const auto changed = [this] {
-        widget_->setProperty("isTranslucent", isTranslucent());
-        widget_->tell(onSurroundingsChanged);
-    };
-    screenChanges_ = screens.onChange(changed);
-    compositorChanges_ = compositor.onChange(changed);
+    widget_->setTranslucent(isTranslucent());
+    widget_->winId();
+    QObject::connect(widget_->windowHandle(), &QWindow::screenChanged, widget_, [this] { widget_->fit(); });
+    screenChanges_ = around_.screens.onChange([this] { surroundingsChanged(); });
+    compositorChanges_ = around_.compositor.onChange([this] { surroundingsChanged(); });
 }
 
-QtWindow::~QtWindow() = default;
+QtWindow::~QtWindow() {
+    widget_->leaveWindow();
+}
+
+void QtWindow::surroundingsChanged() {
+    widget_->setTranslucent(isTranslucent());
+    widget_->expectToBePlaced();
+    widget_->fit();
+    widget_->tell(&Window::onSurroundingsChanged);
+}
 
 void QtWindow::setView(std::unique_ptr<View> view) {
     widget_->setContent(static_cast<QtView&>(*view).take());
@@ -100,28 +205,30 @@ Size QtWindow::fittingSize() const {
 }
 
 void QtWindow::setFrame(const Rect& frame) {
-    isCentered_ = false;
-    widget_->setGeometry(screens_.map().toQt(frame));
+    isToBeCentered_ = false;
+    widget_->expectToBePlaced();
+    widget_->setGeometry(around_.screens.map().toQt(frame));
 }
 
 Rect QtWindow::frame() const {
-    return screens_.map().fromQt(widget_->geometry());
+    return around_.screens.map().fromQt(widget_->geometry());
 }
 
 void QtWindow::center() {
-    const QScreen* screen = QGuiApplication::screenAt(QCursor::pos());
-    screen = screen == nullptr ? QGuiApplication::primaryScreen() : screen;
-    if (screen != nullptr) {
-        widget_->adjustSize();
-        widget_->move(screen->availableGeometry().center() - widget_->rect().center());
-    }
+    isToBeCentered_ = !widget_->isVisible();
+    const QScreen* const screen = QGuiApplication::screenAt(QCursor::pos());
+    const QRect free = (screen == nullptr ? widget_->screen() : screen)->availableGeometry();
+    widget_->move(free.center() - QRect(QPoint(), widget_->frameGeometry().size()).center());
 }
 
 void QtWindow::makeKeyAndOrderFront() {
-    widget_->setWindowState(widget_->windowState() & ~Qt::WindowMinimized);
-    widget_->show();
-    widget_->raise();
-    widget_->activateWindow();
+    widget_->expectToBePlaced();
+    widget_->fit();
+    if (isToBeCentered_) {
+        center();
+        isToBeCentered_ = false;
+    }
+    bringToFront(*widget_);
 }
 
 void QtWindow::close() {
@@ -133,7 +240,7 @@ bool QtWindow::isVisible() const {
 }
 
 bool QtWindow::isTranslucent() const {
-    return widget_->testAttribute(Qt::WA_TranslucentBackground) && compositor_.isRunning();
+    return widget_->testAttribute(Qt::WA_TranslucentBackground) && around_.compositor.isRunning();
 }
 
 }  // namespace glintar::platform

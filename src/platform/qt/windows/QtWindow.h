@@ -1,12 +1,7 @@
 #pragma once
 
 #include "platform/Window.h"
-#include "platform/qt/windows/QtScreens.h"
-#include "platform/xcb/CompositorWatch.h"
-
-#include <memory>
-
-class QWidget;
+#include "platform/qt/windows/QtOverlay.h"
 
 namespace glintar::platform {
 
@@ -14,7 +9,9 @@ namespace glintar::platform {
 class QtWindow final : public Window {
 public:
     /// Keeps the references.
-    QtWindow(Frame frame, const std::string& title, QtScreens& screens, CompositorWatch& compositor);
+    QtWindow(Frame frame, const std::string& title, const QtOverlay::Surroundings& surroundings);
+    QtWindow(const QtWindow&) = delete;
+    QtWindow& operator=(const QtWindow&) = delete;
     ~QtWindow() override;
 
     void setView(std::unique_ptr<View> view) override;
@@ -30,10 +27,11 @@ public:
 private:
     class Widget;
 
-    QtScreens& screens_;
-    CompositorWatch& compositor_;
-    std::unique_ptr<Widget> widget_;
-    bool isCentered_ = false;
+    void surroundingsChanged();
+
+    QtOverlay::Surroundings around_;
+    Widget* widget_;
+    bool isToBeCentered_ = false;
     Listening screenChanges_;
     Listening compositorChanges_;
 };

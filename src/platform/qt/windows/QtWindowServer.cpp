@@ -3,6 +3,7 @@
 #include "platform/qt/windows/QtAlert.h"
 #include "platform/qt/windows/QtWindow.h"
 
+#include <QCoreApplication>
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <fmt/format.h>
@@ -36,8 +37,13 @@ QtWindowServer::QtWindowServer(const QtOverlay::Surroundings& surroundings, Cons
                                std::optional<QDBusConnection> bus)
     : surroundings_(surroundings), console_(console), bus_(std::move(bus)) {}
 
+/// Windows that went last still wait for a loop to delete them.
+QtWindowServer::~QtWindowServer() {
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+}
+
 std::unique_ptr<Window> QtWindowServer::makeWindow(Window::Frame frame, std::string title) {
-    return std::make_unique<QtWindow>(frame, title, surroundings_.screens, surroundings_.compositor);
+    return std::make_unique<QtWindow>(frame, title, surroundings_);
 }
 
 std::unique_ptr<Overlay> QtWindowServer::makeOverlay(std::string title) {

@@ -15,6 +15,7 @@ class QtWindowServer final : public WindowServer {
 public:
     /// Keeps the references, and so do the windows it makes. `bus` is the user's, if there is one.
     QtWindowServer(const QtOverlay::Surroundings& surroundings, Console& console, std::optional<QDBusConnection> bus);
+    ~QtWindowServer() override;
 
     std::unique_ptr<Window> makeWindow(Window::Frame frame, std::string title) override;
     std::unique_ptr<Overlay> makeOverlay(std::string title) override;

@@ -162,14 +162,19 @@ TEST_F(StripScreens, TakesAnotherScaleWhileItRuns) {
         ++told;
         showPills();
     };
-    for (const double scale : {2.0, 1.25, 1.0}) {
+    const auto takes = [&](double scale, double end) {
         settings().setScale(scale);
         EXPECT_TRUE(soon([&] { return bar->scale() == scale; })) << scale;
-        EXPECT_TRUE(comesToEndAt(1280, 0)) << scale;
+        EXPECT_TRUE(comesToEndAt(end, 0)) << scale;
         EXPECT_EQ(seen().value().frame.height, 28 * scale);
         EXPECT_TRUE(comesToShowPillsAt(scale));
-    }
+    };
+    takes(2, 1280);
+    takes(1.25, 1280);
+    takes(1, 1280);
     EXPECT_EQ(told, 3);
+    display().split(640);
+    takes(2, 640);  // as a screen that has come later does
 }
 
 }  // namespace

@@ -1,4 +1,5 @@
 #include "platform/qt/strip/StripFixture.h"
+#include "platform/qt/windows/ManagerMessage.h"
 
 #include <QAccessible>
 #include <QApplication>
@@ -7,8 +8,10 @@
 #include <QToolTip>
 #include <QWidget>
 #include <gmock/gmock.h>
+#include <xcb/shape.h>
 
 #include <set>
+#include <tuple>
 
 namespace glintar::test {
 
@@ -42,6 +45,8 @@ TEST_P(StripUnderManager, KeepsOutOfTheWayOfOtherWindows) {
     const Rect frame = seen().value().frame;
     display().input({"mousemove", std::to_string(int(frame.x + 30)), "10", "click", "1", "click", "3"});
     EXPECT_TRUE(soon([&] { return clicks.size() == 2; }));
+    display().input({"mousedown", "3", "mousemove", "600", "200", "mouseup", "3"});
+    settle();
     EXPECT_THAT(clicks, ElementsAre(MouseButton::Left, MouseButton::Right));
     EXPECT_EQ(outputOf({"xdotool", "getwindowfocus", "getwindowname"}), "other\n");
 
@@ -209,33 +214,111 @@ TEST_F(StripWindow, PaintsOnlyWhatHasChanged) {
     EXPECT_GT(paints.count, 1);
 }
 
-TEST_F(StripWindow, OpensAMenuThatWorksByMouse) {
-    display().startManager(Display::Manager::Openbox);
+/// A window of another program that the window manager has no part in.
+class Cover {
+public:
+    Cover(const Rect& place, bool letsClicksThrough) {
+        xcb_connection_t* const xcb = connection_->get();
+        const auto window = xcb_generate_id(xcb);
+        const std::uint32_t isUnmanaged = 1;
+        xcb_create_window(xcb, XCB_COPY_FROM_PARENT, window, connection_->root(), std::int16_t(place.x),
+                          std::int16_t(place.y), std::uint16_t(place.width), std::uint16_t(place.height), 0,
+                          XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, XCB_CW_OVERRIDE_REDIRECT, &isUnmanaged);
+        if (letsClicksThrough) {
+            xcb_shape_rectangles(xcb, XCB_SHAPE_SO_SET, XCB_SHAPE_SK_INPUT, 0, window, 0, 0, 0, nullptr);
+        }
+        xcb_map_window(xcb, window);
+        std::ignore = connection_->atom("after all that");
+    }
+
+private:
+    std::unique_ptr<platform::XcbConnection> connection_ = platform::XcbConnection::open();
+};
+
+TEST_P(StripUnderManager, TellsWhetherTheLineIsSeen) {
+    using enum platform::ItemSight::Cover;
+    display().startManager(GetParam());
     start();
     showPills();
-    int quits = 0;
-    icon->setMenu({{.title = "Status: Normal", .isEnabled = false},
-                   {.isSeparator = true},
-                   {.title = "Quit", .action = [&] { ++quits; }}});
+    ASSERT_TRUE(comesToEndAt(1280, 0));
+    settle();
+    const Rect place = seen().value().frame;
+    const Rect lower{place.x, 14, place.width, 20};
+    const auto sees = [&](platform::ItemSight::Cover cover) { return line->sight().cover == cover; };
+    const auto check = [&] {
+        EXPECT_TRUE(sees(None));
+        const Cover half(lower, false), clickedThrough(place, true);
+        EXPECT_TRUE(sees(None));
+        const Cover rest({place.x, 0, place.width - 28, 14}, false);
+        EXPECT_TRUE(sees(Windows));
+        EXPECT_EQ(icon->sight().cover, None);
+        const Cover film({0, 0, 1280, 800}, false);
+        EXPECT_TRUE(sees(FullScreen)) << "on purpose";
+    };
+    check();
+    display().startCompositor();
+    check();
+    EXPECT_EQ(line->sight().left, place.x);
+    EXPECT_EQ(line->sight().width, place.width - 28);
+    line->setVisible(false);
+    EXPECT_EQ(line->sight().width, 0);
+}
+
+TEST_P(StripUnderManager, OpensAMenuThatWorksByMouseAndKeys) {
+    display().startManager(GetParam());
+    start();
+    showPills();
+    std::string chosen;
+    const auto menuWith = [&](const std::string& status, bool isEnabled) {
+        return platform::Menu{
+            {.title = status, .isEnabled = false},
+            {.isSeparator = true},
+            {.title = "Dashboard", .action = [&] { chosen += 'd'; }, .shortcut = 'd', .isEnabled = isEnabled},
+            {.title = "Quit...", .action = [&] { chosen += 'q'; }, .shortcut = 'q'}};
+    };
+    icon->setMenu(menuWith("Status: Normal", false));
     icon->onMouseUp = [&](MouseButton) { icon->popUpMenu({-10, -16}); };
     ASSERT_TRUE(comesToEndAt(1280, 0));
+    const auto open = [](const char* button) {
+        display().input({"mousemove", "1266", "14", "click", button});
+        const auto isOpen = [] {
+            return QApplication::activePopupWidget() && QApplication::activePopupWidget()->isVisible();
+        };
+        EXPECT_TRUE(soon(isOpen));
+        return QApplication::activePopupWidget();
+    };
+    const auto gets = [&](const std::string& expected) {
+        return soon([&] { return chosen == expected && QApplication::activePopupWidget() == nullptr; });
+    };
 
-    display().input({"mousemove", "1266", "14", "click", "1"});
-    ASSERT_TRUE(soon([] { return QApplication::activePopupWidget() != nullptr; }));
-    QWidget* const menu = QApplication::activePopupWidget();
-    ASSERT_TRUE(soon([&] { return menu->isVisible(); }));
+    QWidget* const menu = open("1");
+    ASSERT_NE(menu, nullptr);
     EXPECT_EQ(menu->geometry().top(), 28 + 16);
     const QAction* const quit = menu->actions().last();
-    EXPECT_EQ(quit->text(), "Quit");
-    icon->setMenu({{.title = "Display: Active", .isEnabled = false},
-                   {.isSeparator = true},
-                   {.title = "Quit", .action = [&] { ++quits; }}});
+    EXPECT_EQ(quit->text(), "Quit...");
+    display().input({"key", "ctrl+d"});
+    settle();
+    icon->setMenu(menuWith("Display: Active", true));
     EXPECT_EQ(menu->actions().first()->text(), "Display: Active") << "while it is open";
     EXPECT_EQ(menu->actions().last(), quit) << "the entry under the pointer stays the same";
     display().input({"mousemove", std::to_string(menu->geometry().center().x()),
                      std::to_string(menu->geometry().bottom() - 12), "click", "1"});
-    EXPECT_TRUE(soon([&] { return quits == 1; }));
-    EXPECT_TRUE(soon([] { return QApplication::activePopupWidget() == nullptr; }));
+    EXPECT_TRUE(gets("q")) << chosen;
+    open("3");
+    display().input({"key", "Down", "key", "Return"});
+    EXPECT_TRUE(gets("qd"));
+    open("1");
+    display().input({"key", "ctrl+q"});
+    EXPECT_TRUE(gets("qdq")) << chosen;
+    open("1");
+    display().input({"key", "Escape"});
+    EXPECT_TRUE(gets("qdq"));
+
+    QWidget window;
+    platform::bringToFront(window);
+    ASSERT_TRUE(soon([&] { return window.isActiveWindow(); }));
+    display().input({"key", "ctrl+d"});
+    EXPECT_TRUE(gets("qdqd")) << chosen;
 }
 
 TEST_F(StripWindow, ShowsTheToolTipOfTheItemUnderThePointer) {
@@ -255,6 +338,7 @@ TEST_F(StripWindow, ShowsTheToolTipOfTheItemUnderThePointer) {
 TEST_F(StripWindow, NamesItsPartsForThoseWhoCannotSeeThem) {
     start();
     showPills();
+    EXPECT_THAT(property("_NET_WM_STATE"), HasSubstr("STICKY")) << "nor move it along with a desktop";
     int presses = 0;
     line->onMouseUp = [&](MouseButton) { ++presses; };
     const auto widgets = QApplication::topLevelWidgets();

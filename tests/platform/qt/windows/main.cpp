@@ -1,6 +1,6 @@
 #include "WindowsDesktop.h"
 
-#include <QGuiApplication>
+#include <QApplication>
 #include <gtest/gtest.h>
 
 int main(int argc, char** argv) {
@@ -8,6 +8,6 @@ int main(int argc, char** argv) {
     glintar::test::Display display;
     glintar::platform::WindowsDesktop::screen = &display;
     qputenv("QT_SCREEN_SCALE_FACTORS", "RIGHT=2");
-    const QGuiApplication application(argc, argv);
+    const QApplication application(argc, argv);
     return RUN_ALL_TESTS();
 }
