@@ -1,0 +1,28 @@
+#pragma once
+
+#include "arbiter/DashboardStyle.h"
+
+#include <QWidget>
+
+class QLabel;
+
+namespace glintar::arbiter {
+
+class PriceListView;
+
+/// One coin's column: its icon and name above its prices.
+class DashboardColumnView final : public QWidget {
+public:
+    DashboardColumnView(const platform::Graphics& graphics, QWidget* parent);
+
+    void show(const ArbiterColumnView& column, const DashboardStyle& style);
+
+private:
+    const platform::Graphics& graphics_;
+    QLabel* icon_;
+    QLabel* name_;
+    QWidget* divider_;
+    PriceListView* prices_;
+};
+
+}  // namespace glintar::arbiter

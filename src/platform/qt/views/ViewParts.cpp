@@ -1,0 +1,61 @@
+#include "platform/qt/views/ViewParts.h"
+
+#include "platform/qt/graphics/QtCanvas.h"
+#include "platform/qt/graphics/QtImage.h"
+
+#include <QFontDatabase>
+#include <QLabel>
+#include <QPalette>
+
+namespace glintar::platform {
+
+QColor viewColor(const Color& color) {
+    return qtColor(color);
+}
+
+QString viewText(std::string_view text) {
+    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+QFont viewFont(int pixels, QFont::Weight weight, bool isFixed) {
+    QFont font;
+    if (isFixed) {
+        font.setFamilies(QFontDatabase::systemFont(QFontDatabase::FixedFont).families());
+    }
+    font.setPixelSize(pixels);
+    font.setWeight(weight);
+    font.setKerning(false);  // pairs of digits may be kerned
+    return font;
+}
+
+QPixmap viewPicture(const ImagePtr& image, const Size& size, const QWidget& widget) {
+    return image ? QPixmap::fromImage(pixelsAt(*image, size, widget.devicePixelRatioF())) : QPixmap();
+}
+
+void setInk(QWidget& widget, const Color& color) {
+    QPalette palette = widget.palette();
+    palette.setColor(QPalette::WindowText, viewColor(color));
+    widget.setPalette(palette);
+}
+
+QLabel* plainLabel(QWidget* parent, const QFont& font) {
+    auto* const label = new QLabel(parent);
+    label->setTextFormat(Qt::PlainText);
+    label->setFont(font);
+    return label;
+}
+
+QWidget* divider(QWidget* parent, Qt::Orientation orientation) {
+    auto* const line = new QWidget(parent);
+    line->setAutoFillBackground(true);
+    orientation == Qt::Horizontal ? line->setFixedHeight(1) : line->setFixedWidth(1);
+    return line;
+}
+
+void setDividerColor(QWidget& divider, const Color& color) {
+    QPalette palette = divider.palette();
+    palette.setColor(QPalette::Window, viewColor(color));
+    divider.setPalette(palette);
+}
+
+}  // namespace glintar::platform
