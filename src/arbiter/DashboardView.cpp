@@ -9,6 +9,7 @@
 #include "platform/qt/views/ViewParts.h"
 #include "platform/qt/windows/QtView.h"
 
+#include <QEvent>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPainter>
@@ -26,7 +27,6 @@ namespace {
 constexpr int kFooter = 28;
 constexpr int kPadding = 10;
 constexpr int kDot = 6;
-constexpr int kScrollBar = 6;
 constexpr double kCorner = 12;
 constexpr double kRimInPlaceOfShadow = 0.3;
 constexpr int kCloseSymbol = 14;
@@ -37,6 +37,14 @@ public:
     using QScrollArea::QScrollArea;
     QSize sizeHint() const override { return widget() ? widget()->sizeHint() : QSize(); }
     QSize minimumSizeHint() const override { return {}; }
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (watched == widget() && event->type() == QEvent::LayoutRequest) {
+            updateGeometry();
+        }
+        return QScrollArea::eventFilter(watched, event);
+    }
 };
 
 class DashboardWidget final : public QWidget {
@@ -125,17 +133,7 @@ private:
         style_ = dashboardStyle(desktop_.events.appearance());
         platform::setDividerColor(*divider_, style_.line);
         platform::setInk(*status_, style_.secondary);
-        const auto handle = platform::viewColor(style_.primary.withAlpha(0.3)).name(QColor::HexArgb);
-        scroller_->setStyleSheet(
-            QStringLiteral(
-                "QScrollBar { background: transparent; border: none }"
-                "QScrollBar:vertical { width: %1px } QScrollBar:horizontal { height: %1px }"
-                "QScrollBar::handle { background: %2; border-radius: %3px; min-width: 24px; min-height: 24px }"
-                "QScrollBar::add-line, QScrollBar::sub-line { width: 0; height: 0 }"
-                "QScrollBar::add-page, QScrollBar::sub-page { background: none }")
-                .arg(kScrollBar)
-                .arg(handle)
-                .arg(kScrollBar / 2));
+        scroller_->setStyleSheet(platform::thinScrollBars(style_.primary.withAlpha(0.3)));
         showAll();
     }
 
@@ -163,7 +161,7 @@ private:
         if (!shown_.empty()) {
             columns_->addWidget(dividers_.emplace_back(platform::divider(scroller_->widget(), Qt::Vertical)));
         }
-        columns_->addWidget(shown_.emplace_back(new DashboardColumnView(desktop_.graphics, scroller_->widget())), 1);
+        columns_->addWidget(shown_.emplace_back(new DashboardColumnView(desktop_.graphics, scroller_->widget())));
     }
 
     platform::Desktop& desktop_;

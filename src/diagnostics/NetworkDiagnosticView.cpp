@@ -51,12 +51,17 @@ public:
             platform.notifications.observe(platform::kAppearanceChanged, [this] { appearanceChanged(); });
         manager_.onChange = [this] { showStates(); };
         appearanceChanged();
-        run_->setFocus();
     }
 
     DiagnosticsWidget(const DiagnosticsWidget&) = delete;
     DiagnosticsWidget& operator=(const DiagnosticsWidget&) = delete;
     ~DiagnosticsWidget() override { manager_.onChange = nullptr; }
+
+protected:
+    void showEvent(QShowEvent* event) override {
+        run_->setFocus();
+        QWidget::showEvent(event);
+    }
 
 private:
     void addHeader(QVBoxLayout& all) {
@@ -101,7 +106,7 @@ private:
         scroller->setWidget(inset);
         scroller->viewport()->setAutoFillBackground(false);
         inset->setAutoFillBackground(false);
-        return scroller;
+        return scroller_ = scroller;
     }
 
     QWidget* makeFooter() {
@@ -113,7 +118,6 @@ private:
         state_ = platform::plainLabel(footer, viewFont(12));
         copy_ = new QPushButton(QStringLiteral("Copy"), footer);
         run_ = new QPushButton(footer);
-        run_->setFixedWidth(kButton);
         run_->setDefault(true);
         connect(copy_, &QPushButton::clicked, this, [this] { desktop_.clipboard.setText(manager_.report()); });
         connect(run_, &QPushButton::clicked, this, [this] { manager_.runAllTests(); });
@@ -155,7 +159,8 @@ private:
         copy_->setStyleSheet(button.arg(name(ink(0.2)), name(ink(0.04)), name(ink(0.85)), name(blue), name(ink(0.15))));
         run_->setStyleSheet(
             button.arg(name(blue), name(blue), QStringLiteral("white"), name(ink(0.6)), name(blue.withAlpha(0.7))) +
-            QStringLiteral("QPushButton { min-width: 0 }"));
+            QStringLiteral("QPushButton { min-width: %1px; max-width: %1px }").arg(kButton - 2));
+        scroller_->setStyleSheet(platform::thinScrollBars(ink(0.3)));
         showStates();
     }
 
@@ -175,6 +180,7 @@ private:
     QLabel* subtitle_ = nullptr;
     QWidget* upperLine_ = nullptr;
     QWidget* lowerLine_ = nullptr;
+    QScrollArea* scroller_ = nullptr;
     QWidget* list_ = nullptr;
     std::vector<DiagnosticRowView*> rows_;
     std::vector<QWidget*> lines_;

@@ -38,6 +38,18 @@ void setInk(QWidget& widget, const Color& color) {
     widget.setPalette(palette);
 }
 
+QString thinScrollBars(const Color& handle) {
+    return QStringLiteral(
+               "QScrollBar { background: transparent; border: none }"
+               "QScrollBar:vertical { width: %1px } QScrollBar:horizontal { height: %1px }"
+               "QScrollBar::handle { background: %2; border-radius: %3px; min-width: 24px; min-height: 24px }"
+               "QScrollBar::add-line, QScrollBar::sub-line { width: 0; height: 0 }"
+               "QScrollBar::add-page, QScrollBar::sub-page, QAbstractScrollArea::corner { background: none }")
+        .arg(kThinScrollBar)
+        .arg(viewColor(handle).name(QColor::HexArgb))
+        .arg(kThinScrollBar / 2);
+}
+
 QLabel* plainLabel(QWidget* parent, const QFont& font) {
     auto* const label = new QLabel(parent);
     label->setTextFormat(Qt::PlainText);

@@ -26,6 +26,10 @@ namespace glintar::platform {
 /// The text's colour.
 void setInk(QWidget& widget, const Color& color);
 
+/// A style sheet for a scroll area whose bars are thin and lie on what is behind them.
+inline constexpr int kThinScrollBar = 6;
+[[nodiscard]] QString thinScrollBars(const Color& handle);
+
 /// A label on nothing, which keeps its text to itself: no markup, no shortcuts.
 [[nodiscard]] QLabel* plainLabel(QWidget* parent, const QFont& font);
 
