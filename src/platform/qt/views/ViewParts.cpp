@@ -44,7 +44,8 @@ QString thinScrollBars(const Color& handle) {
                "QScrollBar:vertical { width: %1px } QScrollBar:horizontal { height: %1px }"
                "QScrollBar::handle { background: %2; border-radius: %3px; min-width: 24px; min-height: 24px }"
                "QScrollBar::add-line, QScrollBar::sub-line { width: 0; height: 0 }"
-               "QScrollBar::add-page, QScrollBar::sub-page, QAbstractScrollArea::corner { background: none }")
+               "QScrollBar::add-page, QScrollBar::sub-page { background: none }"
+               "QAbstractScrollArea::corner { background: transparent; border: none }")
         .arg(kThinScrollBar)
         .arg(viewColor(handle).name(QColor::HexArgb))
         .arg(kThinScrollBar / 2);
