@@ -11,18 +11,17 @@ namespace glintar::arbiter {
 
 namespace {
 
-constexpr int kIcon = 20;
-constexpr double kSymbol = 17;  // as high as the icon
+constexpr int kIcon = DashboardPictures::kCoin;
 
 }  // namespace
 
-DashboardColumnView::DashboardColumnView(const platform::Graphics& graphics, QWidget* parent)
+DashboardColumnView::DashboardColumnView(DashboardPictures& pictures, QWidget* parent)
     : QWidget(parent),
-      graphics_(graphics),
+      pictures_(pictures),
       icon_(platform::plainLabel(this, font())),
       name_(platform::plainLabel(this, platform::viewFont(14, QFont::ExtraBold))),
       divider_(platform::divider(this, Qt::Horizontal)),
-      prices_(new PriceListView(graphics, this)) {
+      prices_(new PriceListView(pictures, this)) {
     icon_->setFixedSize(kIcon, kIcon);
     auto* const column = new QVBoxLayout(this);
     column->setContentsMargins(0, 4, 0, 0);
@@ -41,9 +40,8 @@ DashboardColumnView::DashboardColumnView(const platform::Graphics& graphics, QWi
 }
 
 void DashboardColumnView::show(const ArbiterColumnView& column, const DashboardStyle& style) {
-    const auto icon =
-        column.icon ? column.icon : graphics_.symbol("bitcoinsign.circle.fill", kSymbol, style.coinSymbol);
-    icon_->setPixmap(platform::viewPicture(icon, {kIcon, kIcon}, *this));
+    platform::setPicture(*icon_,
+                         column.icon ? platform::viewPicture(column.icon, {kIcon, kIcon}, *this) : pictures_.coin());
     name_->setText(platform::viewText(column.heading()));
     platform::setInk(*name_, style.primary);
     platform::setDividerColor(*divider_, style.line);

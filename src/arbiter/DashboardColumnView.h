@@ -1,5 +1,6 @@
 #pragma once
 
+#include "arbiter/DashboardPictures.h"
 #include "arbiter/DashboardStyle.h"
 
 #include <QWidget>
@@ -13,12 +14,12 @@ class PriceListView;
 /// One coin's column: its icon and name above its prices.
 class DashboardColumnView final : public QWidget {
 public:
-    DashboardColumnView(const platform::Graphics& graphics, QWidget* parent);
+    DashboardColumnView(DashboardPictures& pictures, QWidget* parent);
 
     void show(const ArbiterColumnView& column, const DashboardStyle& style);
 
 private:
-    const platform::Graphics& graphics_;
+    DashboardPictures& pictures_;
     QLabel* icon_;
     QLabel* name_;
     QWidget* divider_;

@@ -1,6 +1,7 @@
 #include "arbiter/DashboardView.h"
 
 #include "arbiter/DashboardColumnView.h"
+#include "arbiter/DashboardPictures.h"
 #include "arbiter/DashboardStyle.h"
 #include "platform/Desktop.h"
 #include "platform/DesktopEvents.h"
@@ -30,6 +31,7 @@ constexpr int kDot = 6;
 constexpr double kCorner = 12;
 constexpr double kRimInPlaceOfShadow = 0.3;
 constexpr int kCloseSymbol = 14;
+constexpr int kCloseSide = 17;
 
 /// Wants to be as large as what it scrolls, and is content with less.
 class ColumnScroller final : public QScrollArea {
@@ -50,17 +52,19 @@ protected:
 class DashboardWidget final : public QWidget {
 public:
     DashboardWidget(platform::Platform& platform, platform::Desktop& desktop, ArbiterDetailView& model)
-        : desktop_(desktop), model_(model), style_(dashboardStyle(desktop.events.appearance())) {
+        : desktop_(desktop),
+          model_(model),
+          pictures_(desktop.graphics),
+          style_(dashboardStyle(desktop.events.appearance())) {
         auto* const all = new QVBoxLayout(this);
         all->setContentsMargins(1, 1, 1, 1);
         all->setSpacing(0);
         all->addWidget(makeScroller(), 1);
         all->addWidget(divider_ = platform::divider(this, Qt::Horizontal));
         all->addLayout(makeFooter());
-        appearanceChanges_ =
-            platform.notifications.observe(platform::kAppearanceChanged, [this] { appearanceChanged(); });
+        appearanceChanges_ = platform.notifications.observe(platform::kAppearanceChanged, [this] { restyle(); });
         model_.onChange = [this] { showAll(); };
-        appearanceChanged();
+        restyle();
     }
 
     DashboardWidget(const DashboardWidget&) = delete;
@@ -89,7 +93,7 @@ protected:
         painter.setBrush(platform::viewColor(style_.statusDot));
         painter.drawEllipse(QRectF(1 + kPadding, footer + (kFooter - kDot) / 2.0, kDot, kDot));
         if (devicePixelRatioF() != shownRatio_) {  // on another screen now
-            QMetaObject::invokeMethod(this, [this] { showAll(); }, Qt::QueuedConnection);
+            QMetaObject::invokeMethod(this, [this] { restyle(); }, Qt::QueuedConnection);
         }
     }
 
@@ -116,6 +120,7 @@ private:
         status_->setFixedHeight(kFooter);
         close_ = new QToolButton(this);
         close_->setAutoRaise(true);
+        close_->setIconSize({kCloseSide, kCloseSide});
         close_->setToolTip(QStringLiteral("Close Window"));
         close_->setAccessibleName(QStringLiteral("Close Window"));
         close_->setStyleSheet(
@@ -129,20 +134,25 @@ private:
         return footer;
     }
 
-    void appearanceChanged() {
+    void restyle() {
         style_ = dashboardStyle(desktop_.events.appearance());
         platform::setDividerColor(*divider_, style_.line);
         platform::setInk(*status_, style_.secondary);
         scroller_->setStyleSheet(platform::thinScrollBars(style_.primary.withAlpha(0.3)));
+        close_->setIcon(
+            platform::viewPicture(desktop_.graphics.symbol("xmark.circle.fill", kCloseSymbol, style_.secondary),
+                                  {kCloseSide, kCloseSide}, *this));
+        for (QWidget* const line : dividers_) {
+            platform::setDividerColor(*line, style_.line);
+        }
+        pictures_.restyle(style_, *this);
+        shownRatio_ = devicePixelRatioF();
+        update();
         showAll();
     }
 
     void showAll() {
-        shownRatio_ = devicePixelRatioF();
         status_->setText(platform::viewText(model_.statusText));
-        close_->setIcon(platform::viewPicture(
-            desktop_.graphics.symbol("xmark.circle.fill", kCloseSymbol, style_.secondary), {17, 17}, *this));
-        close_->setIconSize({17, 17});
         const auto& columns = model_.columns();
         while (shown_.size() < columns.size()) {
             addColumn();
@@ -150,22 +160,20 @@ private:
         for (std::size_t i = 0; i < columns.size(); ++i) {
             shown_[i]->show(columns[i], style_);
         }
-        for (QWidget* const line : dividers_) {
-            platform::setDividerColor(*line, style_.line);
-        }
-        update();
     }
 
     /// The dashboard's coins are those of its opening, so columns only come.
     void addColumn() {
         if (!shown_.empty()) {
             columns_->addWidget(dividers_.emplace_back(platform::divider(scroller_->widget(), Qt::Vertical)));
+            platform::setDividerColor(*dividers_.back(), style_.line);
         }
-        columns_->addWidget(shown_.emplace_back(new DashboardColumnView(desktop_.graphics, scroller_->widget())));
+        columns_->addWidget(shown_.emplace_back(new DashboardColumnView(pictures_, scroller_->widget())));
     }
 
     platform::Desktop& desktop_;
     ArbiterDetailView& model_;
+    DashboardPictures pictures_;
     DashboardStyle style_;
     QScrollArea* scroller_ = nullptr;
     QHBoxLayout* columns_ = nullptr;

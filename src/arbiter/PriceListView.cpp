@@ -4,7 +4,6 @@
 
 #include <QLabel>
 #include <QPainter>
-#include <QPainterPath>
 
 #include <algorithm>
 
@@ -17,35 +16,21 @@ constexpr int kNarrowSide = 5;  // where a scroll bar wants the room
 constexpr int kRowPadding = 2;  // above and below a plate
 constexpr int kPlateSide = 10;  // inside a plate
 constexpr int kPlatePadding = 6;
-constexpr int kIcon = 16;
+constexpr int kIcon = DashboardPictures::kIcon;
 constexpr int kSpacing = 8;
 constexpr int kBadgeSide = 5;
 constexpr int kBadgePadding = 1;
 constexpr int kBadgeSpacing = 2;
-constexpr int kArrow = 10;
+constexpr int kArrow = DashboardPictures::kArrow;
 
 int widthOf(const QLabel* label) {
     return label->sizeHint().width();
 }
 
-/// The source's image with round corners.
-QPixmap roundedIcon(const QPixmap& picture) {
-    QPixmap rounded(picture.size());
-    rounded.setDevicePixelRatio(picture.devicePixelRatio());
-    rounded.fill(Qt::transparent);
-    QPainter painter(&rounded);
-    painter.setRenderHint(QPainter::Antialiasing);
-    QPainterPath path;
-    path.addRoundedRect(QRectF(0, 0, kIcon, kIcon), 4, 4);
-    painter.setClipPath(path);
-    painter.drawPixmap(0, 0, picture);
-    return rounded;
-}
-
 }  // namespace
 
-PriceListView::PriceListView(const platform::Graphics& graphics, QWidget* parent)
-    : QWidget(parent), graphics_(graphics), style_(dashboardStyle(platform::Appearance::Light)) {}
+PriceListView::PriceListView(DashboardPictures& pictures, QWidget* parent)
+    : QWidget(parent), pictures_(pictures), style_(dashboardStyle(platform::Appearance::Light)) {}
 
 PriceListView::Row PriceListView::makeRow() {
     const QFont gapFont = platform::viewFont(10, QFont::Bold, true);
@@ -82,8 +67,7 @@ void PriceListView::show(const std::vector<PriceEntry>& entries, const Dashboard
 
 void PriceListView::showRow(const Row& row, const PriceEntry& entry) {
     const auto name = platform::viewText(entry.platformName);
-    const auto image = platformImage(graphics_, entry.iconName, style_.secondary);
-    row.icon->setPixmap(roundedIcon(platform::viewPicture(image, {kIcon, kIcon}, *this)));
+    platform::setPicture(*row.icon, pictures_.source(entry.iconName));
     row.icon->setAccessibleName(name);
     row.icon->setToolTip(name);
     row.price->setText(platform::viewText(entry.text));
@@ -93,8 +77,7 @@ void PriceListView::showRow(const Row& row, const PriceEntry& entry) {
     row.arrow->setVisible(entry.gap.has_value());
     row.gap->setText(platform::viewText(entry.gap.value_or("")));
     platform::setInk(*row.gap, style_.gapText);
-    row.arrow->setPixmap(
-        platform::viewPicture(graphics_.symbol("arrow.down", 8, style_.gapText), {kArrow, kArrow}, *this));
+    platform::setPicture(*row.arrow, pictures_.arrow());
 }
 
 QSize PriceListView::sizeHint() const {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "arbiter/DashboardPictures.h"
 #include "arbiter/DashboardStyle.h"
 
 #include <QWidget>
@@ -16,7 +17,7 @@ namespace glintar::arbiter {
 /// they are read out.
 class PriceListView final : public QWidget {
 public:
-    PriceListView(const platform::Graphics& graphics, QWidget* parent);
+    PriceListView(DashboardPictures& pictures, QWidget* parent);
 
     void show(const std::vector<PriceEntry>& entries, const DashboardStyle& style);
 
@@ -40,7 +41,7 @@ private:
     [[nodiscard]] QRect plate(std::size_t index) const;
     [[nodiscard]] QRect badge(std::size_t index) const;
 
-    const platform::Graphics& graphics_;
+    DashboardPictures& pictures_;
     DashboardStyle style_;
     std::vector<Row> rows_;
     int hintedWidth_ = 0;

@@ -86,9 +86,12 @@ TEST_F(ViewsTest, ADashboardReadsItsColumnsOneByOneAndFollowsTheirPrices) {
     model.onClose = [&] { isClosed = true; };
     show(arbiter::makeDashboardView(machine.platform(), desktop, model));
     EXPECT_THAT(read(), ElementsAre("BTC", "ONE", "Updated: 03:04:05", "Close Window"));
+    const int height = widget->sizeHint().height();
     machine.advance(1s);
     EXPECT_THAT(read(),
                 ElementsAre("BTC", "100.00", "1.000%", "99.00", "ONE", "0.5000", "Updated: 03:04:05", "Close Window"));
+    QApplication::processEvents();  // layouts are told one after another
+    EXPECT_GT(widget->sizeHint().height(), height);
 
     const auto highest = [&] { return widget->findChildren<QLabel*>()[3]->palette().windowText().color(); };
     const auto inLight = highest();

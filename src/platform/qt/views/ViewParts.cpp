@@ -32,6 +32,12 @@ QPixmap viewPicture(const ImagePtr& image, const Size& size, const QWidget& widg
     return image ? QPixmap::fromImage(pixelsAt(*image, size, widget.devicePixelRatioF())) : QPixmap();
 }
 
+void setPicture(QLabel& label, const QPixmap& picture) {
+    if (label.pixmap(Qt::ReturnByValue).cacheKey() != picture.cacheKey()) {
+        label.setPixmap(picture);
+    }
+}
+
 void setInk(QWidget& widget, const Color& color) {
     QPalette palette = widget.palette();
     palette.setColor(QPalette::WindowText, viewColor(color));

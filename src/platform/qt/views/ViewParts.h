@@ -23,6 +23,9 @@ namespace glintar::platform {
 /// A picture of the core's stretched to a size, as sharp as the widget's screen; null without a picture.
 [[nodiscard]] QPixmap viewPicture(const ImagePtr& image, const Size& size, const QWidget& widget);
 
+/// Shows the picture, unless it is the one that is shown.
+void setPicture(QLabel& label, const QPixmap& picture);
+
 /// The text's colour.
 void setInk(QWidget& widget, const Color& color);
 
