@@ -224,9 +224,11 @@ std::expected<std::unique_ptr<MarketServer>, std::string> MarketServer::start(co
     server.set_tcp_nodelay(true);
     server.set_keep_alive_max_count(100'000);
     // The default would also let a second server in at the same port.
-    server.set_socket_options([](int socket) {
+    int listening = -1;
+    server.set_socket_options([&listening](int socket) {
         const int yes = 1;
         setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
+        listening = socket;
     });
     server.set_pre_routing_handler([&all = *parts](const httplib::Request& request, httplib::Response& response) {
         all.handle(request, response);
@@ -238,6 +240,10 @@ std::expected<std::unique_ptr<MarketServer>, std::string> MarketServer::start(co
     if (!isBound) {
         return std::unexpected(fmt::format("cannot listen on port {} of 127.0.0.1", options.port));
     }
+    // The library's own queue of five is full at once when all services are asked together; whoever finds it full comes
+    // again a second later.
+    ::listen(listening, SOMAXCONN);
+    server.set_socket_options(nullptr);
     parts->address = fmt::format("http://127.0.0.1:{}", port);
     parts->answers.emplace(parts->market, parts->address);
     parts->thread = std::jthread([&all = *parts] {

@@ -64,7 +64,7 @@ TEST_F(OnceCommandsTest, CompareShowsEverySourceBesideTheOthers) {
     EXPECT_EQ(output.redrawn.back(), "");
     EXPECT_EQ(
         run<CompareCommand>({.format = app::Format::Json}),
-        R"({"time":"03:04:05","coins":[{"id":"bitcoin","name":"btc","prices":[)"
+        R"({"time":"03:04:07","coins":[{"id":"bitcoin","name":"btc","prices":[)"
         R"({"source":"b","name":"贝塔","price":100,"gap":"1.000%"},{"source":"a","name":"Alpha","price":99,"gap":null}]},)"
         R"({"id":"one","name":"long one","prices":[{"source":"b","name":"贝塔","price":0.5,"gap":null}]}]})"
         "\n");

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QBasicTimer>
+#include <QColor>
+#include <QWidget>
+
+namespace glintar::diagnostics {
+
+/// Turns while it is visible.
+class SpinnerView final : public QWidget {
+public:
+    SpinnerView(int size, QWidget* parent);
+    void setColor(const QColor& color);
+
+protected:
+    void showEvent(QShowEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
+    void timerEvent(QTimerEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    QBasicTimer timer_;
+    QColor color_;
+    int step_ = 0;
+};
+
+}  // namespace glintar::diagnostics
