@@ -1,8 +1,9 @@
 #include "keystore/KeychainHelper.h"
 
 #include "platform/Platform.h"
-#include "platform/SecretStore.h"
 #include "text/Unicode.h"
+
+#include <algorithm>
 
 namespace glintar::keystore {
 
@@ -10,9 +11,9 @@ namespace {
 constexpr std::string_view kAccount = "GlintarUser";
 }
 
-void KeychainHelper::save(std::string_view bytes, std::string_view keyName) const {
+platform::SecretStatus KeychainHelper::save(std::string_view bytes, std::string_view keyName) const {
     platform_.secrets.remove(keyName, kAccount);
-    platform_.secrets.add(keyName, kAccount, bytes);
+    return platform_.secrets.add(keyName, kAccount, bytes);
 }
 
 std::optional<std::string> KeychainHelper::read(std::string_view keyName) const {
@@ -23,8 +24,17 @@ std::optional<std::string> KeychainHelper::read(std::string_view keyName) const 
     return std::move(found.bytes);
 }
 
-void KeychainHelper::delete_(std::string_view keyName) const {
-    platform_.secrets.remove(keyName, kAccount);
+platform::SecretStatus KeychainHelper::delete_(std::string_view keyName) const {
+    return platform_.secrets.remove(keyName, kAccount);
+}
+
+platform::SecretLookup KeychainHelper::peek(std::string_view keyName) const {
+    return platform_.secrets.peek(keyName, kAccount);
+}
+
+bool KeychainHelper::canBeSent(std::string_view key) {
+    constexpr auto isPrintable = [](char c) { return c >= 0x20 && c <= 0x7e; };
+    return !key.empty() && std::ranges::all_of(key, isPrintable) && key.front() != ' ' && key.back() != ' ';
 }
 
 std::string KeychainHelper::keyNameOf(std::string_view sourceId) {

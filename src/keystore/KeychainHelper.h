@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/SecretStore.h"
+
 #include <optional>
 #include <string>
 #include <string_view>
@@ -11,15 +13,22 @@ struct Platform;
 namespace glintar::keystore {
 
 /// The user's API keys, in the desktop's secure store. Keeps nothing itself; main thread only, and never waits longer
-/// than the store does. No failure is reported: one that keeps a key from being read looks like a missing key.
+/// than the store does. To most callers a failure looks like a missing key; the settings ask what it was.
 class KeychainHelper {
 public:
     explicit KeychainHelper(platform::Platform& platform) : platform_(platform) {}
 
-    /// Replaces what is stored under the key name.
-    void save(std::string_view bytes, std::string_view keyName) const;
+    /// Replaces what is stored under the key name. A store may refuse later what it answers to at once.
+    platform::SecretStatus save(std::string_view bytes, std::string_view keyName) const;
     [[nodiscard]] std::optional<std::string> read(std::string_view keyName) const;
-    void delete_(std::string_view keyName) const;
+    platform::SecretStatus delete_(std::string_view keyName) const;
+
+    /// What is known of the key now, without any wait.
+    [[nodiscard]] platform::SecretLookup peek(std::string_view keyName) const;
+
+    /// Whether the key can be the value of a request header. One that cannot would be cut or split on the wire, so it
+    /// is kept but never sent: it is empty, has a byte outside 0x20 to 0x7e or a blank at an end.
+    [[nodiscard]] static bool canBeSent(std::string_view key);
 
     /// Key name of a source's API key, and the key itself as text; empty when there is none or it is no UTF-8.
     [[nodiscard]] static std::string keyNameOf(std::string_view sourceId);

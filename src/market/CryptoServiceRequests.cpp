@@ -1,5 +1,6 @@
 // CryptoService: one request to a source, its retry and its cool-down.
 
+#include "keystore/KeychainHelper.h"
 #include "market/CryptoService.h"
 #include "platform/Console.h"
 #include "platform/Platform.h"
@@ -8,8 +9,6 @@
 #include "text/Unicode.h"
 
 #include <fmt/format.h>
-
-#include <algorithm>
 
 namespace glintar::market {
 
@@ -20,12 +19,6 @@ using namespace std::chrono_literals;
 constexpr auto kCoolDown = 60s;
 constexpr auto kCoolDownNotice = 60'500ms;  // so that whoever is told finds the cool-down over
 constexpr auto kRetryDelay = 1s;
-
-/// A key that is no header value would be cut or split on the wire, so it is never sent.
-bool canBeHeaderValue(std::string_view key) {
-    constexpr auto isPrintable = [](char c) { return c >= 0x20 && c <= 0x7e; };
-    return !key.empty() && std::ranges::all_of(key, isPrintable) && key.front() != ' ' && key.back() != ' ';
-}
 
 }  // namespace
 
@@ -47,7 +40,7 @@ void CryptoService::performRequest(std::string address, SourcePtr source, std::s
         .url = address,
         .headers = {{"User-Agent", "Mozilla/5.0"}, {"Accept", "application/json"}},
     };
-    if (source->header && canBeHeaderValue(apiKey)) {
+    if (source->header && keystore::KeychainHelper::canBeSent(apiKey)) {
         const auto name = text::lower(*source->header);
         std::erase_if(request.headers, [&](const auto& header) { return text::lower(header.name) == name; });
         request.originHeaders.push_back({*source->header, apiKey});

@@ -38,11 +38,12 @@ public:
     ~Worker();
 
     // Main thread.
-    SecretLookup find(const SecretKey& key);
+    SecretLookup find(const SecretKey& key, Wait wait);
     void add(const SecretKey& key, std::string_view bytes);
     SecretStatus remove(const SecretKey& key);
     void releaseRemovals();  // any thread
     [[nodiscard]] bool takeNotice();
+    [[nodiscard]] bool isWriting();
 
 private:
     void wake();  // any thread
@@ -80,14 +81,14 @@ LibsecretStore::Worker::~Worker() {
     thread_.join();
 }
 
-SecretLookup LibsecretStore::Worker::find(const SecretKey& key) {
+SecretLookup LibsecretStore::Worker::find(const SecretKey& key, Wait wait) {
     std::unique_lock lock(mutex_);
     const bool isSlow = cache_.isSlow();
     const auto want = cache_.want(key, runLoop_.now());
     if (want != SecretCache::Want::Nothing) {
         wake();
     }
-    if (want == SecretCache::Want::First && !isSlow) {
+    if (wait == Wait::Briefly && want == SecretCache::Want::First && !isSlow) {
         answered_.wait_for(lock, kFirstReadLimit, [&] { return cache_.isAnswered(key); });
     }
     const auto answer = cache_.find(key);
@@ -115,6 +116,11 @@ bool LibsecretStore::Worker::takeNotice() {
     const std::lock_guard lock(mutex_);
     isNoticePosted_ = false;
     return cache_.takeNotice() == SecretCache::Notice::Due;
+}
+
+bool LibsecretStore::Worker::isWriting() {
+    const std::lock_guard lock(mutex_);
+    return cache_.isWriting();
 }
 
 void LibsecretStore::Worker::wake() {
@@ -225,12 +231,20 @@ LibsecretStore::~LibsecretStore() {
 }
 
 SecretLookup LibsecretStore::find(std::string_view service, std::string_view account) {
+    return look(service, account, Wait::Briefly);
+}
+
+SecretLookup LibsecretStore::peek(std::string_view service, std::string_view account) {
+    return look(service, account, Wait::No);
+}
+
+SecretLookup LibsecretStore::look(std::string_view service, std::string_view account, Wait wait) {
     if (!isAddress(service) || !isAddress(account)) {
         return {SecretStatus::NotFound, {}};
     }
     Worker* const asked = worker();
     return asked == nullptr ? SecretLookup{SecretStatus::Unavailable, {}}
-                            : asked->find({std::string(service), std::string(account)});
+                            : asked->find({std::string(service), std::string(account)}, wait);
 }
 
 SecretStatus LibsecretStore::add(std::string_view service, std::string_view account, std::string_view bytes) {
@@ -258,6 +272,10 @@ SecretStatus LibsecretStore::remove(std::string_view service, std::string_view a
         runLoop_.post(lifetime_.guard([asked] { asked->releaseRemovals(); }));
     }
     return status;
+}
+
+bool LibsecretStore::isWriting() const {
+    return worker_ != nullptr && worker_->isWriting();
 }
 
 bool LibsecretStore::busIsThere() {

@@ -27,14 +27,19 @@ public:
     ~LibsecretStore() override;  // takes less than 100 ms, of which a write under way gets the first 50
 
     [[nodiscard]] SecretLookup find(std::string_view service, std::string_view account) override;
+    [[nodiscard]] SecretLookup peek(std::string_view service, std::string_view account) override;
     SecretStatus add(std::string_view service, std::string_view account, std::string_view bytes) override;
     SecretStatus remove(std::string_view service, std::string_view account) override;
+    [[nodiscard]] bool isWriting() const override;
 
     /// Whether there is a message bus, without which no key ring can be asked.
     [[nodiscard]] static bool busIsThere();
 
 private:
     class Worker;
+    enum class Wait { Briefly, No };
+
+    [[nodiscard]] SecretLookup look(std::string_view service, std::string_view account, Wait wait);
 
     /// The thread's owner, made when it is first needed; null without a bus.
     Worker* worker();

@@ -1,0 +1,131 @@
+#include "settings/displaymodeSettingsViewModel.h"
+
+#include "config/AppConfig.h"
+#include "config/Coin.h"
+#include "config/ConfigFiles.h"
+#include "config/Settings.h"
+#include "platform/Console.h"
+#include "platform/Directories.h"
+#include "platform/Files.h"
+#include "platform/LoginItem.h"
+#include "platform/Platform.h"
+#include "platform/RunLoop.h"
+
+#include <fmt/format.h>
+
+#include <utility>
+
+namespace glintar::settings {
+
+namespace {
+
+constexpr double kDefaultOffset = 16;
+constexpr std::string_view kEnableArbitrage = "enableArbitrage";
+
+}  // namespace
+
+displaymodeSettingsViewModel::displaymodeSettingsViewModel(platform::Platform& platform, platform::LoginItem& loginItem,
+                                                           PanelAbilities abilities)
+    : platform_(platform),
+      loginItem_(loginItem),
+      abilities_(abilities),
+      displayChanges_(platform.notifications.observe(config::kDisplaySettingsChanged, [this] { syncData(); })),
+      coinChanges_(platform.notifications.observe(config::kCoinsUpdated, [this] { syncData(); })) {
+    launchAtLogin = loginItem_.isEnabled();
+    enableArbitrage = platform_.preferences.boolean(kEnableArbitrage);
+    read();
+}
+
+void displaymodeSettingsViewModel::read() {
+    const auto& preferences = platform_.preferences;
+    displayMode = static_cast<int>(preferences.integer(config::kDisplayMode));
+    showSparkline = preferences.boolean(config::kShowSparkline);
+    showGasFee = preferences.boolean(config::kShowGasFee);
+    floatTransparent = preferences.boolean(config::kFloatTransparent);
+    floatOffset = preferences.real(config::kFloatOffset);
+    floatOffset = floatOffset == 0 ? kDefaultOffset : floatOffset;
+    showChange24h = preferences.boolean(config::kShowChange);
+    showHighLow24h = preferences.boolean(config::kShowHighLow);
+    gasSource = static_cast<int>(preferences.integer(config::kGasSource));
+    isSparklineSupported = computeSparklineSupport();
+}
+
+void displaymodeSettingsViewModel::saveDisplaySettings() {
+    auto& preferences = platform_.preferences;
+    preferences.setInteger(config::kDisplayMode, displayMode);
+    preferences.setBoolean(config::kFloatTransparent, floatTransparent);
+    preferences.setReal(config::kFloatOffset, floatOffset);
+    preferences.setBoolean(config::kShowChange, showChange24h);
+    preferences.setBoolean(config::kShowHighLow, showHighLow24h);
+    preferences.setBoolean(config::kShowSparkline, showSparkline);
+    preferences.setBoolean(config::kShowGasFee, showGasFee);
+    preferences.setInteger(config::kGasSource, gasSource);
+    preferences.setBoolean(kEnableArbitrage, enableArbitrage);
+    changed();
+    platform_.notifications.post(config::kDisplaySettingsChanged);
+    platform_.notifications.post(config::kDisplayModeChanged);
+}
+
+void displaymodeSettingsViewModel::syncData() {
+    platform_.runLoop.post(lifetime_.guard([this] {
+        read();
+        changed();
+    }));
+}
+
+void displaymodeSettingsViewModel::reload() {
+    launchAtLogin = loginItem_.isEnabled();
+    loginError.clear();
+    syncData();
+}
+
+void displaymodeSettingsViewModel::setLaunchAtLogin(bool enable) {
+    const auto outcome = enable ? loginItem_.registerItem() : loginItem_.unregisterItem();
+    if (outcome) {
+        launchAtLogin = enable;
+        loginError.clear();
+    } else {
+        platform_.console.print("Failed to toggle launch at login: " + outcome.error());
+        launchAtLogin = loginItem_.isEnabled();
+        loginError = outcome.error();
+    }
+    changed();
+}
+
+bool displaymodeSettingsViewModel::computeSparklineSupport() const {
+    const auto cached = config::cachedConfigFileURL(platform_);
+    auto text = cached ? platform_.files.read(*cached) : std::unexpected(std::string());
+    if (!text) {
+        const auto shipped = platform_.bundle.resource("api_endpoints", "json");
+        text = shipped ? platform_.files.read(*shipped) : std::unexpected(std::string());
+    }
+    const auto document = text ? config::decodeAppConfig(*std::move(text)) : std::unexpected(std::string());
+    const auto* source = document ? document->source(config::selectedSourceID(platform_.preferences)) : nullptr;
+    return source != nullptr && !source->sparkline_path.value_or("").empty();
+}
+
+std::string displaymodeSettingsViewModel::modeText() const {
+    return displayMode == 1 ? "The price follows your mouse cursor." : "The price shows in status bar.";
+}
+
+std::string displaymodeSettingsViewModel::offsetText() const {
+    return fmt::format("{} px", static_cast<long>(floatOffset));
+}
+
+std::string displaymodeSettingsViewModel::panelNote() const {
+    if (displayMode != 1) {
+        return "";
+    }
+    if (!abilities_.followsPointer) {
+        return "This desktop hides the mouse pointer from other programs, so the panel rests below the status bar.";
+    }
+    return abilities_.isTranslucent ? "" : "No compositor is running, so the panel cannot fade: it disappears instead.";
+}
+
+void displaymodeSettingsViewModel::changed() {
+    if (onChange) {
+        onChange();
+    }
+}
+
+}  // namespace glintar::settings
