@@ -91,6 +91,9 @@ public:
     [[nodiscard]] virtual std::unique_ptr<Alert> showAlert(AlertText text,
                                                            std::function<void(std::size_t button)> onAnswer) = 0;
 
+    /// Whether windows can be translucent.
+    [[nodiscard]] virtual bool hasCompositor() const = 0;
+
     /// The screen that holds most of the rectangle, without the desktop's panels; the primary one where none does.
     [[nodiscard]] virtual Rect visibleFrame(const Rect& near) const = 0;
 

@@ -24,11 +24,10 @@ constexpr std::string_view kEnableArbitrage = "enableArbitrage";
 
 }  // namespace
 
-displaymodeSettingsViewModel::displaymodeSettingsViewModel(platform::Platform& platform, platform::LoginItem& loginItem,
-                                                           PanelAbilities abilities)
+displaymodeSettingsViewModel::displaymodeSettingsViewModel(platform::Platform& platform, platform::LoginItem& loginItem, std::function<PanelAbilities()> abilities)
     : platform_(platform),
       loginItem_(loginItem),
-      abilities_(abilities),
+      abilities_(std::move(abilities)),
       displayChanges_(platform.notifications.observe(config::kDisplaySettingsChanged, [this] { syncData(); })),
       coinChanges_(platform.notifications.observe(config::kCoinsUpdated, [this] { syncData(); })) {
     launchAtLogin = loginItem_.isEnabled();
@@ -113,13 +112,14 @@ std::string displaymodeSettingsViewModel::offsetText() const {
 }
 
 std::string displaymodeSettingsViewModel::panelNote() const {
-    if (displayMode != 1) {
+    if (displayMode != 1 || !abilities_) {
         return "";
     }
-    if (!abilities_.followsPointer) {
+    const auto abilities = abilities_();
+    if (!abilities.followsPointer) {
         return "This desktop hides the mouse pointer from other programs, so the panel rests below the status bar.";
     }
-    return abilities_.isTranslucent ? "" : "No compositor is running, so the panel cannot fade: it disappears instead.";
+    return abilities.isTranslucent ? "" : "No compositor is running, so the panel cannot fade: it disappears instead.";
 }
 
 void displaymodeSettingsViewModel::changed() {

@@ -24,8 +24,9 @@ struct PanelAbilities {
 /// `saveDisplaySettings`; what others write while the tab is open is read again. Main thread only.
 class displaymodeSettingsViewModel {  // NOLINT(readability-identifier-naming): a given name
 public:
+    /// `abilities` is asked each time; empty when there is no desktop.
     displaymodeSettingsViewModel(platform::Platform& platform, platform::LoginItem& loginItem,
-                                 PanelAbilities abilities = {});
+                                 std::function<PanelAbilities()> abilities = {});
 
     /// Reads the preferences again at a later turn of the loop.
     void syncData();
@@ -64,7 +65,7 @@ private:
 
     platform::Platform& platform_;
     platform::LoginItem& loginItem_;
-    PanelAbilities abilities_;
+    std::function<PanelAbilities()> abilities_;
     std::unique_ptr<platform::NotificationCenter::Observation> displayChanges_, coinChanges_;
     platform::Lifetime lifetime_;  // last member
 };

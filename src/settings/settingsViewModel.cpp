@@ -10,7 +10,7 @@ settingsViewModel::settingsViewModel(platform::Platform& platform, Environment e
     : selectedTab(initialTab),
       coins(platform),
       sources(platform),
-      display(platform, environment.loginItem, environment.abilities),
+      display(platform, environment.loginItem, std::move(environment.abilities)),
       about(platform, environment.workspace, std::move(environment.contacts), std::move(environment.terminate)),
       switches_(platform.notifications.observe(kSwitchToDisplayTab, [this] { select("displaymode"); })) {}
 

@@ -35,7 +35,7 @@ public:
         platform::LoginItem& loginItem;
         platform::Workspace& workspace;
         Contacts contacts;
-        PanelAbilities abilities;
+        std::function<PanelAbilities()> abilities;
         std::function<void()> terminate;
     };
 

@@ -2,6 +2,7 @@
 
 #include "platform/Desktop.h"
 #include "platform/NotificationCenter.h"
+#include "platform/posix/XdgLoginItem.h"
 #include "platform/qt/DisplayGuard.h"
 #include "platform/qt/XcbReader.h"
 #include "platform/qt/events/LoginManager.h"
@@ -12,6 +13,7 @@
 #include "platform/qt/windows/QtPointer.h"
 #include "platform/qt/windows/QtScreens.h"
 #include "platform/qt/windows/QtWindowServer.h"
+#include "platform/qt/windows/QtWorkspace.h"
 #include "platform/real/RealPlatform.h"
 #include "platform/xcb/CompositorWatch.h"
 #include "platform/xcb/XcbConnection.h"
@@ -45,6 +47,9 @@ public:
     [[nodiscard]] Platform& platform() { return machine_.platform(); }
     [[nodiscard]] Desktop& desktop() { return desktop_; }
 
+    /// Whether the program is to be started anew once everything here has gone.
+    [[nodiscard]] bool isRelaunchWanted() const { return workspace_.isRelaunchWanted(); }
+
 private:
     // Destroyed from the last to the first: whoever draws or listens goes before what it draws on.
     DisplayGuard guard_;
@@ -63,6 +68,8 @@ private:
     QtStatusBar statusBar_;
     QtWindowServer windows_;
     QtClipboard clipboard_;
+    QtWorkspace workspace_;
+    XdgLoginItem loginItem_;
     std::optional<LoginManager> loginManager_;
     Desktop desktop_;
 };
