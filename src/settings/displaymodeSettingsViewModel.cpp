@@ -24,7 +24,8 @@ constexpr std::string_view kEnableArbitrage = "enableArbitrage";
 
 }  // namespace
 
-displaymodeSettingsViewModel::displaymodeSettingsViewModel(platform::Platform& platform, platform::LoginItem& loginItem, std::function<PanelAbilities()> abilities)
+displaymodeSettingsViewModel::displaymodeSettingsViewModel(platform::Platform& platform, platform::LoginItem& loginItem,
+                                                           std::function<PanelAbilities()> abilities)
     : platform_(platform),
       loginItem_(loginItem),
       abilities_(std::move(abilities)),

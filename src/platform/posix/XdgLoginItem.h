@@ -15,8 +15,8 @@ class Files;
 /// counts as none.
 class XdgLoginItem final : public LoginItem {
 public:
-    /// `program` is the path that the entry starts; `desktops` are the names in XDG_CURRENT_DESKTOP, with colons between
-    /// them.
+    /// `program` is the path that the entry starts; `desktops` are the names in XDG_CURRENT_DESKTOP, with colons
+    /// between them.
     XdgLoginItem(Files& files, std::filesystem::path program, std::string_view desktops);
 
     bool isEnabled() const override;
