@@ -2,9 +2,12 @@
 
 #include "app/Start.h"
 #include "line/LineCommand.h"
+#include "line/SettingsCommand.h"
 #include "platform/posix/Descriptor.h"
 #include "platform/posix/InstalledBundle.h"
+#include "platform/posix/XdgLoginItem.h"
 #include "platform/real/TerminalPlatform.h"
+#include "platform/terminal/SecretInput.h"
 #include "presenter/SettingsWatch.h"
 
 #include <fmt/format.h>
@@ -48,6 +51,24 @@ int runLine(int argc, char** argv, const app::Start& start) {
     return machine.exec();
 }
 
+int runSettings(int argc, char** argv, const app::Start& start) {
+    ::setenv("QT_NO_GLIB", "1", 1);
+    platform::TerminalPlatform terminal(argc, argv, {.configServer = start.configServer});
+    auto& machine = terminal.machine();
+    platform::XdgLoginItem loginItem(machine.platform().files,
+                                     platform::InstalledBundle::program("glintar-desktop").value_or("glintar-desktop"),
+                                     app::environment("XDG_CURRENT_DESKTOP").value_or(""));
+    line::SettingsCommand command(
+        {.platform = machine.platform(),
+         .loginItem = loginItem,
+         .output = terminal.output(),
+         .readKey = [] { return platform::readSecretLine("API key (an empty line removes it): "); },
+         .finish = [&](int status) { machine.exit(status); }});
+    machine.onTerminate = [&] { machine.exit(app::kFailed); };
+    command.start(start.arguments.words);
+    return machine.exec();
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -55,6 +76,9 @@ int main(int argc, char** argv) {
     const auto start = app::readStart(argc, argv);
     if (!start) {
         return start.error();
+    }
+    if (start->arguments.command == app::Arguments::Command::Settings) {
+        return runSettings(argc, argv, *start);
     }
     if (start->arguments.command == app::Arguments::Command::Desktop) {
         platform::complain(

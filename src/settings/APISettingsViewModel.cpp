@@ -85,15 +85,12 @@ void APISettingsViewModel::loadApiKey() {
     changed();
 }
 
-void APISettingsViewModel::storeKey() {
-    const auto name = KeychainHelper::keyNameOf(selectedSourceID);
-    if (inputApiKey.empty()) {
-        keyStatus_ = keys_.delete_(name);
-        platform_.console.print("🗑️ API Key 已从 Keychain 移除: " + name);
-    } else {
-        keyStatus_ = keys_.save(inputApiKey, name);
-        platform_.console.print("🔒 API Key 已安全保存到 Keychain: " + name);
-    }
+SecretStatus APISettingsViewModel::storeKey(const std::string& sourceId, const std::string& key) {
+    const auto name = KeychainHelper::keyNameOf(sourceId);
+    const auto status = key.empty() ? keys_.delete_(name) : keys_.save(key, name);
+    platform_.console.print((key.empty() ? "🗑️ API Key 已从 Keychain 移除: " : "🔒 API Key 已安全保存到 Keychain: ") +
+                            name);
+    return status;
 }
 
 void APISettingsViewModel::store() {
@@ -102,7 +99,7 @@ void APISettingsViewModel::store() {
     // A field that is empty for want of an answer says nothing about the key.
     const bool isKeyKnown = keyStatus_ == SecretStatus::Done || keyStatus_ == SecretStatus::NotFound;
     if (isKeyKnown || typed_) {
-        storeKey();
+        keyStatus_ = storeKey(selectedSourceID, inputApiKey);
     }
 }
 
@@ -153,10 +150,13 @@ void APISettingsViewModel::settingsChanged() {
 
 std::string APISettingsViewModel::keyNote() const {
     if (!inputApiKey.empty() && !KeychainHelper::canBeSent(inputApiKey)) {
-        return "This key cannot be sent: it holds a character that no request header may hold, or a blank at an end.";
+        return kCannotBeSent;
     }
-    const bool isTyped = typed_ && !typed_->empty();
-    switch (keyStatus_) {
+    return noteOf(keyStatus_, typed_ && !typed_->empty());
+}
+
+std::string APISettingsViewModel::noteOf(SecretStatus status, bool isTyped) {
+    switch (status) {
         case SecretStatus::Done:
             return "";
         case SecretStatus::NotFound:
@@ -172,10 +172,6 @@ std::string APISettingsViewModel::keyNote() const {
             return "The key ring refused the change.";
     }
     std::unreachable();
-}
-
-bool APISettingsViewModel::isStoring() const {
-    return platform_.secrets.isWriting() || keyStatus_ == SecretStatus::Pending;
 }
 
 void APISettingsViewModel::changed() {

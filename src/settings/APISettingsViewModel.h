@@ -16,6 +16,9 @@ struct Platform;
 
 namespace glintar::settings {
 
+inline constexpr const char* kCannotBeSent =
+    "This key cannot be sent: it holds a character that no request header may hold, or a blank at an end.";
+
 /// What the "Data Source" tab shows and does: the choice of the service that is asked, and the user's key for it.
 ///
 /// A key is stored at each change, under the source that is selected then, and announced one second after the last: no
@@ -36,15 +39,19 @@ public:
     /// The user edited the key. Nothing is trimmed.
     void setApiKey(std::string text);
 
+    /// Stores the key of a source, be it the selected one or not; an empty one removes it. What the store answers at
+    /// once; it may refuse later.
+    platform::SecretStatus storeKey(const std::string& sourceId, const std::string& key);
+
+    /// What there is to say of a key of which the store says so; `isTyped`: of one that was just to be kept.
+    [[nodiscard]] static std::string noteOf(platform::SecretStatus status, bool isTyped);
+
     /// The selected one of `config`, or null.
     [[nodiscard]] const config::SourceConfig* selectedSource() const;
 
     /// What there is to say under the key field, in plain words: that it cannot be sent, or cannot be kept or read.
     /// Empty when all is well.
     [[nodiscard]] std::string keyNote() const;
-
-    /// Whether the key ring is still at work on what was typed last.
-    [[nodiscard]] bool isStoring() const;
 
     /// Runs after anything that is shown has changed.
     std::function<void()> onChange;
@@ -55,7 +62,6 @@ public:
 
 private:
     [[nodiscard]] std::optional<std::string> readConfigText();
-    void storeKey();
     void store();
     void announce();
     void settingsChanged();
