@@ -3,7 +3,10 @@
 #include "config/APIConfigUpdater.h"
 #include "config/CoinListUpdater.h"
 #include "platform/Console.h"
+#include "platform/Desktop.h"
+#include "platform/LoginItem.h"
 #include "platform/Platform.h"
+#include "platform/Pointer.h"
 
 #include <utility>
 
@@ -12,32 +15,47 @@ namespace glintar::app {
 namespace {
 
 constexpr std::chrono::milliseconds kTimeToPaint{20};
+constexpr std::chrono::milliseconds kTimeToOpen{100};
+constexpr std::string_view kRequestOpenDisplaySettings = "RequestOpenDisplaySettings";
 
 }  // namespace
 
 AppDelegate::AppDelegate(platform::Platform& platform, platform::Desktop& desktop, Options options)
     : platform_(platform), desktop_(desktop), options_(std::move(options)), settingsWatch_(platform) {
-    if (!options_.checksForDocuments) {
+    if (options_.isDemo) {
         config::APIConfigUpdater::shared(platform_).skipCheck();
         config::CoinListUpdater::shared(platform_).skipCheck();
     }
 }
 
 void AppDelegate::applicationDidFinishLaunching() {
+    updaterController_.emplace(
+        platform_, updates::UpdateController::Options{
+                       .windows = desktop_.windows, .workspace = desktop_.workspace, .feed = options_.releaseFeed});
     surface_.emplace(platform_, desktop_,
                      DesktopSurface::Requests{.redisplay = [this] { redisplay(); }, .quit = [this] { quitApp(); }},
                      options_.mark);
     statusBarController_.emplace(platform_, *surface_, presenter::StatusBarController::Options{});
     statusBarController_->show();
+    settingsRequests_ = platform_.notifications.observe(kRequestOpenDisplaySettings, [this] { openDisplaySettings(); });
+    if (options_.opensSettings) {
+        openSettings();
+    }
     // The first look for an API key loads the key ring's code and waits for it: "Loading..." is painted before that.
     start_ = platform_.runLoop.after(kTimeToPaint, [this] {
         statusBarController_->start();
         config::CoinListUpdater::shared(platform_).checkForNewVersion();
+        if (!options_.isDemo) {
+            updaterController_->start();
+            desktop_.loginItem.repair();
+        }
     });
 }
 
-void AppDelegate::applicationWasReopened() {
-    if (surface_) {
+void AppDelegate::applicationWasReopened(bool opensSettings) {
+    if (opensSettings) {
+        openSettings();
+    } else if (surface_) {
         surface_->openMenu();
     }
 }
@@ -45,6 +63,42 @@ void AppDelegate::applicationWasReopened() {
 void AppDelegate::redisplay() {
     if (statusBarController_) {
         statusBarController_->redisplayFromCache();
+    }
+}
+
+void AppDelegate::openSettings() {
+    if (!mainPreferencesWindow_) {
+        settings_.emplace(
+            platform_,
+            settings::settingsViewModel::Environment{.loginItem = desktop_.loginItem,
+                                                     .workspace = desktop_.workspace,
+                                                     .contacts = options_.contacts,
+                                                     .abilities =
+                                                         [this] {
+                                                             return settings::PanelAbilities{
+                                                                 .followsPointer = desktop_.pointer.isSeenEverywhere(),
+                                                                 .isTranslucent = desktop_.windows.hasCompositor()};
+                                                         },
+                                                     .terminate = options_.terminate},
+            "coins");
+        mainPreferencesWindow_ = desktop_.windows.makeWindow(platform::Window::Frame::Titled, "Settings");
+        settings_->close = [this] { mainPreferencesWindow_->close(); };
+        mainPreferencesWindow_->setView(options_.makeSettingsView(*settings_));
+        mainPreferencesWindow_->center();
+    }
+    mainPreferencesWindow_->makeKeyAndOrderFront();
+}
+
+void AppDelegate::openDisplaySettings() {
+    openSettings();
+    tabSwitch_ =
+        platform_.runLoop.after(kTimeToOpen, [this] { platform_.notifications.post(settings::kSwitchToDisplayTab); });
+}
+
+void AppDelegate::checkForUpdates() {
+    platform_.console.debug("🚀 AppDelegate 收到检查更新请求");
+    if (updaterController_) {
+        updaterController_->checkForUpdates();
     }
 }
 

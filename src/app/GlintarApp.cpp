@@ -1,7 +1,11 @@
 #include "app/GlintarApp.h"
 
 #include "app/Arguments.h"
+#include "app/Deployment.h"
 #include "platform/qt/DesktopPlatform.h"
+#include "settings/settingsView.h"
+
+#include <utility>
 
 namespace glintar::app {
 
@@ -10,21 +14,36 @@ namespace {
 constexpr const char* kIdentifier = "org.glintar.Glintar";
 constexpr const char* kDemoIdentifier = "org.glintar.Glintar.Demo";
 
+settings::Contacts contacts() {
+    auto decided = deployment();
+    return {.support = std::move(decided.supportAddress),
+            .website = std::move(decided.website),
+            .faqPage = std::move(decided.faqPage)};
+}
+
 }  // namespace
 
 GlintarApp::GlintarApp(platform::DesktopPlatform& machine, const Arguments& arguments)
     : machine_(machine),
+      opensSettings_(arguments.opensSettings),
       instance_(arguments.demo ? kDemoIdentifier : kIdentifier),
       _appDelegate(machine.platform(), machine.desktop(),
-                   {.checksForDocuments = !arguments.demo,
+                   {.isDemo = arguments.demo,
+                    .opensSettings = arguments.opensSettings,
                     .mark = arguments.demo ? kSimulatedMark : "",
+                    .contacts = contacts(),
+                    .releaseFeed = deployment().releaseFeed,
+                    .makeSettingsView =
+                        [&graphics = machine.desktop().graphics](settings::settingsViewModel& model) {
+                            return settings::makeSettingsView(model, graphics);
+                        },
                     .terminate = [&machine] { machine.exit(0); }}) {
     machine.onTerminate([&machine] { machine.exit(0); });
-    instance_.onSecondStart = [this] { _appDelegate.applicationWasReopened(); };
+    instance_.onSecondStart = [this](bool opensSettings) { _appDelegate.applicationWasReopened(opensSettings); };
 }
 
 int GlintarApp::run() {
-    if (!instance_.claim()) {
+    if (!instance_.claim(opensSettings_)) {
         return 0;
     }
     machine_.watch();

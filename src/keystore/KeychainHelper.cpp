@@ -32,11 +32,6 @@ platform::SecretLookup KeychainHelper::peek(std::string_view keyName) const {
     return platform_.secrets.peek(keyName, kAccount);
 }
 
-bool KeychainHelper::canBeSent(std::string_view key) {
-    constexpr auto isPrintable = [](char c) { return c >= 0x20 && c <= 0x7e; };
-    return !key.empty() && std::ranges::all_of(key, isPrintable) && key.front() != ' ' && key.back() != ' ';
-}
-
 std::string KeychainHelper::keyNameOf(std::string_view sourceId) {
     return "apiKey_" + std::string(sourceId);
 }
@@ -44,6 +39,11 @@ std::string KeychainHelper::keyNameOf(std::string_view sourceId) {
 std::string KeychainHelper::apiKeyOf(std::string_view sourceId) const {
     auto bytes = read(keyNameOf(sourceId));
     return bytes && text::isValidUtf8(*bytes) ? std::move(*bytes) : std::string();
+}
+
+bool KeychainHelper::canBeSent(std::string_view key) {
+    constexpr auto isPrintable = [](char c) { return c >= 0x20 && c <= 0x7e; };
+    return !key.empty() && std::ranges::all_of(key, isPrintable) && key.front() != ' ' && key.back() != ' ';
 }
 
 }  // namespace glintar::keystore

@@ -26,13 +26,12 @@ public:
     /// What is known of the key now, without any wait.
     [[nodiscard]] platform::SecretLookup peek(std::string_view keyName) const;
 
-    /// Whether the key can be the value of a request header. One that cannot would be cut or split on the wire, so it
-    /// is kept but never sent: it is empty, has a byte outside 0x20 to 0x7e or a blank at an end.
-    [[nodiscard]] static bool canBeSent(std::string_view key);
-
     /// Key name of a source's API key, and the key itself as text; empty when there is none or it is no UTF-8.
     [[nodiscard]] static std::string keyNameOf(std::string_view sourceId);
     [[nodiscard]] std::string apiKeyOf(std::string_view sourceId) const;
+
+    /// A key that is no header value would be cut or split on the wire, so it is never sent. False for an empty one.
+    [[nodiscard]] static bool canBeSent(std::string_view key);
 
 private:
     platform::Platform& platform_;

@@ -8,6 +8,7 @@
 #include "platform/Files.h"
 #include "platform/Platform.h"
 #include "platform/SecretStore.h"
+#include "text/Address.h"
 #include "text/Unicode.h"
 
 #include <utility>
@@ -71,6 +72,10 @@ void APISettingsViewModel::validateSelectedSource() {
         selectedSourceID = config->sources.empty() ? "coingecko" : config->sources.front().id;
         changed();
     }
+}
+
+std::optional<std::string> APISettingsViewModel::linkTo(const std::optional<std::string>& address) {
+    return address ? text::webAddress(*address) : std::nullopt;
 }
 
 const config::SourceConfig* APISettingsViewModel::selectedSource() const {

@@ -46,6 +46,9 @@ public:
     /// What there is to say of a key of which the store says so; `isTyped`: of one that was just to be kept.
     [[nodiscard]] static std::string noteOf(platform::SecretStatus status, bool isTyped);
 
+    /// Where a link that the configuration names leads; none for what is no address.
+    [[nodiscard]] static std::optional<std::string> linkTo(const std::optional<std::string>& address);
+
     /// The selected one of `config`, or null.
     [[nodiscard]] const config::SourceConfig* selectedSource() const;
 
