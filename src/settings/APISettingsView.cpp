@@ -5,7 +5,6 @@
 #include <QFontMetrics>
 #include <QHBoxLayout>
 #include <QPainter>
-#include <QScrollArea>
 
 namespace glintar::settings {
 
@@ -79,28 +78,20 @@ APISettingsView::APISettingsView(settingsViewModel& all, const platform::Graphic
 }
 
 QWidget* APISettingsView::makeSources() {
-    auto* const scroller = new QScrollArea(this);
-    scroller->setWidgetResizable(true);
-    scroller->setFocusPolicy(Qt::NoFocus);
-    auto* const list = new QWidget;
-    list->setAccessibleName("Data Source");
-    list->setBackgroundRole(QPalette::Base);
-    auto* const rows = new QVBoxLayout(list);
-    rows->setContentsMargins(0, 0, 0, 0);
-    rows->setSpacing(0);
+    auto* const scroller = rowList("Data Source", this);
+    auto* const list = scroller->widget();
+    auto* const rows = static_cast<QVBoxLayout*>(list->layout());
     auto* const group = new QButtonGroup(list);
     for (const auto& source : model_.config->sources) {
         auto* const row = new SourceRow(asText(source.name), graphics_, list);
         group->addButton(row);
-        rows->addWidget(row);
+        rows->insertWidget(rows->count() - 1, row);
         rows_.push_back(row);
         QObject::connect(row, &QAbstractButton::clicked, this, [this, &source, scroller, row] {
             model_.selectSource(source);
             scroller->ensureWidgetVisible(row);
         });
     }
-    rows->addStretch();
-    scroller->setWidget(list);
     return scroller;
 }
 

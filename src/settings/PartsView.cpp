@@ -9,6 +9,7 @@
 #include <QKeyEvent>
 #include <QPainter>
 #include <QStyleOption>
+#include <QVBoxLayout>
 
 #include <algorithm>
 #include <utility>
@@ -19,6 +20,8 @@ namespace {
 
 constexpr double kDesktopFont = 13;  // the size that the screens were drawn for
 constexpr double kRound = 20;
+constexpr int kNarrowestText = 200;
+constexpr int kWidestText = 560;
 
 double fontScale() {
     return QFontInfo(QApplication::font()).pixelSize() / kDesktopFont;
@@ -105,6 +108,30 @@ void ToneLabel::colour() {
         own.setColor(QPalette::WindowText, color);
         setPalette(own);
     }
+}
+
+WrappedText::WrappedText(QString words, QWidget* parent) : QWidget(parent), words_(std::move(words)) {
+    QSizePolicy policy(QSizePolicy::Preferred, QSizePolicy::Minimum);
+    policy.setHeightForWidth(true);
+    setSizePolicy(policy);
+}
+
+QSize WrappedText::sizeHint() const {
+    const int width = std::min(fontMetrics().horizontalAdvance(words_) + 1, kWidestText);
+    return {width, heightForWidth(width)};
+}
+
+QSize WrappedText::minimumSizeHint() const {
+    return {std::min(sizeHint().width(), kNarrowestText), fontMetrics().height()};
+}
+
+int WrappedText::heightForWidth(int width) const {
+    return fontMetrics().boundingRect(0, 0, width, QWIDGETSIZE_MAX, Qt::TextWrapAnywhere, words_).height();
+}
+
+void WrappedText::paintEvent(QPaintEvent* /*event*/) {
+    QPainter painter(this);
+    painter.drawText(rect(), Qt::TextWrapAnywhere | Qt::AlignVCenter, words_);
 }
 
 NoteLabel::NoteLabel(Tone tone, QWidget* parent)
@@ -214,6 +241,32 @@ void LinkButton::paintEvent(QPaintEvent* /*event*/) {
 void LinkButton::keyPressEvent(QKeyEvent* event) {
     if (!clicksOnReturn(*this, *event)) {
         QAbstractButton::keyPressEvent(event);
+    }
+}
+
+QScrollArea* rowList(const QString& name, QWidget* parent) {
+    auto* const scroller = new QScrollArea(parent);
+    scroller->setWidgetResizable(true);
+    scroller->setFocusPolicy(Qt::NoFocus);
+    scroller->setMinimumHeight(scroller->fontMetrics().height() * 5);
+    scroller->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Ignored);
+    auto* const list = new QWidget;
+    list->setAccessibleName(name);
+    list->setBackgroundRole(QPalette::Base);
+    auto* const rows = new QVBoxLayout(list);
+    rows->setContentsMargins(0, 0, 0, 0);
+    rows->setSpacing(0);
+    rows->addStretch();
+    scroller->setWidget(list);
+    return scroller;
+}
+
+void focusOn(QWidget& widget, Qt::FocusReason reason) {
+    widget.setFocus(reason);
+    for (QWidget* around = widget.parentWidget(); around != nullptr; around = around->parentWidget()) {
+        if (auto* const scroller = qobject_cast<QScrollArea*>(around)) {
+            scroller->ensureWidgetVisible(&widget);
+        }
     }
 }
 

@@ -7,7 +7,7 @@
 #include <QFont>
 #include <QFrame>
 #include <QLabel>
-#include <QPushButton>
+#include <QScrollArea>
 
 #include <string>
 
@@ -42,6 +42,22 @@ protected:
 private:
     void colour();
     Tone tone_;
+};
+
+/// A text of any length, which breaks wherever its line ends. Screen readers hear of it from whoever holds it.
+class WrappedText final : public QWidget {
+public:
+    WrappedText(QString words, QWidget* parent);
+    [[nodiscard]] QSize sizeHint() const override;
+    [[nodiscard]] QSize minimumSizeHint() const override;
+    [[nodiscard]] bool hasHeightForWidth() const override { return true; }
+    [[nodiscard]] int heightForWidth(int width) const override;
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    QString words_;
 };
 
 /// A message that comes and goes: hidden while empty, and told to screen readers when it changes.
@@ -106,6 +122,12 @@ private:
 };
 
 [[nodiscard]] QFrame* divider(QWidget* parent);
+
+/// A list of rows of which the window need not show all: it takes the room that is left, three rows at least.
+[[nodiscard]] QScrollArea* rowList(const QString& name, QWidget* parent);
+
+/// Gives it the focus, and scrolls to it what it lies in.
+void focusOn(QWidget& widget, Qt::FocusReason reason);
 
 /// Paints the symbol in the middle of the rectangle.
 void paintSymbol(QPainter& painter, const platform::Graphics& graphics, const std::string& name, double fontSize,

@@ -5,8 +5,6 @@
 #include <QKeyEvent>
 #include <QMenu>
 #include <QPainter>
-#include <QScrollArea>
-#include <QScrollBar>
 #include <QTimer>
 
 #include <algorithm>
@@ -17,7 +15,6 @@ namespace glintar::settings {
 namespace {
 
 constexpr int kSuggestionsHeight = 100;
-constexpr int kWidestRow = 640;
 
 /// One coin: it can take the focus, and is called as it reads.
 class RowView final : public QFrame {
@@ -31,15 +28,14 @@ public:
         layout->setContentsMargins(8, 2, 4, 2);
         auto* const texts = new QVBoxLayout;
         texts->setSpacing(2);
-        texts->addWidget(new ToneLabel(words, Tone::Primary, QApplication::font(), this));
+        texts->addWidget(new WrappedText(words, this));
         if (badge) {
             auto* const label = new ToneLabel(asText(*badge), Tone::Badge, fontSized(10, QFont::Medium), this);
             label->setObjectName("badge");
             label->setStyleSheet("#badge { background: rgba(255,149,0,25); border-radius: 4px; padding: 0 4px; }");
             texts->addWidget(label, 0, Qt::AlignLeft);
         }
-        layout->addLayout(texts);
-        layout->addStretch();
+        layout->addLayout(texts, 1);
         auto* const button =
             new RoundButton(graphics, "xmark.circle.fill", Tone::Error, "Remove " + asText(coin.displayName), this);
         layout->addWidget(button);
@@ -104,19 +100,10 @@ coinsSettingsView::coinsSettingsView(coinsSettingsViewModel& model, const platfo
 }
 
 QWidget* coinsSettingsView::makeList() {
-    auto* const scroller = new QScrollArea(this);
-    scroller->setWidgetResizable(true);
-    scroller->setFocusPolicy(Qt::NoFocus);
-    scroller->setSizeAdjustPolicy(QAbstractScrollArea::AdjustToContents);
-    scroller->setMaximumWidth(kWidestRow);
-    auto* const list = new QWidget;
-    list->setAccessibleName("Coins");
-    list->setBackgroundRole(QPalette::Base);
-    rows_ = new QVBoxLayout(list);
-    rows_->setContentsMargins(0, 0, 0, 0);
-    rows_->setSpacing(0);
-    rows_->addStretch();
-    scroller->setWidget(list);
+    auto* const scroller = rowList("Coins", this);
+    scroller->setSizeAdjustPolicy(QAbstractScrollArea::AdjustToContents);  // as wide as its rows
+    scroller->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    rows_ = static_cast<QVBoxLayout*>(scroller->widget()->layout());
     return scroller;
 }
 
@@ -245,7 +232,7 @@ void coinsSettingsView::showRows() {
     }
     rowViews_.clear();
     for (std::size_t i = 0; i < model_.coins.size(); ++i) {
-        auto* const row = new RowView(model_.coins[i], graphics_, this);
+        auto* const row = new RowView(model_.coins[i], graphics_, rows_->parentWidget());
         row->onRemove = [this, i] { remove(i); };
         row->onStep = [this, i](int step) { moveFocus(static_cast<int>(i), step); };
         rows_->insertWidget(static_cast<int>(i), row);
@@ -258,7 +245,7 @@ void coinsSettingsView::showRows() {
 
 void coinsSettingsView::moveFocus(int from, int step) {
     const auto last = static_cast<int>(rowViews_.size()) - 1;
-    rowViews_[static_cast<std::size_t>(std::clamp(from + step, 0, last))]->setFocus();
+    focusOn(*rowViews_[static_cast<std::size_t>(std::clamp(from + step, 0, last))], Qt::TabFocusReason);
 }
 
 void coinsSettingsView::remove(std::size_t row) {

@@ -13,8 +13,13 @@
 #include <QPainter>
 #include <QPixmap>
 #include <QPushButton>
+#include <QRadioButton>
+#include <QTabBar>
 #include <QTabWidget>
 #include <QVBoxLayout>
+
+#include <algorithm>
+#include <vector>
 
 namespace glintar::settings {
 
@@ -22,6 +27,22 @@ namespace {
 
 constexpr QSize kTabSize(450, 420);
 constexpr std::array<const char*, kTabs.size()> kMnemonics{"&Coins", "Data &Source", "&Display", "C&ontact", "&About"};
+
+/// Adds what the Tab key reaches in the widget, in the order in which it was made; of options the chosen one.
+void collectStops(const QWidget& widget, std::vector<QWidget*>& stops) {
+    for (QObject* const child : widget.children()) {
+        auto* const part = qobject_cast<QWidget*>(child);
+        if (part == nullptr || part->isHidden() || part->isWindow()) {
+            continue;
+        }
+        const auto* const option = qobject_cast<QRadioButton*>(part);
+        if ((part->focusPolicy() & Qt::TabFocus) != 0 && part->focusProxy() == nullptr && part->isEnabled() &&
+            (option == nullptr || option->isChecked())) {
+            stops.push_back(part);
+        }
+        collectStops(*part, stops);
+    }
+}
 
 class settingsView final : public QWidget {  // NOLINT(readability-identifier-naming): a given name
 public:
@@ -32,14 +53,15 @@ public:
         tabs_->tabBar()->setElideMode(Qt::ElideNone);
         tabs_->setUsesScrollButtons(false);
         for (auto* const view : std::initializer_list<QWidget*>{
-                 new coinsSettingsView(model.coins, graphics), new APISettingsView(model, graphics),
-                 new displaymodeSettingsView(model.display), new ContactSettingsView(model.about, graphics),
-                 new AboutView(model.about, graphics)}) {
+                 new coinsSettingsView(model.coins, graphics, tabs_), new APISettingsView(model, graphics, tabs_),
+                 new displaymodeSettingsView(model.display, tabs_),
+                 new ContactSettingsView(model.about, graphics, tabs_), new AboutView(model.about, graphics, tabs_)}) {
             tabs_->addTab(view, kMnemonics.at(static_cast<std::size_t>(tabs_->count())));
         }
         showIcons();
         all->addWidget(tabs_);
         addClose(*all);
+        tabs_->tabBar()->setFocus();
         QObject::connect(tabs_, &QTabWidget::currentChanged, this,
                          [this](int tab) { model_.select(kTabs.at(static_cast<std::size_t>(tab)).tag); });
         model_.onChange = [this] { showTab(); };
@@ -51,6 +73,19 @@ public:
     ~settingsView() override { model_.onChange = nullptr; }
 
 protected:
+    /// Qt's own order is that in which widgets got their window, which rows that come and go disturb.
+    bool focusNextPrevChild(bool next) override {
+        std::vector<QWidget*> stops{tabs_->tabBar()};
+        collectStops(*tabs_->currentWidget(), stops);
+        stops.push_back(close_);
+        const auto now = std::ranges::find(stops, focusWidget());
+        const auto at =
+            now == stops.end() ? (next ? stops.size() - 1 : 0) : static_cast<std::size_t>(now - stops.begin());
+        focusOn(*stops[(at + (next ? 1 : stops.size() - 1)) % stops.size()],
+                next ? Qt::TabFocusReason : Qt::BacktabFocusReason);
+        return true;
+    }
+
     void changeEvent(QEvent* event) override {
         QWidget::changeEvent(event);
         if (event->type() == QEvent::PaletteChange && tabs_ != nullptr) {
@@ -60,7 +95,7 @@ protected:
 
 private:
     void addClose(QVBoxLayout& all) {
-        auto* const close = new QPushButton("C&lose", this);
+        auto* const close = close_ = new QPushButton("C&lose", this);
         close->setObjectName("close");
         close->setStyleSheet(
             "#close { background: #0a66d6; color: white; border: 2px solid transparent; border-radius: 8px;"
@@ -100,6 +135,7 @@ private:
     settingsViewModel& model_;
     const platform::Graphics& graphics_;
     QTabWidget* tabs_ = nullptr;
+    QPushButton* close_ = nullptr;
 };
 
 }  // namespace
