@@ -9,6 +9,9 @@ namespace glintar::bench {
 
 void benchDocuments(const std::string& resources);
 
+/// The suggestions of the settings for what is typed, letter by letter.
+void benchKeystrokes(const std::string& resources);
+
 /// `glintar line --once` beside what a shell script would do.
 void benchOnce(const std::string& programs);
 

@@ -1,6 +1,6 @@
-// glintar-bench PROGRAMS RESOURCES MINUTES [NAME]: prints the table; with a NAME ("documents", "once", "pills",
-// "desktop", "panel", "running") that part of it alone. `glintar line` runs for MINUTES, the desktop for one; for none
-// where it is 0.
+// glintar-bench PROGRAMS RESOURCES MINUTES [NAME]: prints the table; with a NAME ("documents", "keystrokes",
+// "once", "pills", "desktop", "panel", "running") that part of it alone. `glintar line` runs for MINUTES, the desktop
+// for one; for none where it is 0.
 
 #include "benchmarks/Benches.h"
 #include "benchmarks/Measure.h"
@@ -25,6 +25,9 @@ int main(int argc, char** argv) {
     bench::printHeader();
     if (wanted("documents")) {
         bench::benchDocuments(argv[2]);
+    }
+    if (wanted("keystrokes")) {
+        bench::benchKeystrokes(argv[2]);
     }
     if (wanted("once")) {
         bench::benchOnce(argv[1]);

@@ -4,6 +4,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <optional>
 #include <utility>
 
@@ -36,10 +37,13 @@ std::optional<Arguments::Command> commandNamed(std::string_view name) {
 }  // namespace
 
 std::string_view usage() {
-    return "Usage: glintar [--demo]\n"
+    return "Usage: glintar [--settings] [--demo]\n"
            "       glintar line [--once] [--format text|json] [--demo]\n"
            "       glintar compare [--format text|json] [--demo]\n"
            "       glintar diagnose [--format text|json] [--demo]\n"
+           "       glintar coins list | search TEXT | add TEXT [--ref PRICE] | remove APIID\n"
+           "       glintar source list | use ID | key ID\n"
+           "       glintar display list | set NAME VALUE\n"
            "       glintar --help | --version\n"
            "\n"
            "Live crypto prices in the status bar; without an X display, in this terminal.\n"
@@ -47,8 +51,12 @@ std::string_view usage() {
            "  line             print the price line at each refresh, for terminals and text bars\n"
            "  compare          print once what each coin costs at every source: status 1 with no price at all\n"
            "  diagnose         test once which services can be reached: status 1 when one cannot\n"
+           "  coins            the coins that are shown: at most five\n"
+           "  source           the service that is asked, and your key for it, read from standard input\n"
+           "  display          how prices are shown\n"
+           "  --settings       open the settings window, of a Glintar that runs already too\n"
            "  --once           refresh once and end: status 0 with at least one price, 1 with none\n"
-           "  --format FORMAT  text (the default) or json, one object a line\n"
+           "  --format FORMAT  text (the default) or json, one value a line; for list and search too\n"
            "  --demo           a simulated market and a throw-away profile; asks no real service\n"
            "  --help           this text\n"
            "  --version        the version\n"
@@ -60,6 +68,12 @@ std::string_view usage() {
 std::expected<Arguments, std::string> parseArguments(std::span<const char* const> arguments) {
     Arguments parsed;
     bool hasFormat = false;
+    const std::string_view first = arguments.empty() ? "" : arguments.front();
+    if (first == "coins" || first == "source" || first == "display") {
+        const bool wantsHelp = std::ranges::find(arguments, std::string_view("--help")) != arguments.end();
+        return Arguments{.command = wantsHelp ? Arguments::Command::Help : Arguments::Command::Settings,
+                         .words = {arguments.begin(), arguments.end()}};
+    }
     for (std::size_t i = 0; i < arguments.size(); ++i) {
         const std::string_view argument = arguments[i];
         if (argument == "--help" || argument == "-h") {
@@ -70,6 +84,8 @@ std::expected<Arguments, std::string> parseArguments(std::span<const char* const
         }
         if (argument == "--demo") {
             parsed.demo = true;
+        } else if (argument == "--settings") {
+            parsed.opensSettings = true;
         } else if (argument == "--once") {
             parsed.once = true;
         } else if (argument == "--format" || argument.starts_with("--format=")) {
@@ -97,6 +113,9 @@ std::expected<Arguments, std::string> parseArguments(std::span<const char* const
     }
     if (hasFormat && parsed.command == Arguments::Command::Desktop) {
         return std::unexpected("--format belongs to a command: glintar line --format");
+    }
+    if (parsed.opensSettings && parsed.command == Arguments::Command::Line) {
+        return std::unexpected("--settings belongs to the desktop: glintar --settings");
     }
     return parsed;
 }

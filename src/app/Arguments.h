@@ -4,6 +4,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace glintar::app {
 
@@ -14,11 +15,13 @@ enum class Format { Text, Json };
 
 /// What the user asked the program to do.
 struct Arguments {
-    enum class Command { Desktop, Line, Compare, Diagnose, Help, Version };
+    enum class Command { Desktop, Line, Compare, Diagnose, Settings, Help, Version };
     Command command = Command::Desktop;
     Format format = Format::Text;
     bool once = false;
     bool demo = false;
+    bool opensSettings = false;           ///< of the desktop program
+    std::vector<std::string_view> words;  ///< of `Settings`: the command with all that follows; as long as main's
 };
 
 /// The error is a sentence for the user.

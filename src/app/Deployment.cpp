@@ -22,6 +22,13 @@ std::string_view builtInConfigServer() {
     return GLINTAR_BUILT_IN_CONFIG_SERVER;
 }
 
+Deployment deployment() {
+    return {.supportAddress = GLINTAR_SUPPORT_ADDRESS,
+            .website = GLINTAR_WEBSITE,
+            .faqPage = GLINTAR_FAQ_PAGE,
+            .releaseFeed = GLINTAR_RELEASE_FEED};
+}
+
 std::expected<std::string, std::string> configServer(std::optional<std::string_view> fromEnvironment,
                                                      std::string_view builtIn) {
     const std::string_view address = fromEnvironment.value_or(builtIn);

@@ -1,7 +1,13 @@
 #include "app/GlintarApp.h"
 
 #include "app/Arguments.h"
+#include "app/Deployment.h"
+#include "arbiter/DashboardView.h"
+#include "diagnostics/NetworkDiagnosticView.h"
 #include "platform/qt/DesktopPlatform.h"
+#include "settings/settingsView.h"
+
+#include <utility>
 
 namespace glintar::app {
 
@@ -10,21 +16,39 @@ namespace {
 constexpr const char* kIdentifier = "org.glintar.Glintar";
 constexpr const char* kDemoIdentifier = "org.glintar.Glintar.Demo";
 
+settings::Contacts contacts() {
+    auto decided = deployment();
+    return {.support = std::move(decided.supportAddress),
+            .website = std::move(decided.website),
+            .faqPage = std::move(decided.faqPage)};
+}
+
+AppDelegate::Views views(platform::Platform& platform, platform::Desktop& desktop) {
+    return {.dashboard = [&](auto& model) { return arbiter::makeDashboardView(platform, desktop, model); },
+            .diagnostics = [&](auto& model) { return diagnostics::makeNetworkDiagnosticView(platform, desktop, model); },
+            .settings = [&](auto& model) { return settings::makeSettingsView(model, desktop.graphics); }};
+}
+
 }  // namespace
 
 GlintarApp::GlintarApp(platform::DesktopPlatform& machine, const Arguments& arguments)
     : machine_(machine),
+      opensSettings_(arguments.opensSettings),
       instance_(arguments.demo ? kDemoIdentifier : kIdentifier),
       _appDelegate(machine.platform(), machine.desktop(),
-                   {.checksForDocuments = !arguments.demo,
+                   {.isDemo = arguments.demo,
+                    .opensSettings = arguments.opensSettings,
                     .mark = arguments.demo ? kSimulatedMark : "",
+                    .contacts = contacts(),
+                    .releaseFeed = deployment().releaseFeed,
+                    .views = views(machine.platform(), machine.desktop()),
                     .terminate = [&machine] { machine.exit(0); }}) {
     machine.onTerminate([&machine] { machine.exit(0); });
-    instance_.onSecondStart = [this] { _appDelegate.applicationWasReopened(); };
+    instance_.onSecondStart = [this](bool opensSettings) { _appDelegate.applicationWasReopened(opensSettings); };
 }
 
 int GlintarApp::run() {
-    if (!instance_.claim()) {
+    if (!instance_.claim(opensSettings_)) {
         return 0;
     }
     machine_.watch();

@@ -21,6 +21,7 @@ public:
 
 private:
     platform::DesktopPlatform& machine_;
+    bool opensSettings_;
     SingleInstance instance_;
     AppDelegate _appDelegate;
 };

@@ -20,6 +20,7 @@ namespace {
 
 constexpr const char* kInterface = "org.freedesktop.Application";
 constexpr int kAnswerWithin = 1000;  // ms
+constexpr QLatin1String kSettingsAction("settings");
 
 /// As the Desktop Entry standard derives it from the application's name.
 QString objectPathOf(QString busName) {
@@ -47,11 +48,12 @@ SingleInstance::~SingleInstance() {
     }
 }
 
-bool SingleInstance::claim() {
-    return platform::sessionBusAddress() && QDBusConnection::sessionBus().isConnected() ? claimBusName() : claimLock();
+bool SingleInstance::claim(bool opensSettings) {
+    return platform::sessionBusAddress() && QDBusConnection::sessionBus().isConnected() ? claimBusName(opensSettings)
+                                                                                        : claimLock(opensSettings);
 }
 
-bool SingleInstance::claimBusName() {
+bool SingleInstance::claimBusName(bool opensSettings) {
     auto bus = QDBusConnection::sessionBus();
     // The object first: whoever sees the name may call it.
     bus.registerObject(objectPathOf(busName_), this, QDBusConnection::ExportAllSlots);
@@ -60,14 +62,18 @@ bool SingleInstance::claimBusName() {
     hasBusName_ = !reply.isValid() || reply.value() == QDBusConnectionInterface::ServiceRegistered;
     if (!hasBusName_) {
         bus.unregisterObject(objectPathOf(busName_));
-        auto call = QDBusMessage::createMethodCall(busName_, objectPathOf(busName_), kInterface, "Activate");
+        auto call = QDBusMessage::createMethodCall(busName_, objectPathOf(busName_), kInterface,
+                                                   opensSettings ? "ActivateAction" : "Activate");
+        if (opensSettings) {
+            call << QString(kSettingsAction) << QVariantList();
+        }
         call << QVariantMap();
         bus.call(call, QDBus::Block, kAnswerWithin);
     }
     return hasBusName_;
 }
 
-bool SingleInstance::claimLock() {
+bool SingleInstance::claimLock(bool opensSettings) {
     const auto folder = environment("XDG_RUNTIME_DIR");
     if (!folder) {
         return true;
@@ -79,7 +85,8 @@ bool SingleInstance::claimLock() {
     // Where no lock can be made there is nothing that tells of others.
     if (lock_.number() >= 0 && ::flock(lock_.number(), LOCK_EX | LOCK_NB) != 0) {
         const auto address = addressOf(socketPath_);
-        ::sendto(socket_.number(), "", 1, MSG_NOSIGNAL, reinterpret_cast<const sockaddr*>(&address), sizeof address);
+        ::sendto(socket_.number(), opensSettings ? "s" : "", 1, MSG_NOSIGNAL,
+                 reinterpret_cast<const sockaddr*>(&address), sizeof address);
         socketPath_.clear();
         return false;
     }
@@ -95,16 +102,26 @@ void SingleInstance::listen() {
     }
     knocks_ = std::make_unique<QSocketNotifier>(socket_.number(), QSocketNotifier::Read);
     connect(knocks_.get(), &QSocketNotifier::activated, this, [this] {
-        char knock = 0;
-        while (::recv(socket_.number(), &knock, sizeof knock, 0) >= 0) {
+        bool opensSettings = false;
+        for (char knock = 0; ::recv(socket_.number(), &knock, sizeof knock, 0) >= 0;) {
+            opensSettings = opensSettings || knock == 's';
         }
-        Activate({});
+        tell(opensSettings);
     });
 }
 
 void SingleInstance::Activate(const QVariantMap& /*platformData*/) {
+    tell(false);
+}
+
+void SingleInstance::ActivateAction(const QString& name, const QVariantList& /*parameter*/,
+                                    const QVariantMap& /*platformData*/) {
+    tell(name == kSettingsAction);
+}
+
+void SingleInstance::tell(bool opensSettings) {
     if (onSecondStart) {
-        onSecondStart();
+        onSecondStart(opensSettings);
     }
 }
 

@@ -5,6 +5,7 @@
 #include <QObject>
 #include <QSocketNotifier>
 #include <QString>
+#include <QVariantList>
 #include <QVariantMap>
 
 #include <filesystem>
@@ -26,19 +27,22 @@ public:
 
     /// Whether nobody else is there; if somebody is, it has been asked to show itself. Call it once, and take calls of
     /// others from the event loop then. Blocks for a round trip to the bus.
-    [[nodiscard]] bool claim();
+    /// `opensSettings` is what it is asked for then.
+    [[nodiscard]] bool claim(bool opensSettings);
 
     /// Runs when the program was started a second time.
-    std::function<void()> onSecondStart;
+    std::function<void(bool opensSettings)> onSecondStart;
 
 public slots:  // the Application interface of the Desktop Entry standard
     // NOLINTBEGIN(readability-identifier-naming): names on the bus
     void Activate(const QVariantMap& platformData);
+    void ActivateAction(const QString& name, const QVariantList& parameter, const QVariantMap& platformData);
     // NOLINTEND(readability-identifier-naming)
 
 private:
-    bool claimBusName();
-    bool claimLock();
+    bool claimBusName(bool opensSettings);
+    bool claimLock(bool opensSettings);
+    void tell(bool opensSettings);
     void listen();
 
     QString busName_;

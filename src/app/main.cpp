@@ -7,12 +7,33 @@
 #include "platform/qt/DisplayGuard.h"
 
 #include <fmt/format.h>
+#include <unistd.h>
 
 #include <cstdlib>
+#include <filesystem>
+#include <vector>
+
+namespace {
+
+using namespace glintar;
+
+enum class End { ForGood, ToStartAnew };
+
+/// Runs the program, of which nothing is left when this returns.
+End run(int argc, char** argv, const app::Start& start, const std::optional<demo::DemoSession>& session, int& status) {
+    platform::DesktopPlatform machine(argc, argv, app::platformOptions(start, session));
+    status = app::GlintarApp(machine, start.arguments).run();
+    return machine.isRelaunchWanted() ? End::ToStartAnew : End::ForGood;
+}
+
+}  // namespace
 
 int main(int argc, char** argv) {
-    using namespace glintar;
     platform::reserveStandardStreams();
+    // Both as they are now: Qt takes its own out of the arguments, and an update may put another program in this place.
+    std::vector<char*> arguments(argv, argv + argc + 1);
+    std::error_code error;
+    const auto program = std::filesystem::read_symlink("/proc/self/exe", error);
     const auto start = app::readStart(argc, argv);
     if (!start) {
         return start.error();
@@ -25,10 +46,17 @@ int main(int argc, char** argv) {
         platform::complain(fmt::format("glintar: {}\n", *problem));
         return app::kFailed;
     }
-    const auto session = app::prepareProcess(start->arguments);
-    if (!session) {
-        return session.error();
+    int status = 0;
+    {
+        const auto session = app::prepareProcess(start->arguments);
+        if (!session) {
+            return session.error();
+        }
+        if (run(argc, argv, *start, *session, status) == End::ForGood) {
+            return status;
+        }
     }
-    platform::DesktopPlatform machine(argc, argv, app::platformOptions(*start, *session));
-    return app::GlintarApp(machine, start->arguments).run();
+    ::execv(program.c_str(), arguments.data());
+    platform::complain("glintar: could not be started anew\n");
+    return app::kFailed;
 }

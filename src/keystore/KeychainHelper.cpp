@@ -27,6 +27,10 @@ platform::SecretStatus KeychainHelper::delete_(std::string_view keyName) const {
     return platform_.secrets.remove(keyName, kAccount);
 }
 
+platform::SecretLookup KeychainHelper::peek(std::string_view keyName) const {
+    return platform_.secrets.peek(keyName, kAccount);
+}
+
 std::string KeychainHelper::keyNameOf(std::string_view sourceId) {
     return "apiKey_" + std::string(sourceId);
 }

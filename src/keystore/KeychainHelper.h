@@ -13,7 +13,7 @@ struct Platform;
 namespace glintar::keystore {
 
 /// The user's API keys, in the desktop's secure store. Keeps nothing itself; main thread only, and never waits longer
-/// than the store does. A failure that keeps a key from being read looks like a missing key.
+/// than the store does. To most callers a failure looks like a missing key; the settings ask what it was.
 class KeychainHelper {
 public:
     explicit KeychainHelper(platform::Platform& platform) : platform_(platform) {}
@@ -24,6 +24,9 @@ public:
     [[nodiscard]] std::optional<std::string> read(std::string_view keyName) const;
     /// `Done` as for `save`; `NotFound` when there was none.
     platform::SecretStatus delete_(std::string_view keyName) const;
+
+    /// What is known of the key now, without any wait.
+    [[nodiscard]] platform::SecretLookup peek(std::string_view keyName) const;
 
     /// Key name of a source's API key, and the key itself as text; empty when there is none or it is no UTF-8.
     [[nodiscard]] static std::string keyNameOf(std::string_view sourceId);

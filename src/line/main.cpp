@@ -4,9 +4,12 @@
 #include "line/CompareCommand.h"
 #include "line/DiagnoseCommand.h"
 #include "line/LineCommand.h"
+#include "line/SettingsCommand.h"
 #include "platform/posix/Descriptor.h"
 #include "platform/posix/InstalledBundle.h"
+#include "platform/posix/XdgLoginItem.h"
 #include "platform/real/TerminalPlatform.h"
+#include "platform/terminal/SecretInput.h"
 #include "presenter/SettingsWatch.h"
 
 #include <fmt/format.h>
@@ -56,6 +59,22 @@ int runOnce(platform::TerminalPlatform& terminal, const app::Start& start) {
     return machine.exec();
 }
 
+int runSettings(platform::TerminalPlatform& terminal, const app::Start& start) {
+    auto& machine = terminal.machine();
+    platform::XdgLoginItem loginItem(machine.platform().files,
+                                     platform::InstalledBundle::program("glintar-desktop").value_or("glintar-desktop"),
+                                     app::environment("XDG_CURRENT_DESKTOP").value_or(""));
+    line::SettingsCommand command(
+        {.platform = machine.platform(),
+         .loginItem = loginItem,
+         .output = terminal.output(),
+         .readKey = [] { return platform::readSecretLine("API key (an empty line removes it): "); },
+         .finish = [&](int status) { machine.exit(status); }});
+    machine.onTerminate = [&] { machine.exit(app::kFailed); };
+    command.start(start.arguments.words);
+    return machine.exec();
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -80,6 +99,8 @@ int main(int argc, char** argv) {
             return runOnce<line::CompareCommand>(terminal, *start);
         case app::Arguments::Command::Diagnose:
             return runOnce<line::DiagnoseCommand>(terminal, *start);
+        case app::Arguments::Command::Settings:
+            return runSettings(terminal, *start);
         default:
             return runLine(terminal, *start);
     }

@@ -25,8 +25,16 @@ public:
     virtual ~SecretStore() = default;
 
     [[nodiscard]] virtual SecretLookup find(std::string_view service, std::string_view account) = 0;
+
+    /// The same without any wait: what is not known yet is `Pending`.
+    [[nodiscard]] virtual SecretLookup peek(std::string_view service, std::string_view account) {
+        return find(service, account);
+    }
     virtual SecretStatus add(std::string_view service, std::string_view account, std::string_view bytes) = 0;
     virtual SecretStatus remove(std::string_view service, std::string_view account) = 0;
+
+    /// Whether something that was added or removed has been neither accepted nor refused yet.
+    [[nodiscard]] virtual bool isWriting() const { return false; }
 
     /// Runs on the main thread when an item that was asked for before reads differently now: unlocked or written
     /// elsewhere, answered late, or refused.

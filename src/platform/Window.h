@@ -95,6 +95,9 @@ public:
     [[nodiscard]] virtual std::unique_ptr<Alert> showAlert(AlertText text,
                                                            std::function<void(std::size_t button)> onAnswer) = 0;
 
+    /// Whether windows can be translucent.
+    [[nodiscard]] virtual bool hasCompositor() const = 0;
+
     /// The screen that is nearest to the middle of the rectangle, without the desktop's panels.
     [[nodiscard]] virtual Rect visibleFrame(const Rect& near) const = 0;
 

@@ -63,6 +63,9 @@ public:
     /// Shows what is known once more, as the last refresh left it; nothing before the first.
     void redisplayFromCache();
 
+    /// The last quotes, old ones among them; none before the first.
+    [[nodiscard]] const std::optional<market::MarketDataMap>& cachedMarketData() const { return cachedMarketData_; }
+
 private:
     struct Wish;
     struct FetchResult;

@@ -76,6 +76,12 @@ Files::Outcome PosixFiles::remove(const std::filesystem::path& path) {
     return ::unlink(path.c_str()) == 0 ? Outcome{} : std::unexpected(describe(errno));
 }
 
+Files::Outcome PosixFiles::removeAll(const std::filesystem::path& path) {
+    std::error_code error;
+    std::filesystem::remove_all(path, error);
+    return error ? Outcome(std::unexpected(error.message())) : Outcome{};
+}
+
 Files::Outcome PosixFiles::makeDirectories(const std::filesystem::path& path) {
     std::error_code error;
     std::filesystem::create_directories(path, error);

@@ -11,6 +11,7 @@ public:
     std::expected<std::string, std::string> read(const std::filesystem::path& path) const override;
     Outcome replace(const std::filesystem::path& path, std::string_view bytes) override;
     Outcome remove(const std::filesystem::path& path) override;
+    Outcome removeAll(const std::filesystem::path& path) override;
     Outcome makeDirectories(const std::filesystem::path& path) override;
 };
 

@@ -73,7 +73,9 @@ DesktopPlatform::DesktopPlatform(int& argc, char** argv, const RealPlatform::Opt
                   .isManaged = pointer_.isSeenEverywhere()}),
       windows_({.loop = platform().runLoop, .connection = *connection_, .compositor = compositor_, .screens = screens_},
                platform().console, session_),
-      desktop_{graphics_, events_, statusBar_, pointer_, windows_, clipboard_} {
+      loginItem_(platform().files, InstalledBundle::program("glintar-desktop").value_or("glintar-desktop"),
+                 variable("XDG_CURRENT_DESKTOP")),
+      desktop_{graphics_, events_, statusBar_, pointer_, windows_, clipboard_, workspace_, loginItem_} {
     // Qt has taken the user's locale; numbers are read and written without one.
     std::setlocale(LC_NUMERIC, "C");
     // Qt's painter hands pieces of a picture to a pool of threads. Ours are too small for more than one of them.
@@ -84,6 +86,7 @@ DesktopPlatform::DesktopPlatform(int& argc, char** argv, const RealPlatform::Opt
 DesktopPlatform::~DesktopPlatform() {
     releaseDisplay();
     machine_.endWork();  // it draws
+    platform().registry.clear();  // windows among it
 }
 
 }  // namespace glintar::platform

@@ -2,6 +2,7 @@
 
 #include "platform/Desktop.h"
 #include "platform/NotificationCenter.h"
+#include "platform/posix/XdgLoginItem.h"
 #include "platform/qt/XcbReader.h"
 #include "platform/qt/events/QtDesktopEvents.h"
 #include "platform/qt/graphics/QtGraphics.h"
@@ -10,6 +11,7 @@
 #include "platform/qt/windows/QtPointer.h"
 #include "platform/qt/windows/QtScreens.h"
 #include "platform/qt/windows/QtWindowServer.h"
+#include "platform/qt/windows/QtWorkspace.h"
 #include "platform/real/RealPlatform.h"
 #include "platform/xcb/CompositorWatch.h"
 #include "platform/xcb/XcbConnection.h"
@@ -43,6 +45,9 @@ public:
     [[nodiscard]] Platform& platform() { return machine_.platform(); }
     [[nodiscard]] Desktop& desktop() { return desktop_; }
 
+    /// Whether the program is to be started anew once everything here has gone.
+    [[nodiscard]] bool isRelaunchWanted() const { return workspace_.isRelaunchWanted(); }
+
 private:
     // Destroyed from the last to the first: whoever draws or listens goes before what it draws on.
     DesktopSettingsPolicy policy_;
@@ -60,6 +65,8 @@ private:
     QtStatusBar statusBar_;
     QtWindowServer windows_;
     QtClipboard clipboard_;
+    QtWorkspace workspace_;
+    XdgLoginItem loginItem_;
     Desktop desktop_;
 };
 

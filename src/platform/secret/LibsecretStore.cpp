@@ -31,6 +31,19 @@ LibsecretStore::~LibsecretStore() {
 }
 
 SecretLookup LibsecretStore::find(std::string_view service, std::string_view account) {
+    return look(service, account, Wait::Briefly);
+}
+
+SecretLookup LibsecretStore::peek(std::string_view service, std::string_view account) {
+    return look(service, account, Wait::No);
+}
+
+bool LibsecretStore::isWriting() const {
+    const std::lock_guard lock(mutex_);
+    return cache_.isWriting();
+}
+
+SecretLookup LibsecretStore::look(std::string_view service, std::string_view account, Wait wait) {
     if (!isAddress(service) || !isAddress(account)) {
         return {SecretStatus::NotFound, {}};
     }
@@ -41,7 +54,7 @@ SecretLookup LibsecretStore::find(std::string_view service, std::string_view acc
     if (want != SecretCache::Want::Nothing) {
         wake();
     }
-    if (want == SecretCache::Want::First && !isSlow) {
+    if (wait == Wait::Briefly && want == SecretCache::Want::First && !isSlow) {
         answered_.wait_for(lock, kFirstReadLimit, [&] { return cache_.isAnswered(key); });
     }
     const auto answer = cache_.find(key);

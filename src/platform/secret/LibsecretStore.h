@@ -31,10 +31,14 @@ public:
     ~LibsecretStore() override;  // takes less than 100 ms, of which a write under way gets the first 50
 
     [[nodiscard]] SecretLookup find(std::string_view service, std::string_view account) override;
+    [[nodiscard]] SecretLookup peek(std::string_view service, std::string_view account) override;
     SecretStatus add(std::string_view service, std::string_view account, std::string_view bytes) override;
     SecretStatus remove(std::string_view service, std::string_view account) override;
+    [[nodiscard]] bool isWriting() const override;
 
 private:
+    enum class Wait { Briefly, No };
+    [[nodiscard]] SecretLookup look(std::string_view service, std::string_view account, Wait wait);
     void wake();  // any thread
     void tell();
 
@@ -52,7 +56,7 @@ private:
     std::atomic<bool> isStopping_ = false;
     std::atomic<bool> isNoticePosted_ = false;
 
-    std::mutex mutex_;  // for what follows
+    mutable std::mutex mutex_;  // for what follows
     std::condition_variable answered_;
     SecretCache cache_;
 

@@ -13,6 +13,11 @@ SecretLookup LoadedSecretStore::find(std::string_view service, std::string_view 
     return found ? found->find(service, account) : SecretLookup{SecretStatus::Unavailable, {}};
 }
 
+SecretLookup LoadedSecretStore::peek(std::string_view service, std::string_view account) {
+    auto* const found = store();
+    return found ? found->peek(service, account) : SecretLookup{SecretStatus::Unavailable, {}};
+}
+
 SecretStatus LoadedSecretStore::add(std::string_view service, std::string_view account, std::string_view bytes) {
     auto* const found = store();
     return found ? found->add(service, account, bytes) : SecretStatus::Unavailable;

@@ -23,8 +23,10 @@ public:
         : runLoop_(runLoop), console_(console), isOn_(isOn) {}
 
     SecretLookup find(std::string_view service, std::string_view account) override;
+    SecretLookup peek(std::string_view service, std::string_view account) override;
     SecretStatus add(std::string_view service, std::string_view account, std::string_view bytes) override;
     SecretStatus remove(std::string_view service, std::string_view account) override;
+    bool isWriting() const override { return store_ != nullptr && store_->isWriting(); }
 
 private:
     SecretStore* store();

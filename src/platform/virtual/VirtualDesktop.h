@@ -7,6 +7,7 @@
 #include "platform/StatusBar.h"
 #include "platform/Window.h"
 #include "platform/virtual/VirtualGraphics.h"
+#include "platform/virtual/VirtualWorkspace.h"
 
 #include <functional>
 #include <optional>
@@ -142,12 +143,14 @@ public:
     std::unique_ptr<Window> makeWindow(Window::Frame frame, std::string title) override;
     std::unique_ptr<Overlay> makeOverlay(std::string title) override;
     std::unique_ptr<Alert> showAlert(AlertText text, std::function<void(std::size_t)> onAnswer) override;
+    bool hasCompositor() const override { return compositor; }
     Rect visibleFrame(const Rect&) const override { return screenWithoutPanels; }
     void notify(std::string title, std::string text) override;
 
     std::vector<VirtualOverlay*> overlays;  ///< all that were made; the test knows which are still there
     std::vector<std::shared_ptr<WindowState>> windows;
     std::vector<std::shared_ptr<AlertState>> alerts;
+    bool compositor = true;
     Rect screenWithoutPanels{0, 0, 1280, 800};
     std::vector<std::pair<std::string, std::string>> notices;
 };
@@ -164,9 +167,11 @@ public:
     VirtualPointer pointer;
     VirtualWindowServer windows;
     VirtualClipboard clipboard;
+    VirtualWorkspace workspace;
+    VirtualLoginItem loginItem;
 
 private:
-    Desktop desktop_{graphics, events, statusBar, pointer, windows, clipboard};
+    Desktop desktop_{graphics, events, statusBar, pointer, windows, clipboard, workspace, loginItem};
 };
 
 }  // namespace glintar::platform

@@ -37,7 +37,7 @@ SecretStatus VirtualSecretStore::remove(std::string_view service, std::string_vi
 }
 
 bool VirtualFiles::exists(const std::filesystem::path& path) const {
-    return contents.contains(path) || unreadable.contains(path);
+    return contents.contains(path) || unreadable.contains(path) || folders.contains(path);
 }
 
 std::expected<std::string, std::string> VirtualFiles::read(const std::filesystem::path& path) const {
@@ -63,6 +63,15 @@ Files::Outcome VirtualFiles::replace(const std::filesystem::path& path, std::str
 
 Files::Outcome VirtualFiles::remove(const std::filesystem::path& path) {
     return contents.erase(path) > 0 ? Outcome{} : std::unexpected("No such file or directory");
+}
+
+Files::Outcome VirtualFiles::removeAll(const std::filesystem::path& path) {
+    if (!writeFailure.empty()) {
+        return std::unexpected(writeFailure);
+    }
+    std::erase_if(contents, [&](const auto& file) { return file.first == path || file.first.parent_path() == path; });
+    folders.erase(path);
+    return {};
 }
 
 Files::Outcome VirtualFiles::makeDirectories(const std::filesystem::path& path) {

@@ -20,6 +20,7 @@ public:
     std::unique_ptr<Window> makeWindow(Window::Frame frame, std::string title) override;
     std::unique_ptr<Overlay> makeOverlay(std::string title) override;
     std::unique_ptr<Alert> showAlert(AlertText text, std::function<void(std::size_t)> onAnswer) override;
+    bool hasCompositor() const override { return surroundings_.compositor.isRunning(); }
     Rect visibleFrame(const Rect& near) const override;
     void notify(std::string title, std::string text) override;
 
