@@ -2,6 +2,7 @@
 
 #include "platform/DesktopEvents.h"
 #include "platform/Directories.h"
+#include "platform/Registry.h"
 #include "platform/qt/SessionBusGuard.h"
 #include "platform/secret/SessionBus.h"
 
@@ -81,7 +82,8 @@ DesktopPlatform::DesktopPlatform(int& argc, char** argv, const RealPlatform::Opt
 
 DesktopPlatform::~DesktopPlatform() {
     guard_.release();
-    machine_.endWork();  // it draws
+    machine_.endWork();           // it draws
+    platform().registry.clear();  // some of it has windows
 }
 
 void DesktopPlatform::watch() {
