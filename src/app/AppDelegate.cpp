@@ -20,7 +20,11 @@ constexpr std::chrono::milliseconds kTimeToOpen{100};
 }  // namespace
 
 AppDelegate::AppDelegate(platform::Platform& platform, platform::Desktop& desktop, Options options)
-    : platform_(platform), desktop_(desktop), options_(std::move(options)), settingsWatch_(platform), diagnostics_(platform, desktop, options_.views.diagnostics) {
+    : platform_(platform),
+      desktop_(desktop),
+      options_(std::move(options)),
+      settingsWatch_(platform),
+      diagnostics_(platform, desktop, options_.views.diagnostics) {
     if (options_.isDemo) {
         config::APIConfigUpdater::shared(platform_).skipCheck();
         config::CoinListUpdater::shared(platform_).skipCheck();
@@ -34,7 +38,8 @@ void AppDelegate::applicationDidFinishLaunching() {
     surface_.emplace(platform_, desktop_, requests(), options_.mark);
     statusBarController_.emplace(platform_, *surface_, presenter::StatusBarController::Options{});
     statusBarController_->show();
-    settingsRequests_ = platform_.notifications.observe(menubar::kRequestOpenDisplaySettings, [this] { openDisplaySettings(); });
+    settingsRequests_ =
+        platform_.notifications.observe(menubar::kRequestOpenDisplaySettings, [this] { openDisplaySettings(); });
     if (options_.opensSettings) {
         openSettings();
     }

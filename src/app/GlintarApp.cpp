@@ -24,9 +24,10 @@ settings::Contacts contacts() {
 }
 
 AppDelegate::Views views(platform::Platform& platform, platform::Desktop& desktop) {
-    return {.dashboard = [&](auto& model) { return arbiter::makeDashboardView(platform, desktop, model); },
-            .diagnostics = [&](auto& model) { return diagnostics::makeNetworkDiagnosticView(platform, desktop, model); },
-            .settings = [&](auto& model) { return settings::makeSettingsView(model, desktop.graphics); }};
+    return {
+        .dashboard = [&](auto& model) { return arbiter::makeDashboardView(platform, desktop, model); },
+        .diagnostics = [&](auto& model) { return diagnostics::makeNetworkDiagnosticView(platform, desktop, model); },
+        .settings = [&](auto& model) { return settings::makeSettingsView(model, desktop.graphics); }};
 }
 
 }  // namespace

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "arbiter/DashboardPictures.h"
+#include "arbiter/DashboardPicturesView.h"
 #include "arbiter/DashboardStyle.h"
 
 #include <QWidget>

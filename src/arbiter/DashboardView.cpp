@@ -1,7 +1,7 @@
 #include "arbiter/DashboardView.h"
 
 #include "arbiter/DashboardColumnView.h"
-#include "arbiter/DashboardPictures.h"
+#include "arbiter/DashboardPicturesView.h"
 #include "arbiter/DashboardStyle.h"
 #include "platform/Desktop.h"
 #include "platform/DesktopEvents.h"
@@ -73,7 +73,7 @@ public:
 
 protected:
     void paintEvent(QPaintEvent* /*event*/) override {
-        const bool isTranslucent = window()->property("isTranslucent").toBool();
+        const bool isTranslucent = platform::isInTranslucentWindow(*this);
         QPainter painter(this);
         painter.setRenderHint(QPainter::Antialiasing);
         QPainterPath plate;

@@ -34,6 +34,8 @@ using platform::Descriptor;
 using Clock = std::chrono::steady_clock;
 using Outcome = std::expected<void, std::string>;
 
+constexpr const char* kDownloaded = "data/glintar/remote_api_endpoints.json";
+
 struct Pipe {
     Descriptor out;
     Descriptor in;
@@ -199,7 +201,7 @@ Outcome DemoSession::Parts::launch(const std::filesystem::path& program, const s
     if (!input || !answers) {
         return std::unexpected(std::strerror(errno));
     }
-    const std::string document = folder / "resources/api_endpoints.json";
+    const std::string document = folder / kDownloaded;
     std::vector<std::string> words = {program, "--with-parent", "--write-config", document, "--remove-at-end", folder};
     std::vector<char*> arguments;
     arguments.reserve(words.size() + 1);
@@ -238,7 +240,10 @@ Outcome DemoSession::Parts::awaitAddress(Clock::time_point until) {
         return std::unexpected(fmt::format("the market says \"{}\"", *line));
     }
     address = line->substr(kMarketReady.size());
-    return {};
+    // The same file twice: the downloaded one may be replaced or removed.
+    std::error_code error;
+    std::filesystem::create_hard_link(folder / kDownloaded, folder / "resources/api_endpoints.json", error);
+    return error ? Outcome(std::unexpected(error.message())) : Outcome();
 }
 
 std::expected<DemoSession, std::string> DemoSession::start(const std::filesystem::path& market,

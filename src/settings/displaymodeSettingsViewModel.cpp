@@ -18,10 +18,7 @@
 
 namespace glintar::settings {
 
-namespace {
-
-
-}  // namespace
+namespace {}  // namespace
 
 displaymodeSettingsViewModel::displaymodeSettingsViewModel(platform::Platform& platform, platform::LoginItem& loginItem,
                                                            std::function<PanelAbilities()> abilities)
@@ -98,7 +95,8 @@ bool displaymodeSettingsViewModel::computeSparklineSupport() const {
         text = shipped ? platform_.files.read(*shipped) : std::unexpected(std::string());
     }
     const auto document = text ? config::decodeAppConfig(*std::move(text)) : std::unexpected(std::string());
-    const auto* source = document ? document->source(config::Settings::load(platform_.preferences).selectedSourceID) : nullptr;
+    const auto* source =
+        document ? document->source(config::Settings::load(platform_.preferences).selectedSourceID) : nullptr;
     return source != nullptr && !source->sparkline_path.value_or("").empty();
 }
 

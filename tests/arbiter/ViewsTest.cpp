@@ -73,8 +73,8 @@ protected:
     test::FolderBundle bundle;
     platform::QtGraphics graphics{bundle};
     platform::VirtualDesktop screen{machine.notifications};
-    platform::Desktop desktop{graphics,       screen.events,  screen.statusBar,
-                              screen.pointer, screen.windows, screen.clipboard};
+    platform::Desktop desktop{graphics,       screen.events,    screen.statusBar, screen.pointer,
+                              screen.windows, screen.clipboard, screen.workspace, screen.loginItem};
     std::unique_ptr<QWidget> widget;
 };
 

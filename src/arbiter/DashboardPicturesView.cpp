@@ -1,4 +1,4 @@
-#include "arbiter/DashboardPictures.h"
+#include "arbiter/DashboardPicturesView.h"
 
 #include "platform/qt/views/ViewParts.h"
 
