@@ -71,7 +71,7 @@ TEST(AppDelegateTest, TheKeyIsLookedUpAfterTheFirstPictureAndBeforeTheCatalogueI
 }
 
 TEST(ArgumentsTest, MeanWhatTheySay) {
-    static constexpr std::array kCommands{"desktop", "line", "compare", "diagnose", "help", "version"};
+    static constexpr std::array kCommands{"desktop", "line", "compare", "diagnose", "settings", "help", "version"};
     struct Row {
         std::vector<const char*> arguments;
         std::string expected;  ///< command, format, once, demo; or "refused"

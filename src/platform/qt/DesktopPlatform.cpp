@@ -3,7 +3,7 @@
 #include "platform/DesktopEvents.h"
 #include "platform/Directories.h"
 #include "platform/Registry.h"
-#include "platform/qt/SessionBusGuard.h"
+#include "platform/qt/DisplayGuard.h"
 #include "platform/secret/SessionBus.h"
 
 #include <QThreadPool>
@@ -85,16 +85,9 @@ DesktopPlatform::DesktopPlatform(int& argc, char** argv, const RealPlatform::Opt
 }
 
 DesktopPlatform::~DesktopPlatform() {
-    guard_.release();
+    releaseDisplay();
     machine_.endWork();           // it draws
     platform().registry.clear();  // some of it has windows
-}
-
-void DesktopPlatform::watch() {
-    machine_.watch();
-    if (const auto bus = systemBusAddress()) {
-        loginManager_.emplace(platform().runLoop, platform().notifications, *bus);
-    }
 }
 
 }  // namespace glintar::platform
