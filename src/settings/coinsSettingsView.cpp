@@ -23,7 +23,7 @@ public:
         const auto words = asText(coinsSettingsViewModel::rowText(coin));
         const auto badge = coinsSettingsViewModel::badgeText(coin);
         setFocusPolicy(Qt::StrongFocus);
-        setAccessibleName(badge ? words + ' ' + asText(*badge) : words);
+        setAccessibleName(words);
         auto* const layout = new QHBoxLayout(this);
         layout->setContentsMargins(8, 2, 4, 2);
         auto* const texts = new QVBoxLayout;

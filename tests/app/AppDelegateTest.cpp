@@ -23,7 +23,15 @@ struct Launched {
 
     platform::VirtualPlatform machine;
     platform::VirtualDesktop desktop{machine.notifications};
-    AppDelegate delegate{machine.platform(), desktop.desktop(), {.terminate = [] {}}};
+    settings::settingsViewModel* settings = nullptr;
+    AppDelegate delegate{machine.platform(),
+                         desktop.desktop(),
+                         {.makeSettingsView =
+                              [this](settings::settingsViewModel& model) {
+                                  settings = &model;
+                                  return std::make_unique<platform::View>();
+                              },
+                          .terminate = [] {}}};
 };
 
 TEST(AppDelegateTest, TheDisplayModeHoldsFromTheFirstPictureOn) {
@@ -67,6 +75,38 @@ TEST(AppDelegateTest, TheKeyIsLookedUpAfterTheFirstPictureAndBeforeTheCatalogueI
     };
     EXPECT_LT(at("[Timer]"), at("[CoinList]"));
     EXPECT_LT(at("[CoinList]"), std::ssize(lines));
+}
+
+TEST(AppDelegateTest, ThereIsOneSettingsWindowWhichKeepsWhatItShowed) {
+    Launched program(0);
+    const auto& windows = program.desktop.windows.windows;
+    program.machine.notifications.post("SwitchToDisplayTab");
+    EXPECT_TRUE(windows.empty());
+    program.delegate.applicationWasReopened(true);
+    ASSERT_EQ(windows.size(), 1U);
+    EXPECT_EQ(windows[0]->title, "Settings");
+    EXPECT_EQ(program.settings->selectedTab, "coins");
+    program.settings->close();
+    EXPECT_FALSE(windows[0]->isVisible);
+    program.machine.notifications.post("RequestOpenDisplaySettings");
+    EXPECT_TRUE(windows[0]->isVisible);
+    EXPECT_EQ(program.settings->selectedTab, "coins");
+    program.machine.advance(100ms);
+    EXPECT_EQ(program.settings->selectedTab, "displaymode");
+    EXPECT_EQ(windows.size(), 1U);
+}
+
+TEST(AppDelegateTest, ADemonstrationLeavesTheLoginItemAndTheReleaseFeedAlone) {
+    for (const bool isDemo : {false, true}) {
+        platform::VirtualPlatform machine;
+        platform::VirtualDesktop desktop{machine.notifications};
+        AppDelegate delegate(machine.platform(), desktop.desktop(),
+                             {.isDemo = isDemo, .releaseFeed = "https://feed.test/", .terminate = [] {}});
+        delegate.applicationDidFinishLaunching();
+        machine.advance(1s);
+        EXPECT_EQ(desktop.loginItem.repairs, isDemo ? 0 : 1);
+        EXPECT_EQ(machine.http.asked("feed.test"), isDemo ? 0 : 1);
+    }
 }
 
 }  // namespace

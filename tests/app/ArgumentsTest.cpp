@@ -20,11 +20,15 @@ std::string describe(const std::expected<Arguments, std::string>& parsed) {
     if (!parsed) {
         return "refused";
     }
-    static constexpr std::array kCommands{"desktop", "line", "help", "version"};
+    static constexpr std::array kCommands{"desktop", "line", "settings", "help", "version"};
     std::string text = kCommands.at(static_cast<std::size_t>(parsed->command));
     text += parsed->format == Format::Json ? " json" : "";
     text += parsed->once ? " once" : "";
     text += parsed->demo ? " demo" : "";
+    text += parsed->opensSettings ? " settings" : "";
+    for (const auto word : parsed->words) {
+        (text += ' ') += word;
+    }
     return text;
 }
 
@@ -42,6 +46,9 @@ INSTANTIATE_TEST_SUITE_P(
         ArgumentsCase{"JoinedFormat", {"line", "--format=json"}, "line json"},
         ArgumentsCase{"LastFormatCounts", {"line", "--format=json", "--format", "text"}, "line"},
         ArgumentsCase{"Help", {"line", "--help"}, "help"}, ArgumentsCase{"Version", {"--version"}, "version"},
+        ArgumentsCase{"Settings", {"--settings"}, "desktop settings"},
+        ArgumentsCase{"SettingsOfALine", {"line", "--settings"}, "refused"},
+        ArgumentsCase{"Coins", {"coins", "add", "--ref"}, "settings coins add --ref"},
         ArgumentsCase{"UnknownCommand", {"lien"}, "refused"},
         ArgumentsCase{"UnknownOption", {"line", "--twice"}, "refused"},
         ArgumentsCase{"OnceWithoutLine", {"--once"}, "refused"},
