@@ -30,10 +30,8 @@ public:
         texts->setSpacing(2);
         texts->addWidget(new WrappedText(words, this));
         if (badge) {
-            auto* const label = new ToneLabel(asText(*badge), Tone::Badge, fontSized(10, QFont::Medium), this);
-            label->setObjectName("badge");
-            label->setStyleSheet("#badge { background: rgba(255,149,0,25); border-radius: 4px; padding: 0 4px; }");
-            texts->addWidget(label, 0, Qt::AlignLeft);
+            texts->addWidget(new ToneLabel(asText(*badge), Tone::Badge, fontSized(10, QFont::Medium), this), 0,
+                             Qt::AlignLeft);
         }
         layout->addLayout(texts, 1);
         auto* const button =
