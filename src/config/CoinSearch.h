@@ -17,8 +17,8 @@ class CoinSearch {
 public:
     explicit CoinSearch(const CoinCatalogue& catalogue);
 
-    /// Places of the entries whose symbol, identifier or name begins with `prefix` (in lower case): those with the
-    /// shortest symbols, in characters, at most `limit`; among equals as in the catalogue.
+    /// Places of the entries whose symbol, identifier or name begins with `prefix` (in lower case, not empty): those
+    /// with the shortest symbols, in characters, at most `limit`; among equals as in the catalogue.
     [[nodiscard]] std::vector<std::size_t> startingWith(std::string_view prefix, std::size_t limit) const;
 
     /// The first entry with this symbol, else the first with this identifier; both in lower case.

@@ -7,7 +7,6 @@
 #include "platform/SecretStore.h"
 #include "platform/TextOutput.h"
 #include "settings/coinsSettingsViewModel.h"
-#include "settings/displaymodeSettingsViewModel.h"
 #include "text/Number.h"
 #include "text/Unicode.h"
 
@@ -15,7 +14,6 @@
 
 #include <algorithm>
 #include <array>
-#include <variant>
 #include <vector>
 
 namespace glintar::line {
@@ -24,36 +22,11 @@ namespace {
 
 using namespace std::chrono_literals;
 using settings::coinsSettingsViewModel;
-using settings::displaymodeSettingsViewModel;
 
 constexpr int kDone = 0;
 constexpr int kFailed = 1;
 constexpr int kWrongUsage = 2;
 constexpr auto kBetweenLooks = 20ms;  // at the key ring, which may be asking the user for its password
-
-/// What can be set of the display, by the name of its field.
-struct Field {
-    std::string_view name;
-    std::variant<bool displaymodeSettingsViewModel::*, int displaymodeSettingsViewModel::*,
-                 double displaymodeSettingsViewModel::*>
-        member;
-    double lowest = 0;
-    double highest = 1;
-};
-const std::array<Field, 9> kFields{{{"displayMode", &displaymodeSettingsViewModel::displayMode},
-                                    {"floatTransparent", &displaymodeSettingsViewModel::floatTransparent},
-                                    {"floatOffset", &displaymodeSettingsViewModel::floatOffset, 10, 100},
-                                    {"showChange24h", &displaymodeSettingsViewModel::showChange24h},
-                                    {"showHighLow24h", &displaymodeSettingsViewModel::showHighLow24h},
-                                    {"showSparkline", &displaymodeSettingsViewModel::showSparkline},
-                                    {"showGasFee", &displaymodeSettingsViewModel::showGasFee},
-                                    {"gasSource", &displaymodeSettingsViewModel::gasSource},
-                                    {"launchAtLogin", &displaymodeSettingsViewModel::launchAtLogin}}};
-
-/// One value as text; JSON writes the same.
-std::string valueText(const displaymodeSettingsViewModel& model, const Field& field) {
-    return std::visit([&](auto member) { return fmt::format("{}", model.*member); }, field.member);
-}
 
 /// What can be asked for, in the words of the command line: subject, verb, how many arguments, whether it prints.
 struct Form {
@@ -280,55 +253,6 @@ void SettingsCommand::finishKey(const std::string& id, const std::string& key) {
     const int status = note.empty() ? kDone : complain(note, kFailed);
     keyTimer_.reset();  // and with it id and key
     finish(status);
-}
-
-int SettingsCommand::listDisplay(bool isJson) {
-    const displaymodeSettingsViewModel model(machine_.platform, machine_.loginItem);
-    std::string object;
-    for (const auto& field : kFields) {
-        const auto value = valueText(model, field);
-        if (isJson) {
-            object += fmt::format("{}\"{}\":{}", object.empty() ? '{' : ',', field.name, value);
-        } else {
-            machine_.output.printLine(fmt::format("{} {}", field.name, value));
-        }
-    }
-    if (isJson) {
-        machine_.output.printLine(object + '}');
-    }
-    return kDone;
-}
-
-int SettingsCommand::setDisplay(std::string_view name, std::string_view value) {
-    const auto* const field = std::ranges::find(kFields, name, &Field::name);
-    if (field == kFields.end()) {
-        return complain(
-            fmt::format("there is no setting \"{}\"; \"glintar display list\" shows them", text::oneLine(name)),
-            kWrongUsage);
-    }
-    const bool isSwitch = std::holds_alternative<bool displaymodeSettingsViewModel::*>(field->member);
-    const auto number = isSwitch && (value == "true" || value == "on")     ? 1.0
-                        : isSwitch && (value == "false" || value == "off") ? 0.0
-                                                                           : text::parseDecimal(value);
-    const bool isWhole = number && *number == static_cast<double>(static_cast<int>(std::clamp(*number, -1e6, 1e6)));
-    if (!isWhole || *number < field->lowest || *number > field->highest) {
-        return complain(isSwitch
-                            ? fmt::format("{} is true or false", name)
-                            : fmt::format("{} is a whole number from {} to {}", name, field->lowest, field->highest),
-                        kWrongUsage);
-    }
-    displaymodeSettingsViewModel model(machine_.platform, machine_.loginItem);
-    if (name == "launchAtLogin") {
-        if (model.launchAtLogin != (*number != 0)) {
-            model.setLaunchAtLogin(*number != 0);
-        }
-        return model.loginError.empty() ? kDone : complain(model.loginError, kFailed);
-    }
-    std::visit(
-        [&](auto member) { model.*member = static_cast<std::remove_reference_t<decltype(model.*member)>>(*number); },
-        field->member);
-    model.saveDisplaySettings();
-    return kDone;
 }
 
 int SettingsCommand::complain(const std::string& text, int status) {

@@ -84,7 +84,23 @@ ToneLabel::ToneLabel(const QString& words, Tone tone, const QFont& font, QWidget
     : QLabel(words, parent), tone_(tone) {
     setTextFormat(Qt::PlainText);
     setFont(font);
+    if (tone == Tone::Badge) {
+        setContentsMargins(4, 0, 4, 0);
+    }
     colour();
+}
+
+void ToneLabel::paintEvent(QPaintEvent* event) {
+    if (tone_ == Tone::Badge) {
+        QPainter painter(this);
+        painter.setRenderHint(QPainter::Antialiasing);
+        QColor ground = toneColor(palette(), tone_);
+        ground.setAlphaF(0.1F);
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(ground);
+        painter.drawRoundedRect(rect(), 4, 4);
+    }
+    QLabel::paintEvent(event);
 }
 
 void ToneLabel::wrap() {
@@ -106,6 +122,7 @@ void ToneLabel::colour() {
     if (palette().color(QPalette::WindowText) != color) {
         QPalette own;
         own.setColor(QPalette::WindowText, color);
+        own.setColor(QPalette::Text, color);  // on the ground of a list
         setPalette(own);
     }
 }

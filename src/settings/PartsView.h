@@ -30,7 +30,8 @@ inline constexpr double kCaption = 11;
     return QString::fromUtf8(utf8.data(), static_cast<qsizetype>(utf8.size()));
 }
 
-/// A text, shown as it is. It breaks its lines where the screen ends if `wraps` says so.
+/// A text, shown as it is; a badge on a ground of its colour. It breaks its lines where the screen ends if `wraps` says
+/// so.
 class ToneLabel final : public QLabel {
 public:
     ToneLabel(const QString& words, Tone tone, const QFont& font, QWidget* parent = nullptr);
@@ -38,6 +39,7 @@ public:
 
 protected:
     void changeEvent(QEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
 
 private:
     void colour();

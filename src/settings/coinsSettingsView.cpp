@@ -23,17 +23,15 @@ public:
         const auto words = asText(coinsSettingsViewModel::rowText(coin));
         const auto badge = coinsSettingsViewModel::badgeText(coin);
         setFocusPolicy(Qt::StrongFocus);
-        setAccessibleName(badge ? words + ' ' + asText(*badge) : words);
+        setAccessibleName(words);
         auto* const layout = new QHBoxLayout(this);
         layout->setContentsMargins(8, 2, 4, 2);
         auto* const texts = new QVBoxLayout;
         texts->setSpacing(2);
         texts->addWidget(new WrappedText(words, this));
         if (badge) {
-            auto* const label = new ToneLabel(asText(*badge), Tone::Badge, fontSized(10, QFont::Medium), this);
-            label->setObjectName("badge");
-            label->setStyleSheet("#badge { background: rgba(255,149,0,25); border-radius: 4px; padding: 0 4px; }");
-            texts->addWidget(label, 0, Qt::AlignLeft);
+            texts->addWidget(new ToneLabel(asText(*badge), Tone::Badge, fontSized(10, QFont::Medium), this), 0,
+                             Qt::AlignLeft);
         }
         layout->addLayout(texts, 1);
         auto* const button =

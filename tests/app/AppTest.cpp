@@ -24,7 +24,17 @@ struct Launched {
 
     platform::VirtualPlatform machine;
     platform::VirtualDesktop desktop{machine.notifications};
-    AppDelegate delegate{machine.platform(), desktop.desktop(), {.terminate = [] {}}};
+    settings::settingsViewModel* settings = nullptr;
+    AppDelegate delegate{machine.platform(),
+                         desktop.desktop(),
+                         {.views = {.dashboard = [](auto&) { return std::make_unique<platform::View>(); },
+                                    .diagnostics = [](auto&) { return std::make_unique<platform::View>(); },
+                                    .settings =
+                                        [this](settings::settingsViewModel& model) {
+                                            settings = &model;
+                                            return std::make_unique<platform::View>();
+                                        }},
+                          .terminate = [] {}}};
 };
 
 TEST(AppDelegateTest, TheDisplayModeHoldsFromTheFirstPictureOn) {
@@ -70,6 +80,61 @@ TEST(AppDelegateTest, TheKeyIsLookedUpAfterTheFirstPictureAndBeforeTheCatalogueI
     EXPECT_LT(at("[CoinList]"), std::ssize(lines));
 }
 
+TEST(AppDelegateTest, ThereIsOneSettingsWindowWhichKeepsWhatItShowed) {
+    Launched program(0);
+    const auto& windows = program.desktop.windows.windows;
+    program.machine.notifications.post("SwitchToDisplayTab");
+    EXPECT_TRUE(windows.empty());
+    program.delegate.applicationWasReopened(true);
+    ASSERT_EQ(windows.size(), 1U);
+    EXPECT_EQ(windows[0]->title, "Settings");
+    EXPECT_EQ(program.settings->selectedTab, "coins");
+    program.settings->close();
+    EXPECT_FALSE(windows[0]->isVisible);
+    program.machine.notifications.post("RequestOpenDisplaySettings");
+    EXPECT_TRUE(windows[0]->isVisible);
+    EXPECT_EQ(program.settings->selectedTab, "coins");
+    program.machine.advance(100ms);
+    EXPECT_EQ(program.settings->selectedTab, "displaymode");
+    EXPECT_EQ(windows.size(), 1U);
+}
+
+TEST(AppDelegateTest, MenuAndLineOpenTheirWindows) {
+    Launched program(0);
+    program.machine.http.answer("gecko.test", std::string(kAnswer));
+    program.machine.advance(5s);
+    const auto choose = [&](std::string_view title) {
+        const auto menu = program.desktop.statusBar.items.at(0)->menu;
+        std::ranges::find(menu, title, &platform::MenuItem::title)->action();
+    };
+    const auto& windows = program.desktop.windows.windows;
+    choose("Arbitrage Dashboard");
+    choose("Network Diagnostics");
+    choose("Settings");
+    std::vector<std::string> titles;
+    for (const auto& window : windows) {
+        titles.push_back(window->isVisible ? window->title : "");
+    }
+    EXPECT_THAT(titles, testing::ElementsAre("Glintar dashboard", "Network Diagnostics", "Settings"));
+    program.desktop.statusBar.items.at(1)->item->onMouseUp(platform::MouseButton::Right);
+    EXPECT_FALSE(windows[0]->isVisible) << "a click on the line closes the dashboard";
+    choose("Check for Updates...");
+    EXPECT_EQ(program.desktop.windows.alerts.size(), 1U);
+}
+
+TEST(AppDelegateTest, ADemonstrationLeavesTheLoginItemAndTheReleaseFeedAlone) {
+    for (const bool isDemo : {false, true}) {
+        platform::VirtualPlatform machine;
+        platform::VirtualDesktop desktop{machine.notifications};
+        AppDelegate delegate(machine.platform(), desktop.desktop(),
+                             {.isDemo = isDemo, .releaseFeed = "https://feed.test/", .terminate = [] {}});
+        delegate.applicationDidFinishLaunching();
+        machine.advance(1s);
+        EXPECT_EQ(desktop.loginItem.repairs, isDemo ? 0 : 1);
+        EXPECT_EQ(machine.http.asked("feed.test"), isDemo ? 0 : 1);
+    }
+}
+
 TEST(ArgumentsTest, MeanWhatTheySay) {
     static constexpr std::array kCommands{"desktop", "line", "compare", "diagnose", "settings", "help", "version"};
     struct Row {
@@ -98,7 +163,10 @@ TEST(ArgumentsTest, MeanWhatTheySay) {
           Row{{"compare", "--format", "json"}, "compare json"},
           Row{{"--demo", "diagnose"}, "diagnose demo"},
           Row{{"compare", "--once"}, "refused"},
-          Row{{"--format", "json"}, "refused"}}) {
+          Row{{"--format", "json"}, "refused"},
+          Row{{"--settings"}, "desktop settings"},
+          Row{{"line", "--settings"}, "refused"},
+          Row{{"coins", "add", "--ref"}, "settings coins add --ref"}}) {
         const auto parsed = parseArguments(arguments);
         std::string text = "refused";
         if (parsed) {
@@ -106,6 +174,10 @@ TEST(ArgumentsTest, MeanWhatTheySay) {
             text += parsed->format == Format::Json ? " json" : "";
             text += parsed->once ? " once" : "";
             text += parsed->demo ? " demo" : "";
+            text += parsed->opensSettings ? " settings" : "";
+            for (const auto word : parsed->words) {
+                (text += ' ') += word;
+            }
         }
         EXPECT_EQ(text, expected) << testing::PrintToString(arguments);
     }
