@@ -30,8 +30,9 @@ constexpr int kPlacing = 500;
 class QtWindow::Widget final : public QWidget {
 public:
     Widget(QtWindow& window, Frame frame) : window_(&window), frame_(frame), layout_(this) {
-        const auto kind = frame == Frame::Titled ? Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowCloseButtonHint
-                                                 : Qt::Dialog | Qt::FramelessWindowHint;
+        const auto kind = frame == Frame::Titled
+                              ? Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowCloseButtonHint
+                              : Qt::Dialog | Qt::FramelessWindowHint;
         setWindowFlags(kind | Qt::WindowStaysOnTopHint);
         setAttribute(Qt::WA_TranslucentBackground, frame == Frame::Borderless);
         layout_.setContentsMargins(0, 0, 0, 0);
