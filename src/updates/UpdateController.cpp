@@ -28,6 +28,10 @@ constexpr const char* kLastCheck = "lastUpdateCheck";  // seconds since 1970
 constexpr const char* kAnnounced = "announcedVersion";
 constexpr const char* kTitle = "Glintar Updates";
 
+std::int64_t secondsOf(platform::WallTime time) {
+    return std::chrono::floor<std::chrono::seconds>(time).time_since_epoch().count();
+}
+
 bool isSecure(std::string_view address) {
     return address.starts_with("https://");
 }
@@ -87,9 +91,9 @@ void UpdateController::start() {
 }
 
 void UpdateController::checkIfDue() {
-    const auto now = platform_.runLoop.wallNow();
-    const auto last = platform::WallTime(std::chrono::seconds(platform_.preferences.integer(kLastCheck)));
-    if (now - last >= kBetweenChecks || now < last) {
+    const auto now = secondsOf(platform_.runLoop.wallNow());
+    const auto last = platform_.preferences.integer(kLastCheck);
+    if (last < 0 || last > now || now - last >= std::chrono::seconds(kBetweenChecks).count()) {
         check(Asked::ByItself);
     }
 }
@@ -116,8 +120,7 @@ void UpdateController::check(Asked asked) {
 
 void UpdateController::finish(Asked asked, const std::expected<std::optional<Release>, std::string>& found) {
     if (found) {
-        const auto now = std::chrono::floor<std::chrono::seconds>(platform_.runLoop.wallNow());
-        platform_.preferences.setInteger(kLastCheck, now.time_since_epoch().count());
+        platform_.preferences.setInteger(kLastCheck, secondsOf(platform_.runLoop.wallNow()));
     }
     if (found && *found) {
         if (asked == Asked::ByUser || platform_.preferences.string(kAnnounced) != (*found)->version) {

@@ -16,9 +16,10 @@ using namespace std::chrono_literals;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-constexpr std::string_view kCatalogue = R"([{"id":"bitcoin","symbol":"btc","name":"Bitcoin"},
+constexpr std::string_view kCatalogue =
+    R"([{"id":"ethene","symbol":"ethe","name":"E"},{"id":"bitcoin","symbol":"btc","name":"Bitcoin"},
   {"id":"ethereum","symbol":"eth","name":"Ethereum"},{"id":"fake","symbol":"BTC","name":"Ethernity of Bits"},
-  {"id":"ethene","symbol":"ethe","name":"E"},{"id":"x","symbol":"x","name":"İstanbul"}])";
+  {"id":"x","symbol":"x","name":"İstanbul"}])";
 
 class SettingsModelsTest : public testing::Test {
 protected:

@@ -94,6 +94,9 @@ TEST_F(UpdatesTest, ItLooksOnceADayByItselfAndTellsOfNewsAlone) {
     machine.advance(72h);
     EXPECT_EQ(machine.http.requests.size(), 7U);
     EXPECT_EQ(desktop.windows.alerts.size(), 1U);
+    machine.preferences.setInteger("lastUpdateCheck", 1LL << 40);
+    machine.advance(1h);
+    EXPECT_EQ(machine.http.requests.size(), 8U) << "the clock was set back";
 }
 
 }  // namespace

@@ -22,7 +22,7 @@ SecretLookup VirtualSecretStore::find(std::string_view service, std::string_view
 }
 
 SecretStatus VirtualSecretStore::add(std::string_view service, std::string_view account, std::string_view bytes) {
-    if (failure) {
+    if (failure && *failure != SecretStatus::Pending) {
         return *failure;
     }
     items_.insert_or_assign({std::string(service), std::string(account)}, std::string(bytes));
@@ -30,7 +30,7 @@ SecretStatus VirtualSecretStore::add(std::string_view service, std::string_view 
 }
 
 SecretStatus VirtualSecretStore::remove(std::string_view service, std::string_view account) {
-    if (failure) {
+    if (failure && *failure != SecretStatus::Pending) {
         return *failure;
     }
     return items_.erase({std::string(service), std::string(account)}) > 0 ? SecretStatus::Done : SecretStatus::NotFound;

@@ -52,7 +52,7 @@ private:
     std::map<std::string, Value> values_;
 };
 
-/// Secrets in memory; `failure`, when set, is what every call answers.
+/// Secrets in memory; `failure`, when set, is what every call answers, but that `Pending` keeps nobody from writing.
 class VirtualSecretStore final : public SecretStore {
 public:
     SecretLookup find(std::string_view service, std::string_view account) override;
