@@ -3,6 +3,7 @@
 #include "platform/qt/windows/ManagerMessage.h"
 #include "platform/qt/windows/QtView.h"
 
+#include <QAccessibleWidget>
 #include <QApplication>
 #include <QCloseEvent>
 #include <QCursor>
@@ -174,8 +175,19 @@ private:
     QElapsedTimer placed_;
 };
 
+/// Screen readers take a plain widget for a part of a window.
+void QtWindow::describeToAssistants() {
+    static constexpr auto kDescribe = [](const QString&, QObject* object) -> QAccessibleInterface* {
+        auto* const window = dynamic_cast<Widget*>(object);
+        return window ? new QAccessibleWidget(window, QAccessible::Window) : nullptr;
+    };
+    QAccessible::removeFactory(kDescribe);  // twice in the list it would be asked twice
+    QAccessible::installFactory(kDescribe);
+}
+
 QtWindow::QtWindow(Frame frame, const std::string& title, const QtOverlay::Surroundings& surroundings)
     : around_(surroundings), widget_(new Widget(*this, frame)) {
+    describeToAssistants();
     widget_->setWindowTitle(QString::fromStdString(title));
     widget_->setTranslucent(isTranslucent());
     widget_->winId();

@@ -27,6 +27,8 @@ public:
 private:
     class Widget;
 
+    static void describeToAssistants();
+
     void surroundingsChanged();
 
     QtOverlay::Surroundings around_;
