@@ -29,7 +29,6 @@ protected:
 };
 
 struct AgeCase {
-    const char* name;
     std::string quotes;
     int status;
     const char* fee;
@@ -37,21 +36,24 @@ struct AgeCase {
     const char* tooltip;
 };
 
+const auto both = test::geckoAnswer({"bitcoin", "ethereum"}, 65000);
+
 class AnswerAgeTest : public OldPricesTest, public testing::WithParamInterface<AgeCase> {};
 
 TEST_P(AnswerAgeTest, WhatAnAnswerLacksIsOldUntilItComesAgain) {
+    const auto& [quotes, status, fee, expected, tooltip] = GetParam();
     begin();
-    machine.http.answer("gecko.test", GetParam().quotes, GetParam().status);
-    machine.http.answer("btc.test", GetParam().fee);
+    machine.http.answer("gecko.test", quotes, status);
+    machine.http.answer("btc.test", fee);
     machine.advance(60s);
-    EXPECT_EQ(text(), GetParam().text);
-    EXPECT_EQ(surface.tooltip, GetParam().tooltip);
+    EXPECT_EQ(text(), expected);
+    EXPECT_EQ(surface.tooltip, tooltip);
 
     machine.advance(10s);
     controller->redisplayFromCache();
     controller->onDisplaySettingsChanged();
-    EXPECT_EQ(text(), GetParam().text) << "drawn again";
-    EXPECT_EQ(surface.tooltip, GetParam().tooltip) << "drawn again";
+    EXPECT_EQ(text(), expected) << "drawn again";
+    EXPECT_EQ(surface.tooltip, tooltip) << "drawn again";
 
     machine.http.answer("gecko.test", test::geckoAnswer({"bitcoin", "ethereum"}, 66000));
     machine.http.answer("btc.test", kFee);
@@ -60,22 +62,19 @@ TEST_P(AnswerAgeTest, WhatAnAnswerLacksIsOldUntilItComesAgain) {
     EXPECT_EQ(surface.tooltip, "Last Updated: 03:06:06");
 }
 
-const auto both = test::geckoAnswer({"bitcoin", "ethereum"}, 65000);
 INSTANTIATE_TEST_SUITE_P(
     OldPrices, AnswerAgeTest,
-    testing::Values(AgeCase{"OneCoin", test::geckoAnswer({"bitcoin"}, 65000), 200, kFee,
-                            "BTC 65000.00 | ⚠️ ETH 64000.00 | ₿ 7 sat", "Last Updated: 03:05:06\nPrices from 03:04:06"},
-                    AgeCase{"TheFee", both, 200, "<html>", "BTC 65000.00 | ETH 65000.00 | ⚠️ ₿ 7 sat",
+    testing::Values(AgeCase{test::geckoAnswer({"bitcoin"}, 65000), 200, kFee, "BTC 65000.00 | ⚠️ ETH 64000.00 | ₿ 7 sat",
                             "Last Updated: 03:05:06\nPrices from 03:04:06"},
-                    AgeCase{"ALogInPage", "<html>", 200, kFee,
+                    AgeCase{both, 200, "<html>", "BTC 65000.00 | ETH 65000.00 | ⚠️ ₿ 7 sat",
+                            "Last Updated: 03:05:06\nPrices from 03:04:06"},
+                    AgeCase{"<html>", 200, kFee, "⚠️ No Price Data | BTC 64000.00 | ETH 64000.00 | ₿ 7 sat",
+                            "⚠️ No Price Data @ 03:05:06\nPrices from 03:04:06"},
+                    AgeCase{R"([{"id":"bitcoin","current_price":null}])", 200, "{}",
                             "⚠️ No Price Data | BTC 64000.00 | ETH 64000.00 | ₿ 7 sat",
                             "⚠️ No Price Data @ 03:05:06\nPrices from 03:04:06"},
-                    AgeCase{"NullPricesAndNoFee", R"([{"id":"bitcoin","current_price":null}])", 200, "{}",
-                            "⚠️ No Price Data | BTC 64000.00 | ETH 64000.00 | ₿ 7 sat",
-                            "⚠️ No Price Data @ 03:05:06\nPrices from 03:04:06"},
-                    AgeCase{"ARefusalWithoutAKey", both, 403, kFee, "⚠️ Error | BTC 64000.00 | ETH 64000.00 | ₿ 7 sat",
-                            "Error: HTTP 403 @ 03:05:06\nPrices from 03:04:06"}),
-    [](const auto& test) { return test.param.name; });
+                    AgeCase{both, 403, kFee, "⚠️ Error | BTC 64000.00 | ETH 64000.00 | ₿ 7 sat",
+                            "Error: HTTP 403 @ 03:05:06\nPrices from 03:04:06"}));
 
 TEST_F(OldPricesTest, AnotherDaySaysWhich) {
     begin();

@@ -79,16 +79,5 @@ TEST_F(TextTest, OddTextIsStillOneLine) {
     EXPECT_LT(graphics.measure(std::string(1'000'000, 'x'), font).width, 40'000);
 }
 
-TEST_F(TextTest, EmojiKeepTheirColours) {
-    const QImage image = drawn({30, 30}, 1, [](Canvas& canvas) { canvas.drawText("🚀", {5, 5}, {16}, kRed); });
-    int blue = 0;
-    for (int x = 0; x < image.width(); ++x) {
-        for (int y = 0; y < image.height(); ++y) {
-            blue += image.pixelColor(x, y).blue() > image.pixelColor(x, y).red() ? 1 : 0;
-        }
-    }
-    EXPECT_GT(blue, 10);
-}
-
 }  // namespace
 }  // namespace glintar::platform
