@@ -84,14 +84,6 @@ TEST_F(FloatingViewTest, EverythingBeginsOnAWholePixelWhateverTheRatio) {
     EXPECT_EQ(frames<PanelLayout::Divider>(layOut(0.25)).at(0).height, 4) << "one pixel is the least";
 }
 
-TEST_F(FloatingViewTest, ASourceWithoutAnImageHasTheNetworkSymbolInItsRing) {
-    graphics.images.clear();
-    EXPECT_EQ(frames<PanelLayout::Symbol>(layOut()).at(0), (Rect{19, 43, 8, 8}));
-    EXPECT_TRUE(frames<platform::ImagePtr>(layOut()).empty());
-    graphics.missingSymbols = {"network"};
-    EXPECT_EQ(layOut().ring, (Rect{14, 38, 18, 18}));
-}
-
 TEST_F(FloatingViewTest, AbsurdPricesDoNotAskForAnAbsurdPicture) {
     showTwoCoins();
     auto& quote = state.marketData["bitcoin"];

@@ -39,11 +39,11 @@ TEST_F(WindowsDesktop, NoticesGoToTheDesktopOrToTheConsole) {
     EXPECT_TRUE(console.printed("No bus: at all"));
 
     server.notify("Nobody", "there");
-    EXPECT_TRUE(test::eventually([&] { return console.printed("Nobody: there"); }, [] { runLoop(); }));
+    EXPECT_TRUE(soon([&] { return console.printed("Nobody: there"); }));
 
     Notices desktop;
     server.notify("Version 2", "Faster & better, <really>");
-    EXPECT_TRUE(test::eventually([&] { return !desktop.shown.empty(); }, [] { runLoop(); }));
+    EXPECT_TRUE(soon([&] { return !desktop.shown.empty(); }));
     EXPECT_THAT(desktop.shown, testing::ElementsAre(testing::Pair("Version 2", "Faster &amp; better, &lt;really&gt;")));
     EXPECT_EQ(console.count("Version 2"), 0);
 }

@@ -11,10 +11,6 @@ namespace {
 using test::Display;
 using Words = std::vector<std::string>;
 
-bool soon(const std::function<bool()>& condition) {
-    return test::eventually(condition, [] { runLoop(); });
-}
-
 /// Under a window manager or none, above somebody else's window.
 class AnyManager : public WindowsDesktop, public testing::WithParamInterface<std::optional<Display::Manager>> {
 protected:

@@ -129,7 +129,7 @@ std::unique_ptr<Overlay> WindowsDesktop::showPanel(int x, int y) {
 }
 
 bool WindowsDesktop::comesToShow(int x, int y, const Pixel& color) {
-    const bool shows = test::eventually([&] { return display.pixel(x, y) == color; }, [] { runLoop(); });
+    const bool shows = soon([&] { return display.pixel(x, y) == color; });
     EXPECT_EQ(display.pixel(x, y), color) << "at " << x << ", " << y;
     return shows;
 }

@@ -21,6 +21,9 @@ inline constexpr Pixel kYellow{255, 255, 0};
 
 /// Lets Qt work for some milliseconds.
 void runLoop(int milliseconds = 10);
+[[nodiscard]] inline bool soon(const std::function<bool()>& condition) {
+    return test::eventually(condition, [] { runLoop(); });
+}
 
 /// All windows that the window manager tells task bars of.
 [[nodiscard]] std::vector<xcb_window_t> listedPrograms(XcbConnection& connection);
