@@ -1,14 +1,59 @@
-#include "platform/qt/graphics/DrawingFixture.h"
+#include "platform/qt/graphics/QtGraphics.h"
+#include "platform/qt/graphics/QtImage.h"
+#include "support/FolderBundle.h"
+#include "support/TemporaryFolder.h"
 
+#include <QGuiApplication>
 #include <fmt/format.h>
 #include <gmock/gmock.h>
 
 #include <cmath>
+#include <fstream>
 #include <limits>
 #include <thread>
 
 namespace glintar::platform {
 namespace {
+
+constexpr Color kRed{1, 0, 0, 1};
+constexpr Color kBlack{0, 0, 0, 1};
+
+class DrawingTest : public testing::Test {
+protected:
+    /// Ships some pictures of its own.
+    DrawingTest() {
+        for (const char* name : {"images/inner", "symbols"}) {
+            std::filesystem::create_directories(folder.path() / name);
+        }
+        // The left half is black.
+        const std::string half = R"(<svg xmlns="http://www.w3.org/2000/svg" width="64" height="64">)"
+                                 R"(<path d="M0 0h32v64H0z"/></svg>)";
+        for (const char* name : {"images/half", "images/.hidden", "images/inner/half", "secret", "symbols/half"}) {
+            std::ofstream(folder.path() / fmt::format("{}.svg", name)) << half;
+        }
+        std::ofstream(folder.path() / "images/broken.svg") << half.substr(0, 40);
+        std::ofstream(folder.path() / "images/text.svg") << "no drawing";
+    }
+    QImage drawn(Size size, double scale, const std::function<void(Canvas&)>& paint) const {
+        return pixelsAt(*graphics.draw(size, scale, paint), size, scale);
+    }
+    /// What is not transparent; empty when nothing is.
+    static QRect ink(const QImage& image) {
+        QRect found;
+        for (int y = 0; y < image.height(); ++y) {
+            for (int x = 0; x < image.width(); ++x) {
+                if (image.pixelColor(x, y).alpha() > 127) {
+                    found |= QRect(x, y, 1, 1);
+                }
+            }
+        }
+        return found;
+    }
+
+    test::TemporaryFolder folder;
+    test::FolderBundle bundle{folder.path()};
+    QtGraphics graphics{bundle};
+};
 
 class RatioTest : public DrawingTest, public testing::WithParamInterface<double> {};
 
@@ -99,5 +144,86 @@ TEST_F(DrawingTest, SeveralThreadsAtOnceDrawWhatTheMainThreadDraws) {
     }
 }
 
+class FamilyTest : public DrawingTest, public testing::WithParamInterface<const char*> {
+protected:
+    FamilyTest() { graphics.setFontFamily(GetParam()); }
+};
+
+TEST_P(FamilyTest, TextStandsAtTheSameHeightInEveryFont) {
+    const Font font{20, Font::Weight::Bold};
+    EXPECT_DOUBLE_EQ(graphics.measure("H", font).height, 1.193 * 20);
+    const QImage image = drawn({30, 40}, 2, [&](Canvas& canvas) { canvas.drawText("H", {5, 6}, font, kBlack); });
+    EXPECT_NEAR(80 - ink(image).bottom() - 1, 2 * (6 + 0.241 * 20), 1.01);
+}
+
+TEST_P(FamilyTest, DigitsAreEquallyWideAndDrawnWhereTheyWereMeasured) {
+    for (const double size : {9.0, 12.0, 13.5, 14.0}) {
+        const Font font{size, Font::Weight::Bold};
+        const Size ones = graphics.measure("-1111.11", font);
+        EXPECT_DOUBLE_EQ(ones.width, graphics.measure("-8888.88", font).width) << size;
+
+        // So the last digit does not move when those before it change.
+        const auto lastDigit = [&](std::string_view text) {
+            const QImage image = drawn(ones, 1, [&](Canvas& canvas) { canvas.drawText(text, {0, 0}, font, kBlack); });
+            const int cell = static_cast<int>(graphics.measure("8", font).width);
+            return image.copy(image.width() - cell, 0, cell, image.height());
+        };
+        EXPECT_EQ(lastDigit("-1111.18"), lastDigit("-8888.88")) << size;
+        EXPECT_FALSE(ink(lastDigit("-1111.18")).isEmpty());
+    }
+}
+
+TEST_P(FamilyTest, DigitsStandInTheMiddleOfTheirCells) {
+    const Font cells{30};
+    const Font plain{30, Font::Weight::Regular, Font::Digits::AsDesigned};
+    const auto left = [&](const Font& font) {
+        return ink(drawn({60, 40}, 2, [&](Canvas& canvas) { canvas.drawText("1", {5, 5}, font, kBlack); })).left();
+    };
+    const double wider = graphics.measure("1", cells).width - graphics.measure("1", plain).width;
+    EXPECT_NEAR(left(cells) - left(plain), 2 * wider / 2, 1);
+}
+
+// Two fonts that are found on every desktop, and one whose digits differ in width.
+INSTANTIATE_TEST_SUITE_P(Families, FamilyTest, testing::Values("DejaVu Sans", "Noto Sans", "Cantarell"),
+                         [](const auto& row) {
+                             std::string name = row.param;
+                             std::erase(name, ' ');
+                             return name;
+                         });
+
+TEST_F(DrawingTest, CellsAreOnlyForDigitsInTextThatRunsToTheRight) {
+    graphics.setFontFamily("Cantarell");
+    const Font cells{14};
+    const Font plain{14, Font::Weight::Regular, Font::Digits::AsDesigned};
+    const auto width = [&](std::string_view text, const Font& font) { return graphics.measure(text, font).width; };
+    EXPECT_GT(width("11", cells), width("11", plain) + 1) << "the font was chosen for this";
+    EXPECT_DOUBLE_EQ(width("مرحبا 11", cells), width("مرحبا 11", plain));
+    EXPECT_DOUBLE_EQ(width("1\u20e3", cells), width("1\u20e3", plain));
+}
+
+TEST_F(DrawingTest, MonospacedTextHasCharactersOfOneWidth) {
+    const Font font{12, Font::Weight::Black, Font::Digits::Monospaced};
+    EXPECT_DOUBLE_EQ(graphics.measure("ilI1.", font).width, graphics.measure("MW8%B", font).width);
+}
+
+TEST_F(DrawingTest, OddTextIsStillOneLine) {
+    const Font font{14};
+    for (const std::string_view text : {"a\nb", "a\tb", "a\rb", "a\u2028b",
+                                        "a\x7f"
+                                        "b"}) {
+        EXPECT_DOUBLE_EQ(graphics.measure(text, font).width, graphics.measure("a b", font).width) << text;
+    }
+    EXPECT_EQ(graphics.measure("", font).width, 0);
+    EXPECT_GT(graphics.measure("\xff\xc3(", font).width, 0);
+    EXPECT_LT(graphics.measure(std::string(1'000'000, 'x'), font).width, 40'000);
+}
+
 }  // namespace
 }  // namespace glintar::platform
+
+int main(int argc, char** argv) {
+    testing::InitGoogleTest(&argc, argv);
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    const QGuiApplication application(argc, argv);
+    return RUN_ALL_TESTS();
+}

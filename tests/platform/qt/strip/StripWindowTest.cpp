@@ -8,9 +8,6 @@
 #include <QToolTip>
 #include <QWidget>
 #include <gmock/gmock.h>
-#include <xcb/shape.h>
-
-#include <tuple>
 
 namespace glintar::test {
 
@@ -135,45 +132,27 @@ TEST_F(StripWindow, PaintsOnlyWhatHasChanged) {
     EXPECT_GT(paints.count, 1);
 }
 
-/// A window of another program that the window manager has no part in.
-class Cover {
-public:
-    Cover(const Rect& place, bool letsClicksThrough) {
-        xcb_connection_t* const xcb = connection_->get();
-        const auto window = xcb_generate_id(xcb);
-        const std::uint32_t isUnmanaged = 1;
-        xcb_create_window(xcb, XCB_COPY_FROM_PARENT, window, connection_->root(), std::int16_t(place.x),
-                          std::int16_t(place.y), std::uint16_t(place.width), std::uint16_t(place.height), 0,
-                          XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, XCB_CW_OVERRIDE_REDIRECT, &isUnmanaged);
-        if (letsClicksThrough) {
-            xcb_shape_rectangles(xcb, XCB_SHAPE_SO_SET, XCB_SHAPE_SK_INPUT, 0, window, 0, 0, 0, nullptr);
-        }
-        xcb_map_window(xcb, window);
-        std::ignore = connection_->atom("after all that");
-    }
-
-private:
-    std::unique_ptr<platform::XcbConnection> connection_ = platform::XcbConnection::open();
-};
-
 TEST_P(StripUnderManager, TellsWhetherTheLineIsSeen) {
     using enum platform::ItemSight::Cover;
+    using Kind = OtherWindow::Kind;
     display().startManager(GetParam());
     start();
     showPills();
     ASSERT_TRUE(comesToEndAt(1280, 0));
     settle();
     const Rect place = seen().value().frame;
-    const Rect lower{place.x, 14, place.width, 20};
+    const auto left = std::int16_t(place.x);
+    const auto width = std::uint16_t(place.width);
     const auto sees = [&](platform::ItemSight::Cover cover) { return line->sight().cover == cover; };
     const auto check = [&] {
         EXPECT_TRUE(sees(None));
-        const Cover half(lower, false), clickedThrough(place, true);
+        const OtherWindow half(Kind::Unmanaged, kRed, {left, 14, width, 20});
+        const OtherWindow glass(Kind::ClickedThrough, kBlue, {left, 0, width, 28});
         EXPECT_TRUE(sees(None));
-        const Cover rest({place.x, 0, place.width - 28, 14}, false);
+        const OtherWindow rest(Kind::Unmanaged, kRed, {left, 0, std::uint16_t(width - 28), 14});
         EXPECT_TRUE(sees(Windows));
         EXPECT_EQ(icon->sight().cover, None);
-        const Cover film({0, 0, 1280, 800}, false);
+        const OtherWindow film(Kind::Unmanaged, kOrange, {0, 0, 1280, 800});
         EXPECT_TRUE(sees(FullScreen)) << "on purpose";
     };
     check();
