@@ -45,7 +45,8 @@ public:
 private:
     void see(const xcb_generic_event_t& event) {
         const auto& place = reinterpret_cast<const xcb_configure_notify_event_t&>(event);
-        if (event.response_type == XCB_CONFIGURE_NOTIFY && place.height == 28) {
+        // A window of xfwm4's for the strip's shape, which is never shown, lies in the left corner.
+        if (event.response_type == XCB_CONFIGURE_NOTIFY && place.height == 28 && place.x != 0) {
             places_.push_back({double(place.x), double(place.y), double(place.width), 28});
         }
     }
