@@ -15,32 +15,42 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
 
-TEST_F(DesktopTest, PillsStandBelowThePanelAndTheIconInIt) {
-    showScreen(Display::Manager::Xfwm4, true);
-    display->startPanel();
-    const auto blueInPanel = [&] {
-        return std::ranges::count_if(display->pixels(0, 0, 1280, 20),
-                                     [](const Pixel& p) { return p[0] < 60 && p[1] > 80 && p[2] > 130; });
-    };
-    const auto blueBefore = blueInPanel();
+/// With all of Xfce, or under a window manager alone with a tray of the older kind.
+class DesktopsTest : public DesktopTest, public testing::WithParamInterface<bool> {
+protected:
+    /// How many pixels have the icon's blue, in the panel along the top edge or the tray in the bottom left corner.
+    std::ptrdiff_t blueInTray() const {
+        const auto pixels = GetParam() ? display->pixels(0, 0, 1280, 20) : display->pixels(0, 770, 100, 30);
+        return std::ranges::count_if(pixels, [](const Pixel& p) { return p[0] < 60 && p[1] > 80 && p[2] > 130; });
+    }
+};
+
+TEST_P(DesktopsTest, PillsStandInTheCornerAndTheIconInTheTray) {
+    showScreen(GetParam() ? Display::Manager::Xfwm4 : Display::Manager::Openbox, GetParam());
+    GetParam() ? display->startPanel() : display->startTray();
+    const auto blueBefore = blueInTray();
     preferences(fiveCoins());
     auto program = start({});
     ASSERT_TRUE(showsPills(kLightPill)) << program.errors();
     const auto place = placeOfStrip();
     ASSERT_TRUE(place);
     EXPECT_EQ(place->right(), 1280);
-    EXPECT_GE(place->y, 20);
-    EXPECT_LE(place->y, 60);
-    EXPECT_TRUE(eventually([&] { return blueInPanel() > blueBefore + 50; })) << "no icon";
+    EXPECT_GE(place->y, GetParam() ? 20 : 0);
+    EXPECT_LE(place->y, GetParam() ? 60 : 0);
+
+    EXPECT_TRUE(eventually([&] { return blueInTray() > blueBefore + 50; })) << "no icon";
+
     program.signal(SIGTERM);
     EXPECT_EQ(program.wait(), 0) << program.errors();
     EXPECT_THAT(program.errors(), HasSubstr("[CoinList] 检查列表更新"));
 }
 
+INSTANTIATE_TEST_SUITE_P(Desktops, DesktopsTest, testing::Bool());
+
 TEST_F(DesktopTest, TheDesktopTurnsDarkAndThePillsWithIt) {
     showScreen(Display::Manager::Openbox);
     preferences(fiveCoins());
-    Program portal({"/usr/bin/python3", GLINTAR_PORTAL}, environment(), Program::Output::Terminal);
+    auto portal = startPortal();
     ASSERT_TRUE(portal.waitForOutput("ready")) << portal.output();
     auto program = start({});
     ASSERT_TRUE(showsPills(kLightPill)) << program.errors();
@@ -50,22 +60,27 @@ TEST_F(DesktopTest, TheDesktopTurnsDarkAndThePillsWithIt) {
     EXPECT_TRUE(showsPills(kLightPill));
 }
 
-TEST_F(DesktopTest, ASecondStartShowsTheMenuOfTheFirstWhoseQuitEndsIt) {
-    for (const auto bus : {Display::Bus::Private, Display::Bus::None}) {
-        showScreen(bus);
-        display->startManager(Display::Manager::Openbox);
-        auto first = start({});
-        ASSERT_TRUE(showsPills(kLightPill, kPillsOfTheProfile)) << first.errors();
-        const auto before = visibleWindows();
-        auto second = start({});
-        EXPECT_EQ(second.wait(), 0) << second.errors();
-        ASSERT_TRUE(eventually([&] { return visibleWindows() != before; })) << "no menu";
-        display->input({"key", "Down", "Return"});
-        EXPECT_EQ(first.wait(), 0);
-        EXPECT_THAT(first.errors(), HasSubstr("Quit App clicked"));
-        EXPECT_FALSE(std::filesystem::exists(display->home() / ".dbus")) << "a bus was started, which outlives us";
-    }
+class SecondStartTest : public DesktopTest, public testing::WithParamInterface<Display::Bus> {};
+
+TEST_P(SecondStartTest, ShowsTheMenuOfTheFirstWhoseQuitEndsIt) {
+    showScreen(GetParam());
+    display->startManager(Display::Manager::Openbox);
+    auto first = start({});
+    ASSERT_TRUE(showsPills(kLightPill, kPillsOfTheProfile)) << first.errors();
+    const auto before = visibleWindows();
+    auto second = start({});
+    EXPECT_EQ(second.wait(), 0) << second.errors();
+    ASSERT_TRUE(eventually([&] { return visibleWindows() != before; })) << "no menu";
+    display->input({"key", "Down", "Return"});
+    EXPECT_EQ(first.wait(), 0);
+    EXPECT_THAT(first.errors(), HasSubstr("Quit App clicked"));
+    EXPECT_FALSE(std::filesystem::exists(display->home() / ".dbus")) << "a bus was started, which outlives us";
 }
+
+INSTANTIATE_TEST_SUITE_P(SecondStarts, SecondStartTest, testing::Values(Display::Bus::Private, Display::Bus::None),
+                         [](const auto& test) {
+                             return test.param == Display::Bus::None ? "WithoutABus" : "WithABus";
+                         });
 
 TEST_F(DesktopTest, TheScreenGoingAwayEndsItWithOneLine) {
     showScreen();

@@ -51,6 +51,11 @@ protected:
         }
     }
 
+    /// Dark or light, as it is told on its terminal.
+    Program startPortal() const {
+        return Program({"/usr/bin/python3", GLINTAR_PORTAL}, environment(), Program::Output::Terminal);
+    }
+
     static std::optional<platform::Rect> placeOf(const std::string& title) {
         return Display::window(title).transform([](const SeenWindow& window) { return window.frame; });
     }

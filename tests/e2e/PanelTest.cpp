@@ -21,8 +21,10 @@ protected:
     }
 };
 
-TEST_F(PanelTest, ItFollowsThePointer) {
+TEST_F(PanelTest, ItFollowsThePointerAndTheDesktopsColours) {
     showScreen(Display::Manager::Openbox);
+    auto portal = startPortal();
+    ASSERT_TRUE(portal.waitForOutput("ready")) << portal.output();
     preferences(fiveCoins() + "displayMode=1\n");
     auto program = start({});
     ASSERT_TRUE(eventually([] { return placeOf("Glintar panel").has_value(); })) << program.errors();
@@ -35,6 +37,9 @@ TEST_F(PanelTest, ItFollowsThePointer) {
         }));
     }
     EXPECT_TRUE(eventually([&] { return brightness(300 + 28, 200 + 28) > 240; })) << "on the black screen";
+
+    portal.type("dark\n");
+    EXPECT_TRUE(eventually([&] { return brightness(300 + 28, 200 + 28) < 60; }));
 }
 
 TEST_F(PanelTest, TheModeChangesWhileItRuns) {

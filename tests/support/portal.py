@@ -18,7 +18,7 @@ SCHEMES = {"dark": 1, "light": 2, "none": 0}
 
 
 class Portal(dbus.service.Object):
-    settings = {SCHEME: dbus.UInt32(0)}
+    settings = {SCHEME: dbus.UInt32(SCHEMES["light"])}
     thinking = 0
 
     @dbus.service.method(INTERFACE, in_signature="ss", out_signature="v")

@@ -1,5 +1,6 @@
 #include "platform/RunLoop.h"
 #include "platform/curl/CurlFixture.h"
+#include "support/TestAuthority.h"
 
 #include <dlfcn.h>
 #include <netdb.h>

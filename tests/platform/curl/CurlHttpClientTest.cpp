@@ -1,4 +1,5 @@
 #include "platform/curl/CurlFixture.h"
+#include "support/TestAuthority.h"
 
 namespace glintar::platform {
 namespace {

@@ -180,9 +180,7 @@ TEST(DesktopLookTest, KnowsTheDesktopsThatQtWouldLoadGtkFor) {
     const Row rows[] = {
         {"GNOME", "", kGtk},
         {"ubuntu:GNOME", "", kGtk},
-        {"Budgie:GNOME", "", kGtk},
         {"XFCE", "", kGtk},
-        {"X-Cinnamon", "", kGtk},
         {"MATE", "", kGtk},
         {"xfce", "", kGtk},
         {"XFCE", "qt6ct", {.isSettingsAware = false, .hasPortalFont = false}},

@@ -58,7 +58,7 @@ private:
 
 class StripUnderAnyManager : public StripScreens, public testing::WithParamInterface<std::optional<Display::Manager>> {
 protected:
-    static void startManager() {
+    StripUnderAnyManager() {
         if (const auto manager = GetParam()) {
             display().startManager(*manager);
         }
@@ -66,7 +66,6 @@ protected:
 };
 
 TEST_P(StripUnderAnyManager, KeepsItsRightEndInPlaceWhateverItShows) {
-    startManager();
     start();
     showPills();
     ASSERT_TRUE(comesToEndAt(1280, 0));
@@ -100,7 +99,6 @@ TEST_P(StripUnderAnyManager, KeepsItsRightEndInPlaceWhateverItShows) {
 }
 
 TEST_P(StripUnderAnyManager, LeavesAScreenThatIsUnpluggedAndReturnsWithIt) {
-    startManager();
     start();
     showPills();
     bar->onScaleChanged = [&] { showPills(); };
@@ -129,10 +127,7 @@ TEST_P(StripUnderAnyManager, LeavesAScreenThatIsUnpluggedAndReturnsWithIt) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Managers, StripUnderAnyManager,
-                         testing::Values(std::nullopt, Display::Manager::Openbox, Display::Manager::Xfwm4),
-                         [](const auto& row) {
-                             return !row.param ? "None" : *row.param == Display::Manager::Openbox ? "Openbox" : "Xfwm4";
-                         });
+                         testing::Values(std::nullopt, Display::Manager::Openbox, Display::Manager::Xfwm4));
 
 TEST_F(StripScreens, StaysWhereTheUserDragsIt) {
     display().startManager(Display::Manager::Openbox);

@@ -24,10 +24,12 @@ constexpr Pixel kRed{255, 0, 0}, kBlue{0, 0, 255}, kOrange{255, 128, 0};
 
 using StripWindow = StripFixture;
 
-class StripUnderManager : public StripWindow, public testing::WithParamInterface<Display::Manager> {};
+class StripUnderManager : public StripWindow, public testing::WithParamInterface<Display::Manager> {
+protected:
+    StripUnderManager() { display().startManager(GetParam()); }
+};
 
 TEST_P(StripUnderManager, KeepsOutOfTheWayOfOtherWindows) {
-    display().startManager(GetParam());
     const Child other({"xev", "-name", "other", "-geometry", "300x200+100+300"});
     ASSERT_TRUE(soon([] { return outputOf({"xdotool", "getwindowfocus", "getwindowname"}) == "other\n"; }));
 
@@ -64,7 +66,6 @@ TEST_P(StripUnderManager, KeepsOutOfTheWayOfOtherWindows) {
 }
 
 TEST_P(StripUnderManager, IsAboveWindowsOnlyUntilTheyFillTheScreen) {
-    display().startManager(GetParam());
     start();
     showPills();
     ASSERT_TRUE(comesToEndAt(1280, 0));
@@ -80,8 +81,7 @@ TEST_P(StripUnderManager, IsAboveWindowsOnlyUntilTheyFillTheScreen) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Managers, StripUnderManager,
-                         testing::Values(Display::Manager::Openbox, Display::Manager::Xfwm4),
-                         [](const auto& row) { return row.param == Display::Manager::Openbox ? "Openbox" : "Xfwm4"; });
+                         testing::Values(Display::Manager::Openbox, Display::Manager::Xfwm4));
 
 TEST_F(StripWindow, IsTranslucentWhereThereIsACompositorAndOpaqueElsewhere) {
     display().paintWall({0, 0xc0, 0});
@@ -135,7 +135,6 @@ TEST_F(StripWindow, PaintsOnlyWhatHasChanged) {
 TEST_P(StripUnderManager, TellsWhetherTheLineIsSeen) {
     using enum platform::ItemSight::Cover;
     using Kind = OtherWindow::Kind;
-    display().startManager(GetParam());
     start();
     showPills();
     ASSERT_TRUE(comesToEndAt(1280, 0));
@@ -165,7 +164,6 @@ TEST_P(StripUnderManager, TellsWhetherTheLineIsSeen) {
 }
 
 TEST_P(StripUnderManager, OpensAMenuThatWorksByMouseAndKeys) {
-    display().startManager(GetParam());
     start();
     showPills();
     std::string chosen;

@@ -16,6 +16,11 @@ std::vector<ScreenMap::Screen> plainAndDense() {
     return {screen(0, 0, 1280, 800, 1), screen(1280, 0, 800, 600, 2)};
 }
 
+/// The primary one stands to the right of the other, and lower.
+std::vector<ScreenMap::Screen> primaryOffOrigin() {
+    return {screen(1280, 200, 800, 600, 1), screen(0, 0, 640, 400, 2)};
+}
+
 struct Place {
     std::string name;
     std::vector<ScreenMap::Screen> screens;
@@ -44,18 +49,8 @@ TEST(ScreenMapTest, AnAreaIsTheSameHoweverItIsCounted) {
                {0, 27, 640, 373},
                {0, 0, 640, 373}},
           // The work area of all screens, in the points of the dense one.
-          Area{"BeyondBothEdgesOfTheSecondScreen",
-               plainAndDense(),
-               1,
-               {0, 60, 2880, 1140},
-               {640, 30, 1440, 570},
-               {640, 200, 1440, 570}},
-          Area{"PrimaryIsNotAtTheOrigin",
-               {screen(1280, 200, 800, 600, 1), screen(0, 0, 640, 400, 2)},
-               1,
-               {20, 40, 600, 56},
-               {10, 20, 300, 28},
-               {-1270, 752, 300, 28}}}) {
+          Area{"Both", plainAndDense(), 1, {0, 60, 2880, 1140}, {640, 30, 1440, 570}, {640, 200, 1440, 570}},
+          Area{"OffOrigin", primaryOffOrigin(), 1, {20, 40, 600, 56}, {10, 20, 300, 28}, {-1270, 752, 300, 28}}}) {
         const ScreenMap map(screens);
         EXPECT_EQ(map.fromQt(qt), ours) << name;
         EXPECT_EQ(map.toQt(ours), qt) << name;
@@ -93,16 +88,8 @@ TEST(ScreenMapTest, CountsFromTheBottomLeftOfThePrimaryScreenInPointsOfTheScreen
           Place{"OnTheSecondScreen", plainAndDense(), {1300, 40}, {1290, 780}, 2},
           Place{"FirstColumnOfTheSecondScreen", plainAndDense(), {1280, 40}, {1280, 780}, 2},
           Place{"LastColumnOfTheFirst", plainAndDense(), {1279, 40}, {1279, 760}},
-          Place{"PrimaryIsNotAtTheOrigin",
-                {screen(1280, 200, 800, 600, 1), screen(0, 0, 640, 400, 2)},
-                {100, 100},
-                {50 - 1280, 750},
-                2},
-          Place{"ScreenLeftOfTheOrigin",
-                {screen(0, 0, 800, 600, 1), screen(-1600, -200, 800, 450, 2)},
-                {-1400, -100},
-                {-1500, 750},
-                2},
+          Place{"PrimaryIsNotAtTheOrigin", primaryOffOrigin(), {100, 100}, {50 - 1280, 750}, 2},
+          Place{"Left", {screen(0, 0, 800, 600, 1), screen(-1600, -200, 800, 450, 2)}, {-1400, -100}, {-1500, 750}, 2},
           Place{"RoundedUpByQt", {screen(0, 0, 427, 267, 1.5), screen(640, 0, 640, 400, 1)}, {640, 30}, {640, 237}}}) {
         const ScreenMap map(screens);
         EXPECT_EQ(map.toPoints(pixel), point) << name;
