@@ -44,7 +44,7 @@ public:
     void stopCompositor() { compositor_.stop(); }
     void startTray();  ///< of the XEmbed kind, in the bottom left corner
     void stopTray() { tray_.stop(); }
-    void startPanel();  ///< that of Xfce, along the top edge, with a tray of the D-Bus kind
+    void startPanel();                    ///< that of Xfce, along the top edge, with a tray of the D-Bus kind
     void stop() { server_.terminate(); }  ///< the screen goes away
 
     /// A Wayland compositor over the whole screen. From then on $DISPLAY is the X server that it has as a guest, and no
