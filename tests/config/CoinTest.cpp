@@ -51,13 +51,10 @@ TEST(CoinTest, OneBadElementRefusesTheList) {
              Case{R"("id":"1)", R"("ID":"1)"},
              {R"("displayName":"BTC",)", ""},
              {R"("apiId":"")", R"("apiId":7)"},
-             {R"("apiId":"bitcoin",)", ""},
              {"65000.5", R"("65000.5")"},
-             {"10112233-", "10112233"},
              {"10112233-", "1011223-3"},
              {"10112233-", "10112233A"},
              {"10112233-", "1011223G-"},
-             {"10112233-", "{10112233-"},
              {R"(,{"id")", R"(,null,{"id")"},
              {R"("}])", R"("})"},
          }) {
@@ -79,7 +76,6 @@ TEST(CoinTest, LoadsTheSavedListOrTheDefault) {
     EXPECT_EQ(fresh[0].referencePrice, 0);
     EXPECT_THAT(fresh[0].id,
                 testing::MatchesRegex("[0-9A-F]{8}-[0-9A-F]{4}-4[0-9A-F]{3}-[89AB][0-9A-F]{3}-[0-9A-F]{12}"));
-    EXPECT_NE(load()[0].id, fresh[0].id);
 
     machine.preferences.setData(kSavedCoinsKey, kTwo);
     EXPECT_EQ(encodeCoins(load()), kTwo);
@@ -138,17 +134,12 @@ TEST(CoinCatalogueTest, OneBadElementRefusesTheDocument) {
     constexpr const char* kName = "[1].name: missing or no text";
     for (const auto& [element, error] : {
              Case{R"({"id":"i","symbol":"s"})", kName},
-             {R"({"id":"i","symbol":"s","Name":"n"})", kName},
              {R"({"id":"i","symbol":"s","name":1})", kName},
-             {R"({"id":"i","symbol":"s","name":null})", kName},
-             {R"({"id":"i","symbol":"s","name":true})", kName},
              {R"({"id":"i","symbol":"s","name":["n"]})", kName},
              {R"({"id":"i","symbol":"s","name":{"name":"n"}})", kName},
              {R"({"id":"i","symbol":"s","name":"n","name":{}})", kName},
              {R"({"symbol":"s","name":"n"})", "[1].id: missing or no text"},
-             {"{}", "[1].id: missing or no text"},
              {R"("text")", "[1]: not an object"},
-             {"[]", "[1]: not an object"},
              {"7", "[1]: not an object"},
          }) {
         const auto catalogue =
@@ -210,13 +201,9 @@ TEST(CoinCatalogueTest, LoadsTheUsersCopyBeforeTheShippedOne) {
         }
         EXPECT_EQ(printed, lines) << name;
     }
-}
-
-TEST(CoinCatalogueTest, LoadsTheShippedOneWhereThereAreNoDocuments) {
-    platform::VirtualPlatform machine;
-    machine.directories.documentsFolder.reset();
-    machine.files.contents[kShippedPath] = R"([{"id":"a","symbol":"b","name":"c"}])";
-    EXPECT_EQ(loadCoinCatalogue(machine.platform()).size(), 1u);
+    platform::VirtualPlatform homeless;
+    homeless.directories.documentsFolder.reset();
+    EXPECT_EQ(listed(loadCoinCatalogue(homeless.platform())), "");
 }
 
 }  // namespace

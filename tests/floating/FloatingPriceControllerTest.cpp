@@ -196,18 +196,6 @@ TEST_F(FloatingPriceControllerTest, ManyUpdatesAtOnceCostOneDrawingATick) {
     EXPECT_EQ(machine.runLoop.pending(), 0U);
 }
 
-TEST_F(FloatingPriceControllerTest, WithoutAnyDataARefreshIsDueSinceTheStart) {
-    machine.advance(5s);
-    controller.showPanel();
-    machine.advance(1s);
-    EXPECT_EQ(sweep(), 360);
-    machine.advance(500ms);
-    EXPECT_NEAR(sweep(), 180, 20);
-    machine.advance(600ms);
-    EXPECT_EQ(sweep(), 0);
-    EXPECT_EQ(machine.runLoop.pending(), 1U) << "an empty ring has nothing to wait for";
-}
-
 TEST_F(FloatingPriceControllerTest, TheRingIsDrawnOncePerPixelWhileItIsSeen) {
     presenter::RefreshState::shared(machine.platform()).currentInterval = platform::Seconds(57);
     controller.showPanel();

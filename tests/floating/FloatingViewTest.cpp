@@ -1,3 +1,4 @@
+#include "floating/CountdownRing.h"
 #include "floating/FloatingView.h"
 #include "floating/PanelLayout.h"
 #include "platform/virtual/VirtualGraphics.h"
@@ -10,7 +11,11 @@
 namespace glintar::floating {
 namespace {
 
+using namespace std::chrono_literals;
+using platform::Duration;
+using platform::Instant;
 using platform::Rect;
+using platform::Seconds;
 using Kind = platform::Drawn::Kind;
 
 class FloatingViewTest : public testing::Test {
@@ -84,14 +89,6 @@ TEST_F(FloatingViewTest, EverythingBeginsOnAWholePixelWhateverTheRatio) {
     EXPECT_EQ(frames<PanelLayout::Divider>(layOut(0.25)).at(0).height, 4) << "one pixel is the least";
 }
 
-TEST_F(FloatingViewTest, ASourceWithoutAnImageHasTheNetworkSymbolInItsRing) {
-    graphics.images.clear();
-    EXPECT_EQ(frames<PanelLayout::Symbol>(layOut()).at(0), (Rect{19, 43, 8, 8}));
-    EXPECT_TRUE(frames<platform::ImagePtr>(layOut()).empty());
-    graphics.missingSymbols = {"network"};
-    EXPECT_EQ(layOut().ring, (Rect{14, 38, 18, 18}));
-}
-
 TEST_F(FloatingViewTest, AbsurdPricesDoNotAskForAnAbsurdPicture) {
     showTwoCoins();
     auto& quote = state.marketData["bitcoin"];
@@ -124,6 +121,58 @@ TEST_F(FloatingViewTest, ASparklineOfHardlyAnyRangeIsNoMountain) {
         const auto points = platform::drawn(picture).all(Kind::Line).at(0).points;
         EXPECT_NEAR(points.at(1).x, 45, 1e-6);
         EXPECT_NEAR(points.at(1).y, end, 1e-6);
+    }
+}
+
+class CountdownRingTest : public testing::Test {
+protected:
+    Instant at(Duration time) const { return start + time; }
+    double progress(Duration time) const { return ring.progress(at(time)); }
+    double shown(Instant time) const { return CountdownRing::shownProgress(ring.progress(time), 1); }
+
+    const Instant start{24h};
+    CountdownRing ring{start};
+};
+
+TEST_F(CountdownRingTest, ItLooksOnceASecondAndMovesThereWithinTheNext) {
+    EXPECT_EQ(progress(0s), 1);
+    ring.setNextRefresh(at(400ms), at(50s), Seconds(50));
+    const std::pair<Duration, double> fall[] = {{1s, 1},        {1500ms, 0.99},  {2s, 0.98}, {2250ms, 0.975},
+                                                {50s, 1 / 50.}, {50500ms, 0.01}, {51s, 0.0}, {90s, 0.0}};
+    for (const auto& [time, expected] : fall) {
+        EXPECT_NEAR(progress(time), expected, 1e-9) << Seconds(time).count();
+    }
+
+    ring.setNextRefresh(at(60300ms), at(110500ms), Seconds(50));  // at 61 s it will see 49.5 of 50
+    const std::pair<Duration, double> refill[] = {
+        {60300ms, 0.0}, {61s, 0.0}, {61500ms, 0.495}, {62s, 0.99}, {63s, 0.97}};
+    for (const auto& [time, expected] : refill) {
+        EXPECT_NEAR(progress(time), expected, 1e-9) << Seconds(time).count();
+    }
+
+    ring.setNextRefresh(at(61500ms), at(61500ms), Seconds(50));
+    EXPECT_NEAR(progress(61750ms), 0.7425, 1e-9) << "what has begun to move arrives first";
+    EXPECT_NEAR(progress(62500ms), 0.495, 1e-9);
+    ring.setNextRefresh(at(70s), at(170s), Seconds(50));
+    EXPECT_EQ(progress(72s), 1) << "more than a whole interval is left";
+}
+
+TEST_F(CountdownRingTest, NobodyIsWokenWhileItLooksTheSame) {
+    EXPECT_GT(ring.unchangedFor(start, 1), 1s) << "the refresh is due, but nothing moves before the first look";
+    for (const auto& [interval, steps] : {std::pair{60s, 57}, std::pair{3600s, 57}, std::pair{10s, 57}}) {
+        CountdownRing fresh(start);
+        ring = fresh;
+        ring.setNextRefresh(start, start + interval, Seconds(interval));
+        int seen = 0;
+        Instant now = start;
+        while (const auto wait = ring.unchangedFor(now, 1)) {
+            EXPECT_EQ(shown(now + *wait - 3ms), shown(now)) << "it came too late";
+            EXPECT_LT(shown(now + *wait), shown(now)) << "it came for nothing";
+            now += *wait;
+            ASSERT_LT(++seen, 100);
+        }
+        EXPECT_EQ(seen, steps);
+        EXPECT_EQ(ring.progress(now), 0);
     }
 }
 

@@ -6,9 +6,6 @@
 
 #include <gmock/gmock.h>
 
-#include <future>
-#include <thread>
-
 namespace glintar::market {
 namespace {
 
@@ -247,48 +244,6 @@ TEST_F(CryptoServiceTest, ARetryThatOutlivesItCompletes) {
     machine.advance(5s);
     EXPECT_EQ(outcome->completions, 1);
     EXPECT_EQ(outcome->error, "Network Error");
-}
-
-/// Answers each request from a thread of its own, all at once.
-class ThreadedHttp final : public platform::HttpClient {
-public:
-    std::shared_ptr<platform::HttpCall> send(platform::HttpRequest request,
-                                             platform::HttpCompletion completion) override {
-        const int status = request.url.contains("ETH") ? 429 : 200;
-        threads_.emplace_back([completion = std::move(completion), status]() mutable {
-            completion(platform::HttpResponse{status, R"([{"last":1}])"});
-        });
-        return nullptr;
-    }
-    void dropConnections() override {}
-
-private:
-    std::vector<std::jthread> threads_;
-};
-
-TEST_F(CryptoServiceTest, AnswersMayComeFromManyThreadsAtOnce) {
-    // What they do reaches shared state; ThreadSanitizer looks on.
-    std::promise<MarketDataMap> done;
-    struct : platform::WorkQueue {
-        void async(platform::Task task) override { task(); }
-        void asyncAfter(platform::Duration, platform::Task) override {}
-    } queue;
-    ThreadedHttp http;
-    auto& whole = machine.platform();
-    struct : platform::Console {
-        void write(Path, std::string_view) override {}
-    } console;
-    platform::Platform threaded{
-        whole.runLoop, queue,       http,    whole.preferences, whole.secrets,   whole.notifications, whole.directories,
-        whole.bundle,  whole.files, console, whole.entropy,     whole.localTime, whole.registry};
-    select("gate");
-    std::vector<config::Coin> coins;
-    for (int i = 0; i < 20; ++i) {
-        coins.push_back(test::coin(i == 7 ? "ETH" : "BTC", fmt::format("coin{}", i)));
-    }
-    CryptoService::shared(threaded).fetchMarketData(
-        coins, [&](MarketDataMap quotes, const std::optional<std::string>&) { done.set_value(std::move(quotes)); });
-    EXPECT_GE(done.get_future().get().size(), 7U) << "those before the throttled one, and all that had been sent";
 }
 
 }  // namespace

@@ -1,14 +1,14 @@
-// What pills and the countdown say by their colours and sizes; tests/pictures/ knows what stands where.
+// What pills and the countdown say by their colours and sizes (tests/pictures/ knows what stands where), which pills
+// are kept, and what may happen while they are drawn.
 
 #include "menubar/Badge.h"
 #include "menubar/CoinPill.h"
 #include "menubar/GasPill.h"
 #include "menubar/PillColors.h"
+#include "menubar/PillPainter.h"
 #include "menubar/ProgressImage.h"
-#include "platform/virtual/VirtualGraphics.h"
+#include "menubar/StatusItemsTest.h"
 #include "presenter/SystemColors.h"
-
-#include <gtest/gtest.h>
 
 #include <cmath>
 
@@ -16,6 +16,7 @@ namespace glintar::menubar {
 namespace {
 
 using platform::Appearance;
+using testing::ElementsAre;
 using Kind = platform::Drawn::Kind;
 
 const platform::VirtualGraphics graphics;
@@ -23,26 +24,13 @@ const platform::ImagePtr icon = *graphics.decode("image 64x64 btc");
 constexpr Look kLight;
 constexpr Look kDark{.appearance = Appearance::Dark, .scale = 2};
 
-platform::VirtualImage drawCoin(const presenter::CoinPart& part, const platform::ImagePtr& picture = icon,
-                                const Look& look = kLight) {
-    return platform::drawn(renderCoinPill(graphics, part, picture, look));
+platform::VirtualImage drawCoin(const presenter::CoinPart& part) {
+    return platform::drawn(renderCoinPill(graphics, part, icon, kLight));
 }
 
-TEST(CoinPillTest, ColoursSayWhichWayItWent) {
+TEST(CoinPillTest, HiddenOrUnknownTheChangeStillTellsTheSparklinesColour) {
     presenter::CoinPart part{.price = "1", .showsSparkline = true};
     part.quote.sparkline = {1, 3, 2};
-    for (const auto& look : {kLight, kDark}) {
-        const auto named = [&](const char* name) { return colorNamed(name, look.appearance); };
-        for (const auto& [change, color] : {std::pair{-2.5, "red"}, {0.0, "green"}}) {
-            part.change = presenter::changeText(change);
-            part.quote.change24h = change;
-            const auto pill = drawCoin(part, icon, look);
-            EXPECT_EQ(pill.text(*part.change).color, named(color)) << change;
-            EXPECT_EQ(pill.all(Kind::Line).at(0).color, named(color).withAlpha(0.8)) << change;
-        }
-    }
-    // Hidden or unknown, the change still tells the sparkline's colour.
-    part.change.reset();
     for (const auto& [change, color] : {std::pair{std::optional(-1.0), "red"}, {std::nullopt, "green"}}) {
         part.quote.change24h = change;
         EXPECT_EQ(drawCoin(part).all(Kind::Line).at(0).color, colorNamed(color, kLight.appearance).withAlpha(0.8));
@@ -133,6 +121,90 @@ TEST(CountdownTest, ItIsDrawnOncePerHalfPixelAndNobodyNeedAskInBetween) {
     EXPECT_NEAR(Countdown::unchangedFor(1.75 / 132, Seconds{60}, 1).count(), 0.25 * 60 / 132, 1e-9);
     EXPECT_NEAR(Countdown::unchangedFor(1, Seconds{60}, 1).count(), 60.0 / 132, 1e-9) << "the end must not spin";
     EXPECT_GT(Countdown::unchangedFor(0.5, Seconds{0}, 1).count(), 0);
+}
+
+class PillPainterTest : public StatusItemsTest {
+protected:
+    std::shared_ptr<PillPainter> painter(const std::shared_ptr<CoinIcons>& icons, Appearance appearance) {
+        return std::make_shared<PillPainter>(desktop.graphics, icons, Look{.appearance = appearance},
+                                             [this] { ++redisplays; });
+    }
+    presenter::StatusLine line() const {
+        return presenter::composeStatusLine(config::Settings::load(machine.preferences), coins, quotes, gas,
+                                            presenter::Outcome{.error = error});
+    }
+    void drawWhileIconsArrive();
+};
+
+TEST_F(PillPainterTest, AnIconThatArrivesReplacesTheFinishedPill) {
+    add("a", "https://icons.test/a.png");
+    machine.http.answer("icons.test", "image 9x9 a");
+    show();
+    work.run();  // asks for the icon; meanwhile an older one turns up
+    saveIconOf("a");
+    show();
+    work.run();
+    machine.runLoop.settle();
+    EXPECT_THAT(icons(), ElementsAre("saved"));
+    settle();
+    EXPECT_THAT(icons(), ElementsAre("a"));
+}
+
+TEST_F(PillPainterTest, AWholeLineOfTheWidestUsualPillsIsKept) {
+    for (const auto key : {config::kShowChange, config::kShowHighLow, config::kShowSparkline, config::kShowGasFee}) {
+        machine.preferences.setBoolean(key, true);
+    }
+    for (const std::string id : {"a", "b", "c", "d", "e"}) {
+        add(id);
+        saveIconOf(id);
+        coins.back().referencePrice = 100'000;
+        quotes[id] = {.price = 123'456.78,
+                      .change24h = -12.34,
+                      .high24h = 123'456.7,
+                      .low24h = 100'000,
+                      .sparkline = std::vector{1.0, 2.0}};
+    }
+    quotes["ethereum"].price = 12'345;
+    gas = 123.45;
+    EXPECT_EQ(drawingsToShow(), 6);
+    EXPECT_EQ(drawingsToShow(), 0);
+}
+
+/// Draws five pills, light and dark, with one painter for each that shares the icons, while these arrive.
+void PillPainterTest::drawWhileIconsArrive() {
+    const auto shown = line();
+    const auto draw = [&](PillPainter& with, const presenter::CoinPart& part) {
+        return platform::drawn(with.drawPill(with.renderKey(shown, part), part));
+    };
+    const auto icons = std::make_shared<CoinIcons>(platform, desktop.graphics);
+    auto light = painter(icons, Appearance::Light);
+    const auto dark = painter(icons, Appearance::Dark);
+    for (const auto& part : shown.coins) {
+        draw(*light, part);
+    }
+    machine.advance(1s);  // the answers wait to be decoded
+    for (const auto& part : shown.coins) {
+        work.async([&, held = light] { draw(*held, part); });
+        work.async([&] { draw(*dark, part); });
+    }
+    light.reset();
+    work.runTogether();
+    for (const auto& part : shown.coins) {
+        EXPECT_EQ(draw(*dark, part).all(platform::Drawn::Kind::Image).size(), 1) << part.coin.apiId;
+    }
+    machine.advance(1s);
+}
+
+TEST_F(PillPainterTest, IconsMayArriveWhileTheLookChanges) {
+    machine.directories.cachesFolder.reset();  // the files are for one thread
+    machine.http.answer("icons.test", "image 9x9 a");
+    for (const std::string id : {"a", "b", "c", "d", "e"}) {
+        add(id, "https://icons.test/" + id);
+    }
+    for (int round = 1; round <= 200; ++round) {
+        drawWhileIconsArrive();
+        EXPECT_EQ(machine.http.asked("icons.test"), 5 * round) << "neither an icon nor its download was seen";
+    }
 }
 
 }  // namespace

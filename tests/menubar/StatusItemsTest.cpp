@@ -237,18 +237,6 @@ TEST_F(StatusItemsTest, WorkThatComesTooLateDoesNothing) {
     desktop.events.setAppearance(Appearance::Dark);
 }
 
-TEST_F(StatusItemsTest, PillsMayBeDrawnAllAtOnce) {
-    for (const auto* id : {"a", "b", "c", "d", "e"}) {
-        add(id);
-        saveIconOf(id);
-    }
-    show();
-    work.runTogether();
-    settle();
-    EXPECT_THAT(icons(), ElementsAre("saved", "saved", "saved", "saved", "saved"));
-    EXPECT_EQ(drawingsToShow(), 0);
-}
-
 TEST_F(StatusItemsTest, TheCountdownIsReplacedWhenItLooksDifferent) {
     const platform::Seconds unchanged = items->showProgress(0.5, 60s);
     EXPECT_NEAR(unchanged.count(), 60.0 / 132, 1e-9);

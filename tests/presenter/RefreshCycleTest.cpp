@@ -72,20 +72,6 @@ TEST_F(RefreshCycleTest, ARejectedKeySlowsDownUntilTheSettingsAreSaved) {
     EXPECT_THAT(shownPrices(), ElementsAre("65000.00"));
 }
 
-TEST_F(RefreshCycleTest, AnOutageKeepsTheLastPricesAndSaysSo) {
-    begin();
-    machine.http.fail("gecko.test", {platform::HttpError::Kind::Connection, "down"});
-    machine.advance(60s);
-    EXPECT_THAT(shownPrices(), ElementsAre("64000.00"));
-    EXPECT_EQ(surface.line.error, "Network Error");
-    EXPECT_EQ(surface.tooltip, "Error: Network Error @ 03:05:06\nPrices from 03:04:06");
-    EXPECT_THAT(RefreshState::shared(machine.platform()).latestMarketData, SizeIs(1));
-    machine.http.answer("gecko.test", test::geckoAnswer({"bitcoin"}, 63000));
-    machine.advance(60s);
-    EXPECT_THAT(shownPrices(), ElementsAre("63000.00"));
-    EXPECT_FALSE(surface.line.error);
-}
-
 TEST_F(RefreshCycleTest, WithNothingToShowTheErrorStandsInTheLine) {
     machine.http.answer("gecko.test", "Throttled", 429);
     begin();

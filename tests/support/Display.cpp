@@ -3,6 +3,7 @@
 #include "platform/xcb/SelectionWatch.h"
 
 #include <fmt/format.h>
+#include <xcb/shape.h>
 
 #include <charconv>
 #include <cstdlib>
@@ -11,6 +12,7 @@
 #include <ranges>
 #include <stdexcept>
 #include <string_view>
+#include <thread>
 
 namespace glintar::test {
 
@@ -19,28 +21,15 @@ namespace {
 using platform::XcbConnection;
 using platform::XcbOwned;
 
-void await(const std::function<bool()>& condition, const std::string& what) {
-    if (!eventually(condition)) {
+void await(const std::function<bool()>& condition, const std::string& what,
+           const std::function<void()>& meanwhile = {}) {
+    if (!eventually(condition, meanwhile)) {
         throw std::runtime_error(what);
     }
 }
 
 bool isOwned(XcbConnection& connection, const char* selection) {
     return platform::SelectionWatch(connection, selection).isOwned();
-}
-
-bool hasManager(XcbConnection& connection) {
-    const auto asked = xcb_get_property(connection.get(), 0, connection.screen().root,
-                                        connection.atom("_NET_SUPPORTING_WM_CHECK"), XCB_ATOM_WINDOW, 0, 1);
-    const XcbOwned<xcb_get_property_reply_t> check(xcb_get_property_reply(connection.get(), asked, nullptr));
-    if (!check || xcb_get_property_value_length(check.get()) != 4) {
-        return false;
-    }
-    // A manager that was killed leaves the property behind, but not the window.
-    const auto window = *static_cast<const xcb_window_t*>(xcb_get_property_value(check.get()));
-    const auto seen = xcb_get_window_attributes(connection.get(), window);
-    return XcbOwned<xcb_get_window_attributes_reply_t>(
-               xcb_get_window_attributes_reply(connection.get(), seen, nullptr)) != nullptr;
 }
 
 /// Whether it takes care of windows by now. Openbox, for one, says earlier that it is there, and what it is sent while
@@ -52,6 +41,22 @@ bool doesManage(XcbConnection& connection, xcb_window_t probe) {
     const auto asked = xcb_get_property(xcb, 0, probe, connection.atom("WM_STATE"), XCB_ATOM_ANY, 0, 1);
     const XcbOwned<xcb_get_property_reply_t> state(xcb_get_property_reply(xcb, asked, nullptr));
     return state && state->type != XCB_ATOM_NONE;
+}
+
+std::vector<Pixel> pixelsOf(XcbConnection& connection, int x, int y, int width, int height) {
+    const auto asked = xcb_get_image(connection.get(), XCB_IMAGE_FORMAT_Z_PIXMAP, connection.screen().root,
+                                     static_cast<std::int16_t>(x), static_cast<std::int16_t>(y),
+                                     static_cast<std::uint16_t>(width), static_cast<std::uint16_t>(height), ~0U);
+    const XcbOwned<xcb_get_image_reply_t> image(xcb_get_image_reply(connection.get(), asked, nullptr));
+    if (!image) {
+        throw std::runtime_error("not on the screen");
+    }
+    std::vector<Pixel> seen;
+    const auto* bytes = xcb_get_image_data(image.get());
+    for (int count = width * height; count > 0; --count, bytes += 4) {
+        seen.push_back({bytes[2], bytes[1], bytes[0]});
+    }
+    return seen;
 }
 
 int number(std::string_view text) {
@@ -130,7 +135,7 @@ void Display::startManager(Manager manager) {
     manager_ = manager == Manager::Openbox ? Child({"openbox", "--sm-disable"})
                                            : Child({"xfwm4", "--compositor=off", "--replace"});
     const auto connection = connect();
-    await([&] { return hasManager(*connection); }, "the window manager does not start");
+    await([&] { return isOwned(*connection, "WM_S0"); }, "the window manager does not start");
     // Goes with the connection.
     const auto probe = xcb_generate_id(connection->get());
     xcb_create_window(connection->get(), XCB_COPY_FROM_PARENT, probe, connection->screen().root, 0, 0, 1, 1, 0,
@@ -142,7 +147,7 @@ void Display::startManager(Manager manager) {
 void Display::stopManager() {
     manager_.stop();
     const auto connection = connect();
-    await([&] { return !hasManager(*connection); }, "the window manager does not end");
+    await([&] { return !isOwned(*connection, "WM_S0"); }, "the window manager does not end");
 }
 
 void Display::startCompositor() {
@@ -237,26 +242,73 @@ std::optional<SeenWindow> Display::window(const std::string& title) {
 }
 
 std::vector<Pixel> Display::pixels(int x, int y, int width, int height) const {
-    const auto connection = connect();
-    const auto asked = xcb_get_image(connection->get(), XCB_IMAGE_FORMAT_Z_PIXMAP, connection->screen().root,
-                                     static_cast<std::int16_t>(x), static_cast<std::int16_t>(y),
-                                     static_cast<std::uint16_t>(width), static_cast<std::uint16_t>(height), ~0U);
-    const XcbOwned<xcb_get_image_reply_t> image(xcb_get_image_reply(connection->get(), asked, nullptr));
-    if (!image) {
-        throw std::runtime_error("not on the screen");
-    }
-    std::vector<Pixel> seen;
-    const auto* bytes = xcb_get_image_data(image.get());
-    for (int count = width * height; count > 0; --count, bytes += 4) {
-        seen.push_back({bytes[2], bytes[1], bytes[0]});
-    }
-    return seen;
+    return pixelsOf(*connect(), x, y, width, height);
 }
 
 void Display::input(const std::vector<std::string>& words) const {
     std::vector<std::string> command{"env", "DISPLAY=" + name_, "xdotool"};
     command.insert(command.end(), words.begin(), words.end());
     outputOf(command);
+}
+
+std::string listedPrograms() {
+    return outputOf({"xprop", "-root", "_NET_CLIENT_LIST"});
+}
+
+OtherWindow::OtherWindow(Kind kind, const Pixel& color, const xcb_rectangle_t& place) {
+    const bool isListed = kind == Kind::Managed || kind == Kind::FullScreen;
+    const auto isShown = [&] {
+        return window_ != XCB_NONE && (!isListed || listedPrograms().contains(fmt::format("{:#x}", window_))) &&
+               pixelsOf(*connection_, place.x + place.width / 2, place.y + place.height / 2, 1, 1).front() == color;
+    };
+    int looks = 0;
+    const auto lookAgain = [&] {
+        if (looks++ % 50 == 0) {  // a window manager that has just started may lose a window
+            xcb_destroy_window(connection_->get(), window_);
+            open(kind, color, place);
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds{10});
+    };
+    await([&] { return isShown(); }, "another window is not seen", lookAgain);
+}
+
+void OtherWindow::open(Kind kind, const Pixel& color, const xcb_rectangle_t& place) {
+    xcb_connection_t* const xcb = connection_->get();
+    window_ = xcb_generate_id(xcb);
+    const bool isUnmanaged = kind == Kind::Unmanaged || kind == Kind::ClickedThrough;
+    const std::array values{static_cast<std::uint32_t>(color[0] << 16 | color[1] << 8 | color[2]),
+                            std::uint32_t{isUnmanaged}, std::uint32_t{XCB_EVENT_MASK_BUTTON_PRESS}};
+    xcb_create_window(xcb, connection_->screen().root_depth, window_, connection_->root(), place.x, place.y,
+                      place.width, place.height, 0, XCB_WINDOW_CLASS_INPUT_OUTPUT, connection_->screen().root_visual,
+                      XCB_CW_BACK_PIXEL | XCB_CW_OVERRIDE_REDIRECT | XCB_CW_EVENT_MASK, values.data());
+    // WM_NORMAL_HINTS that say: the user wants it there.
+    const std::array<std::uint32_t, 18> hints{3, std::uint32_t(place.x), std::uint32_t(place.y), place.width,
+                                              place.height};
+    xcb_change_property(xcb, XCB_PROP_MODE_REPLACE, window_, XCB_ATOM_WM_NORMAL_HINTS, XCB_ATOM_WM_SIZE_HINTS, 32,
+                        hints.size(), hints.data());
+    if (kind == Kind::FullScreen) {
+        const auto state = connection_->atom("_NET_WM_STATE_FULLSCREEN");
+        xcb_change_property(xcb, XCB_PROP_MODE_REPLACE, window_, connection_->atom("_NET_WM_STATE"), XCB_ATOM_ATOM, 32,
+                            1, &state);
+    } else if (kind == Kind::ClickedThrough) {
+        xcb_shape_rectangles(xcb, XCB_SHAPE_SO_SET, XCB_SHAPE_SK_INPUT, 0, window_, 0, 0, 0, nullptr);
+    }
+    xcb_map_window(xcb, window_);
+    connection_->flush();
+}
+
+bool OtherWindow::wasPressed() {
+    bool pressed = false;
+    const platform::Listening presses = connection_->onEvent(
+        [&](const xcb_generic_event_t& event) { pressed = pressed || event.response_type == XCB_BUTTON_PRESS; });
+    connection_->readEvents();
+    return pressed;
+}
+
+void OtherWindow::lower() const {
+    const std::uint32_t below = XCB_STACK_MODE_BELOW;
+    xcb_configure_window(connection_->get(), window_, XCB_CONFIG_WINDOW_STACK_MODE, &below);
+    connection_->flush();
 }
 
 }  // namespace glintar::test

@@ -44,8 +44,7 @@ public:
     void stopCompositor() { compositor_.stop(); }
     void startTray();  ///< of the XEmbed kind, in the bottom left corner
     void stopTray() { tray_.stop(); }
-    void startPanel();  ///< that of Xfce, along the top edge, with a tray of the D-Bus kind
-    void stopPanel() { panel_.stop(); }
+    void startPanel();                    ///< that of Xfce, along the top edge, with a tray of the D-Bus kind
     void stop() { server_.terminate(); }  ///< the screen goes away
 
     /// A Wayland compositor over the whole screen. From then on $DISPLAY is the X server that it has as a guest, and no
@@ -85,6 +84,31 @@ private:
     int height_ = 0;
     std::unique_ptr<platform::XcbConnection> wall_;
     Child bus_, server_, wayland_, manager_, compositor_, tray_, panel_;
+};
+
+/// The windows that the window manager tells task bars of, as xprop prints them.
+[[nodiscard]] std::string listedPrograms();
+
+/// A window of somebody else's on $DISPLAY, in one colour. Comes back once it is seen, its centre at least.
+class OtherWindow {
+public:
+    enum class Kind { Managed, Unmanaged, ClickedThrough, FullScreen };  ///< the middle two without a window manager
+    OtherWindow(Kind kind, const Pixel& color, const xcb_rectangle_t& place);
+    ~OtherWindow() { xcb_destroy_window(connection_->get(), window_); }
+
+    /// Whether a button was pressed over it since the last question.
+    [[nodiscard]] bool wasPressed();
+
+    void hide() const { outputOf({"xdotool", "windowunmap", std::to_string(window_)}); }
+    void show() const { outputOf({"xdotool", "windowmap", std::to_string(window_)}); }
+    /// Below all others.
+    void lower() const;
+
+private:
+    void open(Kind kind, const Pixel& color, const xcb_rectangle_t& place);
+
+    std::unique_ptr<platform::XcbConnection> connection_ = platform::XcbConnection::open();
+    xcb_window_t window_ = XCB_NONE;
 };
 
 }  // namespace glintar::test

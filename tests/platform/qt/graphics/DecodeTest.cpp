@@ -9,7 +9,6 @@
 #include <gmock/gmock.h>
 
 #include <cstdlib>
-#include <ostream>
 
 namespace glintar::platform {
 namespace {
@@ -81,21 +80,16 @@ std::string ico(const std::vector<std::pair<int, std::string>>& pictures) {
     return directory + data;
 }
 
-class DecodeFormatTest : public testing::TestWithParam<const char*> {};
-
-TEST_P(DecodeFormatTest, LargePicturesBecomeSmallOnesOfTheSameShape) {
-    const auto icon = decodeIcon(file(flag(200, 100), GetParam()));
-    ASSERT_TRUE(icon) << icon.error();
-    EXPECT_EQ(icon->size(), QSize(64, 32));
-    EXPECT_EQ(icon->format(), QImage::Format_ARGB32_Premultiplied);
-    const QColor left = icon->pixelColor(5, 16);
-    const QColor right = icon->pixelColor(60, 16);
-    EXPECT_TRUE(left.red() > 240 && left.blue() < 20) << left.name().toStdString();
-    EXPECT_TRUE(right.blue() > 240 && right.red() < 20) << right.name().toStdString();
+TEST(DecodeTest, LargePicturesOfAnyFormatBecomeSmallOnesOfTheSameShape) {
+    for (const char* const format : {"png", "jpeg", "bmp", "ico", "webp"}) {
+        const auto icon = decodeIcon(file(flag(200, 100), format));
+        ASSERT_TRUE(icon) << format << icon.error();
+        EXPECT_EQ(icon->size(), QSize(64, 32)) << format;
+        EXPECT_EQ(icon->format(), QImage::Format_ARGB32_Premultiplied) << format;
+        const QColor left = icon->pixelColor(5, 16), right = icon->pixelColor(60, 16);
+        EXPECT_TRUE(left.red() > 240 && left.blue() < 20 && right.blue() > 240 && right.red() < 20) << format;
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(Formats, DecodeFormatTest, testing::Values("png", "jpeg", "bmp", "ico", "webp"),
-                         [](const auto& row) { return std::string(row.param); });
 
 /// Half transparent red with a dark and a green pixel in it.
 QImage mixture() {
@@ -157,58 +151,40 @@ TEST(DecodeTest, TransparentPixelsDoNotDarkenTheirNeighboursWhenMadeSmaller) {
     EXPECT_GT(mixed.red(), 250);
 }
 
-struct Refused {
-    std::string name;
-    std::function<std::string()> bytes;
-    std::string reason;
-    friend void PrintTo(const Refused& row, std::ostream* out) { *out << row.name; }
-};
-
-class DecodeRefusalTest : public testing::TestWithParam<Refused> {};
-
-TEST_P(DecodeRefusalTest, IsAnError) {
-    const auto icon = decodeIcon(GetParam().bytes());
-    ASSERT_FALSE(icon) << icon->width() << " x " << icon->height();
-    EXPECT_THAT(icon.error(), HasSubstr(GetParam().reason));
+TEST(DecodeTest, RefusesWhatIsNoPictureOrTooLargeAOne) {
+    struct Row {
+        std::string bytes, reason;
+    };
+    const std::string svg =
+        R"(<svg xmlns="http://www.w3.org/2000/svg" width="8" height="8"><rect width="8" height="8"/></svg>)";
+    const std::string png = file(flag(90, 90), "png"), jpeg = file(flag(8, 8), "jpeg");
+    for (int number = 0;
+         const auto& [bytes, reason] : {
+             Row{"", "known format"},
+             Row{"\x89", "known format"},
+             Row{"<html><body>404</body></html>", "known format"},
+             Row{svg, "known format"},
+             Row{"/* XPM */\nstatic char *a[] = {\"1 1 1 1\", \"a c #ff0000\", \"a\"};", "known format"},
+             Row{"\x89PNG\r\n\x1a\n" + svg, "unreadable png"},
+             Row{half(png), "unreadable png"},
+             Row{patched(png, png.find("IDAT") + 8, "?"), "unreadable png"},
+             Row{half(file(flag(90, 90), "jpeg")), "too early"},
+             Row{half(file(flag(90, 90), "bmp")), "too early"},
+             Row{half(file(flag(90, 90), "webp")), "unreadable webp"},
+             Row{gif().substr(0, 32), "too early"},
+             Row{boastfulPng(), "20000 x 20000 pixels are too many"},
+             Row{patched(file(flag(2, 2), "bmp"), 18, "\x88\x13\0\0\x88\x13\0\0"s), "5000 x 5000 pixels are too many"},
+             Row{patched(jpeg, jpeg.find("\xff\xc0") + 5, "\x4e\x20\x4e\x20"), "20000 x 20000 pixels are too many"},
+             Row{gif("\x88\x13\x88\x13"), "5000 x 5000"},
+             Row{gif("\0\0\0\0"s, "\x87\x13\x87\x13"), "5000 x 5000"},
+             Row{ico({{16, boastfulPng()}}), "20000 x 20000"},
+         }) {
+        const auto icon = decodeIcon(bytes);
+        ++number;
+        ASSERT_FALSE(icon) << number;
+        EXPECT_THAT(icon.error(), HasSubstr(reason)) << number;
+    }
 }
-
-const auto kSvg = [] {
-    return R"(<svg xmlns="http://www.w3.org/2000/svg" width="8" height="8"><rect width="8" height="8"/></svg>)"s;
-};
-const auto kXpm = [] { return "/* XPM */\nstatic char *a[] = {\"1 1 1 1\", \"a c #ff0000\", \"a\"};"s; };
-
-INSTANTIATE_TEST_SUITE_P(
-    Refusals, DecodeRefusalTest,
-    testing::Values(
-        Refused{"Empty", [] { return ""s; }, "known format"},
-        Refused{"OneByte", [] { return "\x89"s; }, "known format"},
-        Refused{"Html", [] { return "<html><body>404</body></html>"s; }, "known format"},
-        Refused{"Svg", kSvg, "known format"}, Refused{"Xpm", kXpm, "known format"},
-        Refused{"SvgSaidToBePng", [] { return "\x89PNG\r\n\x1a\n" + kSvg(); }, "unreadable png"},
-        Refused{"PngCutOff", [] { return half(file(flag(90, 90), "png")); }, "unreadable png"},
-        Refused{"PngWithAWrongByte",
-                [] {
-                    const std::string bytes = file(flag(90, 90), "png");
-                    return patched(bytes, bytes.find("IDAT") + 8, "?");
-                },
-                "unreadable png"},
-        Refused{"JpegCutOff", [] { return half(file(flag(90, 90), "jpeg")); }, "too early"},
-        Refused{"BmpCutOff", [] { return half(file(flag(90, 90), "bmp")); }, "too early"},
-        Refused{"WebPCutOff", [] { return half(file(flag(90, 90), "webp")); }, "unreadable webp"},
-        Refused{"GifCutOff", [] { return gif().substr(0, 32); }, "too early"},
-        Refused{"BoastfulPng", boastfulPng, "20000 x 20000 pixels are too many"},
-        Refused{"BoastfulBmp", [] { return patched(file(flag(2, 2), "bmp"), 18, "\x88\x13\0\0\x88\x13\0\0"s); },
-                "5000 x 5000 pixels are too many"},
-        Refused{"BoastfulJpeg",
-                [] {
-                    const std::string bytes = file(flag(8, 8), "jpeg");
-                    return patched(bytes, bytes.find("\xff\xc0") + 5, "\x4e\x20\x4e\x20");
-                },
-                "20000 x 20000 pixels are too many"},
-        Refused{"BoastfulGif", [] { return gif("\x88\x13\x88\x13"); }, "5000 x 5000"},
-        Refused{"BoastfulGifWithoutAScreen", [] { return gif("\0\0\0\0"s, "\x87\x13\x87\x13"); }, "5000 x 5000"},
-        Refused{"BoastfulPngInsideIco", [] { return ico({{16, boastfulPng()}}); }, "20000 x 20000"}),
-    [](const auto& row) { return row.param.name; });
 
 }  // namespace
 }  // namespace glintar::platform

@@ -1,66 +1,59 @@
-#include "platform/qt/graphics/DrawingFixture.h"
+#include "platform/qt/graphics/QtGraphics.h"
+#include "platform/qt/graphics/QtImage.h"
+#include "support/FolderBundle.h"
+#include "support/TemporaryFolder.h"
 
+#include <QGuiApplication>
 #include <fmt/format.h>
 #include <gmock/gmock.h>
 
 #include <cmath>
+#include <fstream>
 #include <limits>
 #include <thread>
 
 namespace glintar::platform {
 namespace {
 
-TEST_F(DrawingTest, YGrowsUpwards) {
-    const QImage image = drawn({10, 20}, 2, [](Canvas& canvas) { canvas.fillRounded({2, 1, 5, 4}, 0, kRed); });
-    EXPECT_EQ(ink(image), QRect(4, 30, 10, 8));
-}
+constexpr Color kRed{1, 0, 0, 1};
+constexpr Color kBlack{0, 0, 0, 1};
 
-struct Slice {
-    std::string name;
-    double start;
-    double sweep;
-    std::string quadrants;  // that are seen, counter-clockwise from the top right
-};
-
-class SliceTest : public DrawingTest, public testing::WithParamInterface<Slice> {};
-
-TEST_P(SliceTest, GoesTheRightWayRound) {
-    const Canvas::Arc arc{{20, 20}, 15, GetParam().start, GetParam().sweep};
-    const Canvas::Arc pie{{20, 20}, 20, GetParam().start, GetParam().sweep};
-    const auto quadrants = [](const QImage& image) {
-        std::string seen;
-        for (const auto& [digit, x, y] : {std::tuple('1', 30, 9), {'2', 9, 9}, {'3', 9, 30}, {'4', 30, 30}}) {
-            if (image.pixelColor(x, y).alpha() > 200) {
-                seen += digit;
+class DrawingTest : public testing::Test {
+protected:
+    /// Ships some pictures of its own.
+    DrawingTest() {
+        for (const char* name : {"images/inner", "symbols"}) {
+            std::filesystem::create_directories(folder.path() / name);
+        }
+        // The left half is black.
+        const std::string half = R"(<svg xmlns="http://www.w3.org/2000/svg" width="64" height="64">)"
+                                 R"(<path d="M0 0h32v64H0z"/></svg>)";
+        for (const char* name : {"images/half", "images/.hidden", "images/inner/half", "secret", "symbols/half"}) {
+            std::ofstream(folder.path() / fmt::format("{}.svg", name)) << half;
+        }
+        std::ofstream(folder.path() / "images/broken.svg") << half.substr(0, 40);
+        std::ofstream(folder.path() / "images/text.svg") << "no drawing";
+    }
+    QImage drawn(Size size, double scale, const std::function<void(Canvas&)>& paint) const {
+        return pixelsAt(*graphics.draw(size, scale, paint), size, scale);
+    }
+    /// What is not transparent; empty when nothing is.
+    static QRect ink(const QImage& image) {
+        QRect found;
+        for (int y = 0; y < image.height(); ++y) {
+            for (int x = 0; x < image.width(); ++x) {
+                if (image.pixelColor(x, y).alpha() > 127) {
+                    found |= QRect(x, y, 1, 1);
+                }
             }
         }
-        return seen;
-    };
-    const auto picture = graphics.draw({8, 8}, 1, [](Canvas& canvas) { canvas.fillRounded({0, 0, 8, 8}, 0, kRed); });
-    EXPECT_EQ(
-        quadrants(drawn({40, 40}, 1, [&](Canvas& canvas) { canvas.drawImageInPie(*picture, {0, 0, 40, 40}, pie); })),
-        GetParam().quadrants);
-    EXPECT_EQ(
-        quadrants(drawn({40, 40}, 1, [&](Canvas& canvas) { canvas.strokeArc(arc, kRed, 4, Canvas::Caps::Butt); })),
-        GetParam().quadrants);
-}
+        return found;
+    }
 
-INSTANTIATE_TEST_SUITE_P(Slices, SliceTest,
-                         testing::Values(Slice{"Clockwise", 90, -90, "1"}, Slice{"CounterClockwise", 90, 180, "23"},
-                                         Slice{"FromTheRight", 0, 90, "1"}, Slice{"Whole", 90, -360, "1234"},
-                                         Slice{"Nothing", 90, 0, ""}),
-                         [](const auto& row) { return row.param.name; });
-
-TEST_F(DrawingTest, LinesLeaveOutPointsThatAreNowhere) {
-    const double nowhere = std::numeric_limits<double>::quiet_NaN();
-    const double far = std::numeric_limits<double>::infinity();
-    const std::vector<Point> points{{nowhere, 5}, {5, 5}, {10, far}, {15, 5}};
-    const auto line = [&](std::span<const Point> some) {
-        return ink(drawn({20, 10}, 1, [&](Canvas& canvas) { canvas.strokeLine(some, kRed, 2); }));
-    };
-    EXPECT_EQ(line(points), QRect(4, 4, 12, 2)) << "with round ends";
-    EXPECT_TRUE(line(std::span(points).first(2)).isEmpty());
-}
+    test::TemporaryFolder folder;
+    test::FolderBundle bundle{folder.path()};
+    QtGraphics graphics{bundle};
+};
 
 class RatioTest : public DrawingTest, public testing::WithParamInterface<double> {};
 
@@ -108,40 +101,12 @@ TEST_F(DrawingTest, PicturesOfAnyScaleFillTheirRectangle) {
     EXPECT_EQ(image.pixelColor(10, 9).alpha(), 0);
 }
 
-TEST_F(DrawingTest, SymbolsHaveTheColourAskedForAndSuitTheTextBesideThem) {
-    const auto symbol = graphics.symbol("half", 13, {0, 0.5, 1, 1});
-    ASSERT_TRUE(symbol);
-    EXPECT_EQ(symbol->size(), (Size{16, 16}));
-    EXPECT_EQ(pixelsAt(*symbol, {16, 16}, 1).pixelColor(4, 8), QColor(0, 128, 255));
-    EXPECT_EQ(pixelsAt(*symbol, {16, 16}, 1).pixelColor(12, 8).alpha(), 0);
-    EXPECT_EQ(pixelsAt(*graphics.symbol("half", 13, kRed), {16, 16}, 1).pixelColor(4, 8), QColor(Qt::red));
-    EXPECT_EQ(graphics.symbol("nothing", 13, kRed), nullptr);
-}
-
 TEST_F(DrawingTest, NamesFromDocumentsNeverLeaveTheFolder) {
     ASSERT_TRUE(graphics.image("half"));
     for (const char* name :
          {"", ".hidden", "../secret", "inner/half", "/etc/passwd", "broken", "text", "half.svg", "half\n", "missing"}) {
         EXPECT_EQ(graphics.image(name), nullptr) << name;
     }
-}
-
-TEST_F(DrawingTest, ShadowsLieUnderThePictureAndFadeOut) {
-    const auto square =
-        graphics.draw({60, 60}, 2, [](Canvas& canvas) { canvas.fillRounded({20, 20, 20, 20}, 0, kRed); });
-    const QImage image = pixelsAt(*graphics.withShadow(square, {{0, 0, 1, 0.5}, 4, {0, -2}}), {60, 60}, 2);
-    EXPECT_EQ(image.pixelColor(60, 60), QColor(Qt::red));
-    const auto below = [&](int pixels) { return image.pixelColor(60, 79 + pixels); };
-    const auto above = [&](int pixels) { return image.pixelColor(60, 40 - pixels); };
-    EXPECT_GT(below(2).alpha(), 60);
-    EXPECT_LT(below(2).alpha(), 128);
-    EXPECT_GT(below(2).alpha(), below(8).alpha());
-    EXPECT_GT(below(8).alpha(), above(8).alpha() + 10) << "it is moved down";
-    EXPECT_EQ(below(2).blue(), 255);
-    EXPECT_EQ(below(2).red(), 0);
-    EXPECT_GT(below(18).alpha(), 0);
-    EXPECT_EQ(below(21).alpha(), 0) << "2 x 4 points, and 2 of offset";
-    EXPECT_EQ(above(13).alpha(), 0);
 }
 
 TEST_F(DrawingTest, SeveralThreadsAtOnceDrawWhatTheMainThreadDraws) {
@@ -179,5 +144,81 @@ TEST_F(DrawingTest, SeveralThreadsAtOnceDrawWhatTheMainThreadDraws) {
     }
 }
 
+class FamilyTest : public DrawingTest, public testing::WithParamInterface<const char*> {
+protected:
+    FamilyTest() { graphics.setFontFamily(GetParam()); }
+};
+
+TEST_P(FamilyTest, TextStandsAtTheSameHeightInEveryFont) {
+    const Font font{20, Font::Weight::Bold};
+    EXPECT_DOUBLE_EQ(graphics.measure("H", font).height, 1.193 * 20);
+    const QImage image = drawn({30, 40}, 2, [&](Canvas& canvas) { canvas.drawText("H", {5, 6}, font, kBlack); });
+    EXPECT_NEAR(80 - ink(image).bottom() - 1, 2 * (6 + 0.241 * 20), 1.01);
+}
+
+TEST_P(FamilyTest, DigitsAreEquallyWideAndDrawnWhereTheyWereMeasured) {
+    for (const double size : {9.0, 12.0, 13.5, 14.0}) {
+        const Font font{size, Font::Weight::Bold};
+        const Size ones = graphics.measure("-1111.11", font);
+        EXPECT_DOUBLE_EQ(ones.width, graphics.measure("-8888.88", font).width) << size;
+
+        // So the last digit does not move when those before it change.
+        const auto lastDigit = [&](std::string_view text) {
+            const QImage image = drawn(ones, 1, [&](Canvas& canvas) { canvas.drawText(text, {0, 0}, font, kBlack); });
+            const int cell = static_cast<int>(graphics.measure("8", font).width);
+            return image.copy(image.width() - cell, 0, cell, image.height());
+        };
+        EXPECT_EQ(lastDigit("-1111.18"), lastDigit("-8888.88")) << size;
+        EXPECT_FALSE(ink(lastDigit("-1111.18")).isEmpty());
+    }
+}
+
+TEST_P(FamilyTest, DigitsStandInTheMiddleOfTheirCells) {
+    const Font cells{30};
+    const Font plain{30, Font::Weight::Regular, Font::Digits::AsDesigned};
+    const auto left = [&](const Font& font) {
+        return ink(drawn({60, 40}, 2, [&](Canvas& canvas) { canvas.drawText("1", {5, 5}, font, kBlack); })).left();
+    };
+    const double wider = graphics.measure("1", cells).width - graphics.measure("1", plain).width;
+    EXPECT_NEAR(left(cells) - left(plain), 2 * wider / 2, 1);
+}
+
+// Two fonts that are found on every desktop, and one whose digits differ in width.
+INSTANTIATE_TEST_SUITE_P(Families, FamilyTest, testing::Values("DejaVu Sans", "Noto Sans", "Cantarell"));
+
+TEST_F(DrawingTest, CellsAreOnlyForDigitsInTextThatRunsToTheRight) {
+    graphics.setFontFamily("Cantarell");
+    const Font cells{14};
+    const Font plain{14, Font::Weight::Regular, Font::Digits::AsDesigned};
+    const auto width = [&](std::string_view text, const Font& font) { return graphics.measure(text, font).width; };
+    EXPECT_GT(width("11", cells), width("11", plain) + 1) << "the font was chosen for this";
+    EXPECT_DOUBLE_EQ(width("مرحبا 11", cells), width("مرحبا 11", plain));
+    EXPECT_DOUBLE_EQ(width("1\u20e3", cells), width("1\u20e3", plain));
+}
+
+TEST_F(DrawingTest, MonospacedTextHasCharactersOfOneWidth) {
+    const Font font{12, Font::Weight::Black, Font::Digits::Monospaced};
+    EXPECT_DOUBLE_EQ(graphics.measure("ilI1.", font).width, graphics.measure("MW8%B", font).width);
+}
+
+TEST_F(DrawingTest, OddTextIsStillOneLine) {
+    const Font font{14};
+    for (const std::string_view text : {"a\nb", "a\tb", "a\rb", "a\u2028b",
+                                        "a\x7f"
+                                        "b"}) {
+        EXPECT_DOUBLE_EQ(graphics.measure(text, font).width, graphics.measure("a b", font).width) << text;
+    }
+    EXPECT_EQ(graphics.measure("", font).width, 0);
+    EXPECT_GT(graphics.measure("\xff\xc3(", font).width, 0);
+    EXPECT_LT(graphics.measure(std::string(1'000'000, 'x'), font).width, 40'000);
+}
+
 }  // namespace
 }  // namespace glintar::platform
+
+int main(int argc, char** argv) {
+    testing::InitGoogleTest(&argc, argv);
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    const QGuiApplication application(argc, argv);
+    return RUN_ALL_TESTS();
+}

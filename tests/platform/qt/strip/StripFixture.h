@@ -16,7 +16,10 @@
 namespace glintar::test {
 
 /// The one screen of the test program, on which main made the QApplication.
-Display& display();
+inline Display* theDisplay = nullptr;
+inline Display& display() {
+    return *theDisplay;
+}
 
 /// A settings daemon of the XSETTINGS protocol (version 0.5) with the one setting that most desktops have.
 class DesktopSettings {
@@ -31,7 +34,10 @@ private:
 };
 
 /// That of the screen: Qt looks for it only when it starts.
-DesktopSettings& settings();
+inline DesktopSettings* theSettings = nullptr;
+inline DesktopSettings& settings() {
+    return *theSettings;
+}
 
 /// Runs Qt's loop until the condition holds; false when it does not within some seconds.
 [[nodiscard]] bool soon(const std::function<bool()>& condition);
@@ -59,7 +65,7 @@ protected:
     bool standsAt(const platform::Rect& pixels) const;
 
     /// Whether the top right corner of the strip is soon there, in pixels from the top left.
-    [[nodiscard]] testing::AssertionResult comesToEndAt(double right, double top) const;
+    [[nodiscard]] bool comesToEndAt(double right, double top) const;
 
     /// Of the strip's window, as xprop prints it.
     std::string property(const std::string& name) const;

@@ -2,82 +2,63 @@
 
 #include "platform/qt/strip/StripFixture.h"
 
+#include <set>
+
 namespace glintar::test {
 
 namespace {
 
 using platform::Color;
+using platform::MouseButton;
 using platform::Rect;
 using platform::StatusItem;
 using platform::XcbConnection;
 using platform::XcbOwned;
 
-constexpr Pixel kBlue{0, 0, 255};
+constexpr Pixel kRed{255, 0, 0}, kBlue{0, 0, 255}, kBlack{0, 0, 0}, kOrange{255, 128, 0};
 
 class StripScreens : public StripFixture {
 protected:
     /// Whether the second pill is soon there with all the pixels that it has at that scale.
-    [[nodiscard]] testing::AssertionResult comesToShowPillsAt(double scale) const {
+    [[nodiscard]] static bool comesToShowPillsAt(double scale) {
         const auto wanted = std::lround((80 * scale - 2) * (24 * scale - 2));
-        std::ptrdiff_t blue = 0;
-        const bool comes = soon([&] {
+        return soon([&] {
             const Rect frame = seen().value().frame;
-            const auto shown = display().pixels(int(frame.x), int(frame.y), int(frame.width), int(frame.height));
-            blue = std::ranges::count(shown, kBlue);
-            return blue == wanted;
+            const int width = std::min(int(frame.width), 1280 - int(frame.x));
+            const auto shown = display().pixels(int(frame.x), int(frame.y), width, int(frame.height));
+            return std::ranges::count(shown, kBlue) == wanted;
         });
-        return (comes ? testing::AssertionSuccess() : testing::AssertionFailure())
-               << blue << " blue pixels instead of " << wanted;
     }
 };
 
-/// Every place that a window of somebody else's has on its way to another, as the X server and the window manager tell
-/// of it: in pixels, with the frame that a window manager may put around it.
+/// Every place on the screen that the strip, or the frame of a window manager around it, has on its way to another.
 class PlacesSeen {
 public:
-    explicit PlacesSeen(xcb_window_t window) {
-        const std::uint32_t mask = XCB_EVENT_MASK_STRUCTURE_NOTIFY;
-        for (xcb_window_t next = window; next != connection_->root(); next = parentOf(next)) {
-            outermost_ = next;
-            xcb_change_window_attributes(connection_->get(), next, XCB_CW_EVENT_MASK, &mask);
-        }
-        parentOf(window);  // a round trip: from now on nothing is missed
-    }
-
+    PlacesSeen() { connection_->selectRootEvents(XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY); }
     [[nodiscard]] std::vector<Rect> soFar() {
-        parentOf(outermost_);
+        xcb_connection_t* const xcb = connection_->get();
+        XcbOwned<xcb_get_input_focus_reply_t>(xcb_get_input_focus_reply(xcb, xcb_get_input_focus(xcb), nullptr));
         connection_->handOutQueued();
         return places_;
     }
 
 private:
-    xcb_window_t parentOf(xcb_window_t window) {
-        const XcbOwned<xcb_query_tree_reply_t> tree(
-            xcb_query_tree_reply(connection_->get(), xcb_query_tree(connection_->get(), window), nullptr));
-        return tree ? tree->parent : connection_->root();
-    }
-
     void see(const xcb_generic_event_t& event) {
-        if ((event.response_type & 0x7f) != XCB_CONFIGURE_NOTIFY) {
-            return;
-        }
         const auto& place = reinterpret_cast<const xcb_configure_notify_event_t&>(event);
-        // What the server says of a window counts from its parent, what a manager says from the corner of the screen.
-        const bool isFromManager = (event.response_type & 0x80) != 0;
-        if (isFromManager || place.window == outermost_) {
-            places_.push_back({double(place.x), double(place.y), double(place.width), double(place.height)});
+        // A window of xfwm4's for the strip's shape, which is never shown, lies in the left corner.
+        if (event.response_type == XCB_CONFIGURE_NOTIFY && place.height == 28 && place.x != 0) {
+            places_.push_back({double(place.x), double(place.y), double(place.width), 28});
         }
     }
 
     std::unique_ptr<XcbConnection> connection_ = XcbConnection::open();
     platform::Listening events_ = connection_->onEvent([this](const auto& event) { see(event); });
-    xcb_window_t outermost_ = XCB_NONE;
     std::vector<Rect> places_;
 };
 
 class StripUnderAnyManager : public StripScreens, public testing::WithParamInterface<std::optional<Display::Manager>> {
 protected:
-    static void startManager() {
+    StripUnderAnyManager() {
         if (const auto manager = GetParam()) {
             display().startManager(*manager);
         }
@@ -85,12 +66,11 @@ protected:
 };
 
 TEST_P(StripUnderAnyManager, KeepsItsRightEndInPlaceWhateverItShows) {
-    startManager();
     start();
     showPills();
     ASSERT_TRUE(comesToEndAt(1280, 0));
     settle();
-    PlacesSeen places(seen().value().id);
+    PlacesSeen places;
     std::size_t told = 0;
     const auto width = [&] { return seen().value().frame.width; };
     for (const auto& change : std::initializer_list<std::function<void()>>{
@@ -119,7 +99,6 @@ TEST_P(StripUnderAnyManager, KeepsItsRightEndInPlaceWhateverItShows) {
 }
 
 TEST_P(StripUnderAnyManager, LeavesAScreenThatIsUnpluggedAndReturnsWithIt) {
-    startManager();
     start();
     showPills();
     bar->onScaleChanged = [&] { showPills(); };
@@ -148,10 +127,70 @@ TEST_P(StripUnderAnyManager, LeavesAScreenThatIsUnpluggedAndReturnsWithIt) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Managers, StripUnderAnyManager,
-                         testing::Values(std::nullopt, Display::Manager::Openbox, Display::Manager::Xfwm4),
-                         [](const auto& row) {
-                             return !row.param ? "None" : *row.param == Display::Manager::Openbox ? "Openbox" : "Xfwm4";
-                         });
+                         testing::Values(std::nullopt, Display::Manager::Openbox, Display::Manager::Xfwm4));
+
+TEST_F(StripScreens, StaysWhereTheUserDragsIt) {
+    display().startManager(Display::Manager::Openbox);
+    start();
+    showPills();
+    ASSERT_TRUE(comesToEndAt(1280, 0));
+    int clicks = 0;
+    icon->onMouseUp = [&](MouseButton) { ++clicks; };
+
+    // By the icon, from the top right corner down to the bottom edge.
+    display().input(
+        {"mousemove", "1266", "14", "mousedown", "1", "mousemove", "1200", "300", "mousemove", "1066", "790"});
+    EXPECT_TRUE(comesToEndAt(1080, 772));
+    display().input({"mouseup", "1"});
+    settle();
+    EXPECT_EQ(clicks, 0) << "a drag is no click";
+    EXPECT_TRUE(line->sight().isPlacedByUser);
+
+    showText("Loading...");
+    EXPECT_TRUE(comesToEndAt(1080, 772)) << "the end near the corner stays";
+    start();
+    showPills();
+    EXPECT_TRUE(comesToEndAt(1080, 772)) << "after a restart";
+
+    display().input({"mousemove", "1066", "790", "click", "1"});
+    icon->onMouseUp = [&](MouseButton) { ++clicks; };
+    display().input({"mousemove", "1066", "790", "click", "1"});
+    EXPECT_TRUE(soon([&] { return clicks > 0; })) << "a click is no drag";
+}
+
+TEST_F(StripScreens, LeavesOutTheLastPillsWholeWhereTheScreenIsTooNarrow) {
+    start();
+    showPills();
+    ASSERT_TRUE(comesToEndAt(1280, 0));
+    const double whole = bar->frame().width;
+    const auto shows = [&](const std::set<Pixel>& expected) {
+        return soon([&] {
+            const Rect frame = seen().value().frame;
+            const auto pixels = display().pixels(int(frame.x), 0, int(frame.width), 28);
+            std::set<Pixel> colors(pixels.begin(), pixels.end());
+            std::erase_if(colors,
+                          [](const Pixel& pixel) { return pixel == kBlack || pixel == Pixel{0xf2, 0xf2, 0xf2}; });
+            return colors == expected;
+        });
+    };
+    EXPECT_TRUE(shows({kRed, kBlue, kOrange}));
+    display().split(int(whole) - 1);
+    ASSERT_TRUE(comesToEndAt(whole - 1, 0));
+    EXPECT_TRUE(soon([&] { return bar->frame().width < whole - 80; }));
+    EXPECT_TRUE(shows({kRed, kOrange}));
+    EXPECT_EQ(line->sight().leftOut, 1);
+    EXPECT_EQ(icon->frame().right(), whole - 1) << "the menu stays in reach";
+    display().unsplit();
+    EXPECT_TRUE(shows({kRed, kBlue, kOrange}));
+}
+
+/// Run at other scales too (CMakeLists.txt).
+TEST_F(StripScreens, ShowsPicturesPixelByPixel) {
+    start();
+    showPills();
+    ASSERT_TRUE(soon([&] { return seen() && seen()->frame.right() >= 1280 - bar->scale(); }));
+    EXPECT_TRUE(comesToShowPillsAt(bar->scale()));
+}
 
 TEST_F(StripScreens, TakesAnotherScaleWhileItRuns) {
     start();

@@ -8,10 +8,6 @@
 #include <QToolTip>
 #include <QWidget>
 #include <gmock/gmock.h>
-#include <xcb/shape.h>
-
-#include <set>
-#include <tuple>
 
 namespace glintar::test {
 
@@ -24,14 +20,16 @@ using platform::Rect;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
-constexpr Pixel kRed{255, 0, 0}, kBlue{0, 0, 255}, kBlack{0, 0, 0}, kOrange{255, 128, 0};
+constexpr Pixel kRed{255, 0, 0}, kBlue{0, 0, 255}, kOrange{255, 128, 0};
 
 using StripWindow = StripFixture;
 
-class StripUnderManager : public StripWindow, public testing::WithParamInterface<Display::Manager> {};
+class StripUnderManager : public StripWindow, public testing::WithParamInterface<Display::Manager> {
+protected:
+    StripUnderManager() { display().startManager(GetParam()); }
+};
 
 TEST_P(StripUnderManager, KeepsOutOfTheWayOfOtherWindows) {
-    display().startManager(GetParam());
     const Child other({"xev", "-name", "other", "-geometry", "300x200+100+300"});
     ASSERT_TRUE(soon([] { return outputOf({"xdotool", "getwindowfocus", "getwindowname"}) == "other\n"; }));
 
@@ -68,7 +66,6 @@ TEST_P(StripUnderManager, KeepsOutOfTheWayOfOtherWindows) {
 }
 
 TEST_P(StripUnderManager, IsAboveWindowsOnlyUntilTheyFillTheScreen) {
-    display().startManager(GetParam());
     start();
     showPills();
     ASSERT_TRUE(comesToEndAt(1280, 0));
@@ -84,63 +81,7 @@ TEST_P(StripUnderManager, IsAboveWindowsOnlyUntilTheyFillTheScreen) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Managers, StripUnderManager,
-                         testing::Values(Display::Manager::Openbox, Display::Manager::Xfwm4),
-                         [](const auto& row) { return row.param == Display::Manager::Openbox ? "Openbox" : "Xfwm4"; });
-
-TEST_F(StripWindow, LeavesOutTheLastPillsWholeWhereTheScreenIsTooNarrow) {
-    start();
-    showPills();
-    ASSERT_TRUE(comesToEndAt(1280, 0));
-    const double whole = bar->frame().width;
-    const auto shows = [&](const std::set<Pixel>& expected) {
-        return soon([&] {
-            const Rect frame = seen().value().frame;
-            const auto pixels = display().pixels(int(frame.x), 0, int(frame.width), 28);
-            std::set<Pixel> colors(pixels.begin(), pixels.end());
-            std::erase_if(colors,
-                          [](const Pixel& pixel) { return pixel == kBlack || pixel == Pixel{0xf2, 0xf2, 0xf2}; });
-            return colors == expected;
-        });
-    };
-    EXPECT_TRUE(shows({kRed, kBlue, kOrange}));
-    display().split(int(whole) - 1);
-    ASSERT_TRUE(comesToEndAt(whole - 1, 0));
-    EXPECT_TRUE(soon([&] { return bar->frame().width < whole - 80; }));
-    EXPECT_TRUE(shows({kRed, kOrange}));
-    EXPECT_EQ(line->sight().leftOut, 1);
-    EXPECT_EQ(icon->frame().right(), whole - 1) << "the menu stays in reach";
-    display().unsplit();
-    EXPECT_TRUE(shows({kRed, kBlue, kOrange}));
-}
-
-TEST_F(StripWindow, StaysWhereTheUserDragsIt) {
-    display().startManager(Display::Manager::Openbox);
-    start();
-    showPills();
-    ASSERT_TRUE(comesToEndAt(1280, 0));
-    int clicks = 0;
-    icon->onMouseUp = [&](MouseButton) { ++clicks; };
-
-    // By the icon, from the top right corner down to the bottom edge.
-    display().input(
-        {"mousemove", "1266", "14", "mousedown", "1", "mousemove", "1200", "300", "mousemove", "1066", "790"});
-    EXPECT_TRUE(comesToEndAt(1080, 772));
-    display().input({"mouseup", "1"});
-    settle();
-    EXPECT_EQ(clicks, 0) << "a drag is no click";
-    EXPECT_TRUE(line->sight().isPlacedByUser);
-
-    showText("Loading...");
-    EXPECT_TRUE(comesToEndAt(1080, 772)) << "the end near the corner stays";
-    start();
-    showPills();
-    EXPECT_TRUE(comesToEndAt(1080, 772)) << "after a restart";
-
-    display().input({"mousemove", "1066", "790", "click", "1"});
-    icon->onMouseUp = [&](MouseButton) { ++clicks; };
-    display().input({"mousemove", "1066", "790", "click", "1"});
-    EXPECT_TRUE(soon([&] { return clicks > 0; })) << "a click is no drag";
-}
+                         testing::Values(Display::Manager::Openbox, Display::Manager::Xfwm4));
 
 TEST_F(StripWindow, IsTranslucentWhereThereIsACompositorAndOpaqueElsewhere) {
     display().paintWall({0, 0xc0, 0});
@@ -158,29 +99,6 @@ TEST_F(StripWindow, IsTranslucentWhereThereIsACompositorAndOpaqueElsewhere) {
 }
 
 /// Run at other scales too (CMakeLists.txt).
-TEST_F(StripWindow, ShowsPicturesPixelByPixel) {
-    start();
-    showPills();
-    // Qt's screen has a whole number of points.
-    const double end = 1280 - bar->scale();
-    ASSERT_TRUE(soon([&] { return seen() && seen()->frame.right() >= end; }));
-    const Rect frame = seen().value().frame;
-    const auto shown = [&] {
-        const int width = std::min(int(frame.width), 1280 - int(frame.x));
-        return display().pixels(int(frame.x), int(frame.y), width, int(frame.height));
-    };
-    const Pixel ground{0xf2, 0xf2, 0xf2};
-    ASSERT_TRUE(soon([&] { return std::ranges::count(shown(), kBlue) > 0; }));
-    showPills();  // once more: each is painted by itself now
-    settle();
-    const auto pixels = shown();
-    const std::set<Pixel> colors(pixels.begin(), pixels.end());
-    EXPECT_EQ(colors, (std::set<Pixel>{ground, kRed, kBlue, kBlack, kOrange})) << "a mixture is a blurred edge";
-    // The frames of two pills, one pixel wide all around.
-    const double scale = bar->scale();
-    EXPECT_EQ(std::ranges::count(pixels, kBlack), 2 * int((100 + 24) * scale - 2) + 2 * int((80 + 24) * scale - 2));
-}
-
 TEST_F(StripWindow, PaintsOnlyWhatHasChanged) {
     start();
     line->setImage(pill(28, Color::white(0.5)));
@@ -214,45 +132,26 @@ TEST_F(StripWindow, PaintsOnlyWhatHasChanged) {
     EXPECT_GT(paints.count, 1);
 }
 
-/// A window of another program that the window manager has no part in.
-class Cover {
-public:
-    Cover(const Rect& place, bool letsClicksThrough) {
-        xcb_connection_t* const xcb = connection_->get();
-        const auto window = xcb_generate_id(xcb);
-        const std::uint32_t isUnmanaged = 1;
-        xcb_create_window(xcb, XCB_COPY_FROM_PARENT, window, connection_->root(), std::int16_t(place.x),
-                          std::int16_t(place.y), std::uint16_t(place.width), std::uint16_t(place.height), 0,
-                          XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, XCB_CW_OVERRIDE_REDIRECT, &isUnmanaged);
-        if (letsClicksThrough) {
-            xcb_shape_rectangles(xcb, XCB_SHAPE_SO_SET, XCB_SHAPE_SK_INPUT, 0, window, 0, 0, 0, nullptr);
-        }
-        xcb_map_window(xcb, window);
-        std::ignore = connection_->atom("after all that");
-    }
-
-private:
-    std::unique_ptr<platform::XcbConnection> connection_ = platform::XcbConnection::open();
-};
-
 TEST_P(StripUnderManager, TellsWhetherTheLineIsSeen) {
     using enum platform::ItemSight::Cover;
-    display().startManager(GetParam());
+    using Kind = OtherWindow::Kind;
     start();
     showPills();
     ASSERT_TRUE(comesToEndAt(1280, 0));
     settle();
     const Rect place = seen().value().frame;
-    const Rect lower{place.x, 14, place.width, 20};
+    const auto left = std::int16_t(place.x);
+    const auto width = std::uint16_t(place.width);
     const auto sees = [&](platform::ItemSight::Cover cover) { return line->sight().cover == cover; };
     const auto check = [&] {
         EXPECT_TRUE(sees(None));
-        const Cover half(lower, false), clickedThrough(place, true);
+        const OtherWindow half(Kind::Unmanaged, kRed, {left, 14, width, 20});
+        const OtherWindow glass(Kind::ClickedThrough, kBlue, {left, 0, width, 28});
         EXPECT_TRUE(sees(None));
-        const Cover rest({place.x, 0, place.width - 28, 14}, false);
+        const OtherWindow rest(Kind::Unmanaged, kRed, {left, 0, std::uint16_t(width - 28), 14});
         EXPECT_TRUE(sees(Windows));
         EXPECT_EQ(icon->sight().cover, None);
-        const Cover film({0, 0, 1280, 800}, false);
+        const OtherWindow film(Kind::Unmanaged, kOrange, {0, 0, 1280, 800});
         EXPECT_TRUE(sees(FullScreen)) << "on purpose";
     };
     check();
@@ -265,7 +164,6 @@ TEST_P(StripUnderManager, TellsWhetherTheLineIsSeen) {
 }
 
 TEST_P(StripUnderManager, OpensAMenuThatWorksByMouseAndKeys) {
-    display().startManager(GetParam());
     start();
     showPills();
     std::string chosen;

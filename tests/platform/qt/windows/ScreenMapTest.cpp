@@ -16,6 +16,11 @@ std::vector<ScreenMap::Screen> plainAndDense() {
     return {screen(0, 0, 1280, 800, 1), screen(1280, 0, 800, 600, 2)};
 }
 
+/// The primary one stands to the right of the other, and lower.
+std::vector<ScreenMap::Screen> primaryOffOrigin() {
+    return {screen(1280, 200, 800, 600, 1), screen(0, 0, 640, 400, 2)};
+}
+
 struct Place {
     std::string name;
     std::vector<ScreenMap::Screen> screens;
@@ -23,16 +28,6 @@ struct Place {
     Point point;
     double scale = 1;
 };
-
-class ScreenMapTest : public testing::TestWithParam<Place> {};
-
-TEST_P(ScreenMapTest, CountsFromTheBottomLeftOfThePrimaryScreenInPointsOfTheScreenThatIsMeant) {
-    const Place& place = GetParam();
-    const ScreenMap map(place.screens);
-    EXPECT_EQ(map.toPoints(place.pixel), place.point);
-    EXPECT_EQ(map.toPixels(place.point), place.pixel);
-    EXPECT_EQ(map.screenAt(place.point).scale, place.scale);
-}
 
 /// As Qt has it and as we have it, and in pixels.
 struct Area {
@@ -44,37 +39,26 @@ struct Area {
     Rect ours;
 };
 
-class ScreenMapAreaTest : public testing::TestWithParam<Area> {};
-
-TEST_P(ScreenMapAreaTest, IsTheSameHoweverItIsCounted) {
-    const Area& area = GetParam();
-    const ScreenMap map(area.screens);
-    EXPECT_EQ(map.fromQt(area.qt), area.ours);
-    EXPECT_EQ(map.toQt(area.ours), area.qt);
-    EXPECT_EQ(map.toPoints(area.pixels, area.screens[area.of]), area.ours);
+TEST(ScreenMapTest, AnAreaIsTheSameHoweverItIsCounted) {
+    for (const auto& [name, screens, of, pixels, qt, ours] :
+         {Area{"OneScreen", {screen(0, 0, 1280, 800, 1)}, 0, {980, 0, 300, 28}, {980, 0, 300, 28}, {980, 772, 300, 28}},
+          Area{"OneDenseScreen",
+               {screen(0, 0, 640, 400, 2)},
+               0,
+               {0, 54, 1280, 746},
+               {0, 27, 640, 373},
+               {0, 0, 640, 373}},
+          // The work area of all screens, in the points of the dense one.
+          Area{"Both", plainAndDense(), 1, {0, 60, 2880, 1140}, {640, 30, 1440, 570}, {640, 200, 1440, 570}},
+          Area{"OffOrigin", primaryOffOrigin(), 1, {20, 40, 600, 56}, {10, 20, 300, 28}, {-1270, 752, 300, 28}}}) {
+        const ScreenMap map(screens);
+        EXPECT_EQ(map.fromQt(qt), ours) << name;
+        EXPECT_EQ(map.toQt(ours), qt) << name;
+        EXPECT_EQ(map.toPoints(pixels, screens[of]), ours) << name;
+    }
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Areas, ScreenMapAreaTest,
-    testing::Values(
-        Area{"OneScreen", {screen(0, 0, 1280, 800, 1)}, 0, {980, 0, 300, 28}, {980, 0, 300, 28}, {980, 772, 300, 28}},
-        Area{"OneDenseScreen", {screen(0, 0, 640, 400, 2)}, 0, {0, 54, 1280, 746}, {0, 27, 640, 373}, {0, 0, 640, 373}},
-        // The work area of all screens, in the points of the dense one.
-        Area{"BeyondBothEdgesOfTheSecondScreen",
-             plainAndDense(),
-             1,
-             {0, 60, 2880, 1140},
-             {640, 30, 1440, 570},
-             {640, 200, 1440, 570}},
-        Area{"PrimaryIsNotAtTheOrigin",
-             {screen(1280, 200, 800, 600, 1), screen(0, 0, 640, 400, 2)},
-             1,
-             {20, 40, 600, 56},
-             {10, 20, 300, 28},
-             {-1270, 752, 300, 28}}),
-    [](const auto& area) { return area.param.name; });
-
-TEST(ScreenMapNameTest, AScreenThatIsNotThereIsThePrimaryOne) {
+TEST(ScreenMapTest, AScreenThatIsNotThereIsThePrimaryOne) {
     auto screens = plainAndDense();
     screens[0].name = "left";
     screens[1].name = "right";
@@ -84,39 +68,35 @@ TEST(ScreenMapNameTest, AScreenThatIsNotThereIsThePrimaryOne) {
     EXPECT_EQ(map.screenNamed(""), screens[0]);
 }
 
-TEST(ScreenMapGapTest, WhatReachesOverTheEdgeOfADenseScreenStaysWithIt) {
+TEST(ScreenMapTest, WhatReachesOverTheEdgeOfADenseScreenStaysWithIt) {
     const ScreenMap map({screen(0, 0, 400, 400, 2), screen(800, 0, 800, 800, 1)});
     EXPECT_EQ(map.toPixels({415, 350}), (PixelPoint{830, 100}));
     EXPECT_EQ(map.screenAt({415, 350}).scale, 2);
 }
 
-TEST(ScreenMapGapTest, FarAwayIsWhereTheXServerEnds) {
+TEST(ScreenMapTest, FarAwayIsWhereTheXServerEnds) {
     const ScreenMap map(plainAndDense());
     EXPECT_EQ(map.toPixels({1e300, -1e300}), (PixelPoint{32767, 32767}));
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Places, ScreenMapTest,
-    testing::Values(
-        Place{"NoScreenYet", {}, {3, 4}, {3, -4}},
-        Place{"OneScreen", {screen(0, 0, 1280, 800, 1)}, {10, 20}, {10, 780}},
-        Place{"FractionsOfAPoint", {screen(0, 0, 640, 400, 2)}, {11, 21}, {5.5, 389.5}, 2},
-        Place{"PanelBarBeyondTheLeftEdge", {screen(0, 0, 640, 400, 2)}, {-30, -10}, {-15, 405}, 2},
-        Place{"OnTheSecondScreen", plainAndDense(), {1300, 40}, {1290, 780}, 2},
-        Place{"FirstColumnOfTheSecondScreen", plainAndDense(), {1280, 40}, {1280, 780}, 2},
-        Place{"LastColumnOfTheFirst", plainAndDense(), {1279, 40}, {1279, 760}},
-        Place{"PrimaryIsNotAtTheOrigin",
-              {screen(1280, 200, 800, 600, 1), screen(0, 0, 640, 400, 2)},
-              {100, 100},
-              {50 - 1280, 750},
-              2},
-        Place{"ScreenLeftOfTheOrigin",
-              {screen(0, 0, 800, 600, 1), screen(-1600, -200, 800, 450, 2)},
-              {-1400, -100},
-              {-1500, 750},
-              2},
-        Place{"RoundedUpByQt", {screen(0, 0, 427, 267, 1.5), screen(640, 0, 640, 400, 1)}, {640, 30}, {640, 237}}),
-    [](const auto& place) { return place.param.name; });
+TEST(ScreenMapTest, CountsFromTheBottomLeftOfThePrimaryScreenInPointsOfTheScreenThatIsMeant) {
+    for (const auto& [name, screens, pixel, point, scale] :
+         {Place{"NoScreenYet", {}, {3, 4}, {3, -4}},
+          Place{"OneScreen", {screen(0, 0, 1280, 800, 1)}, {10, 20}, {10, 780}},
+          Place{"FractionsOfAPoint", {screen(0, 0, 640, 400, 2)}, {11, 21}, {5.5, 389.5}, 2},
+          Place{"PanelBarBeyondTheLeftEdge", {screen(0, 0, 640, 400, 2)}, {-30, -10}, {-15, 405}, 2},
+          Place{"OnTheSecondScreen", plainAndDense(), {1300, 40}, {1290, 780}, 2},
+          Place{"FirstColumnOfTheSecondScreen", plainAndDense(), {1280, 40}, {1280, 780}, 2},
+          Place{"LastColumnOfTheFirst", plainAndDense(), {1279, 40}, {1279, 760}},
+          Place{"PrimaryIsNotAtTheOrigin", primaryOffOrigin(), {100, 100}, {50 - 1280, 750}, 2},
+          Place{"Left", {screen(0, 0, 800, 600, 1), screen(-1600, -200, 800, 450, 2)}, {-1400, -100}, {-1500, 750}, 2},
+          Place{"RoundedUpByQt", {screen(0, 0, 427, 267, 1.5), screen(640, 0, 640, 400, 1)}, {640, 30}, {640, 237}}}) {
+        const ScreenMap map(screens);
+        EXPECT_EQ(map.toPoints(pixel), point) << name;
+        EXPECT_EQ(map.toPixels(point), pixel) << name;
+        EXPECT_EQ(map.screenAt(point).scale, scale) << name;
+    }
+}
 
 }  // namespace
 

@@ -12,7 +12,7 @@
 
 namespace glintar::platform {
 
-using Pixel = std::array<std::uint8_t, 3>;
+using test::Pixel;
 
 inline constexpr Pixel kWhite{255, 255, 255};
 inline constexpr Pixel kBlack{0, 0, 0};
@@ -21,31 +21,9 @@ inline constexpr Pixel kYellow{255, 255, 0};
 
 /// Lets Qt work for some milliseconds.
 void runLoop(int milliseconds = 10);
-
-/// All windows that the window manager tells task bars of.
-[[nodiscard]] std::vector<xcb_window_t> listedPrograms(XcbConnection& connection);
-
-/// A window of somebody else's, in one colour. Comes back once it is seen, its centre at least.
-class OtherWindow {
-public:
-    enum class Kind { Managed, Unmanaged, FullScreen };
-    OtherWindow(Kind kind, const Pixel& color, const xcb_rectangle_t& place);
-    ~OtherWindow();
-
-    /// Whether a button was pressed over it since the last question.
-    [[nodiscard]] bool wasPressed();
-
-    void hide() const;
-    void show() const;
-    /// Below all others.
-    void lower() const;
-
-private:
-    void open(Kind kind, const Pixel& color, const xcb_rectangle_t& place);
-
-    std::unique_ptr<XcbConnection> connection_ = XcbConnection::open();
-    xcb_window_t window_;
-};
+[[nodiscard]] inline bool soon(const std::function<bool()>& condition) {
+    return test::eventually(condition, [] { runLoop(); });
+}
 
 /// The screen that the whole program has, with nothing on it before and after each test.
 class WindowsDesktop : public testing::Test {
