@@ -224,30 +224,6 @@ TEST_F(SleepAndNetworkTest, AFetchThatSleepCutInTwoIsMadeAgainWithinTwoSeconds) 
     EXPECT_TRUE(surface.line.gas);
 }
 
-TEST_F(SleepAndNetworkTest, AFetchThatFailsWhileTheNetworkComesBackIsMadeAgainSoon) {
-    begin();
-    machine.http.latency = 5s;
-    breakNetwork();
-    machine.advance(60s);  // the next fetch is under way
-    networkBack();
-    mendNetwork();
-    machine.advance(12s);
-    EXPECT_THAT(shownPrices(), testing::ElementsAre("65000.00"));
-}
-
-TEST_F(SleepAndNetworkTest, OneRefreshAloneIsFollowedByNoOther) {
-    breakNetwork();
-    make();
-    controller->fetchAndDisplayPrice(Urgency::Forced, StatusBarController::Scope::Everything);
-    machine.advance(2s);
-    const int asked = quotesAsked();
-    machine.runLoop.sleep(3h);
-    wake();
-    networkBack();
-    machine.advance(5s);
-    EXPECT_EQ(quotesAsked(), asked);
-}
-
 TEST_F(SleepAndNetworkTest, ConnectionsFromBeforeANetworkChangeAreNotUsedAgain) {
     begin();
     networkBack();
