@@ -3,6 +3,7 @@
 #include "app/GlintarApp.h"
 #include "app/Start.h"
 #include "platform/posix/Descriptor.h"
+#include "platform/posix/Termination.h"
 #include "platform/qt/DesktopPlatform.h"
 #include "platform/qt/DisplayGuard.h"
 
@@ -13,6 +14,7 @@
 int main(int argc, char** argv) {
     using namespace glintar;
     platform::reserveStandardStreams();
+    const platform::Termination termination;
     const auto start = app::readStart(argc, argv);
     if (!start) {
         return start.error();

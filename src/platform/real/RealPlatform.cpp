@@ -16,17 +16,19 @@ constexpr const char* kNowhere = "/dev/null";
 }  // namespace
 
 RealPlatform::RealPlatform(const Options& options)
-    : termination_([this] {
-          if (onTerminate) {
-              onTerminate();
-          }
-      }),
-      bundle_(options.configServer, options.replacements),
+    : bundle_(options.configServer, options.replacements),
       preferences_(XdgDirectories::configuration().value_or(kNowhere) / "glintar.conf", screen_),
       workQueue_(runLoop_, kWorkThreads),
       secrets_(runLoop_, screen_, options.looksUpSecrets),
       platform_{runLoop_, workQueue_, http_,   preferences_, secrets_,   notifications_, directories_,
-                bundle_,  files_,     screen_, entropy_,     localTime_, registry_} {}
+                bundle_,  files_,     screen_, entropy_,     localTime_, registry_} {
+    QObject::connect(&termination_, &QSocketNotifier::activated, &termination_, [this] {
+        termination_.setEnabled(false);
+        if (onTerminate) {
+            onTerminate();
+        }
+    });
+}
 
 RealPlatform::~RealPlatform() = default;
 
@@ -42,7 +44,8 @@ int RealPlatform::exec() {
 void RealPlatform::exit(int status) {
     if (!exitStatus_) {
         exitStatus_ = status;
-        termination_.announceEnd();
+        termination_.setEnabled(false);
+        Termination::announceEnd(status);
         QCoreApplication::exit(status);
     }
 }
