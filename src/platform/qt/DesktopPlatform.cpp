@@ -2,6 +2,7 @@
 
 #include "platform/DesktopEvents.h"
 #include "platform/Directories.h"
+#include "platform/posix/Descriptor.h"
 #include "platform/qt/DisplayGuard.h"
 #include "platform/secret/SessionBus.h"
 
@@ -29,7 +30,12 @@ DesktopSettingsPolicy prepareApplication() {
     }
     // Qt's accessibility asks for the bus as soon as there is an application, and its tray later: where there is none,
     // libdbus would start one that outlives the program. No other program is given the variable.
-    ::setenv("DBUS_SESSION_BUS_ADDRESS", sessionBusAddress().value_or("disabled:").c_str(), 1);
+    auto bus = sessionBusAddress();
+    if (bus && !answersSoon(*bus)) {
+        complain("glintar: the session bus does not answer; going on without it, and so without tray and key ring\n");
+        bus.reset();
+    }
+    ::setenv("DBUS_SESSION_BUS_ADDRESS", bus.value_or("disabled:").c_str(), 1);
     const auto policy = desktopSettingsPolicy(variable("XDG_CURRENT_DESKTOP"), variable("QT_QPA_PLATFORMTHEME"));
     QApplication::setDesktopSettingsAware(policy.isSettingsAware);
     QApplication::setHighDpiScaleFactorRoundingPolicy(Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
