@@ -35,6 +35,15 @@ RealPlatform::~RealPlatform() = default;
 void RealPlatform::watch() {
     events_.emplace(runLoop_, notifications_);
     preferences_.watch();
+    workQueue_.async([configuration = XdgDirectories::configuration(), data = directories_.applicationSupport(),
+                      caches = directories_.caches()] {
+        for (const auto& folder :
+             {configuration, data, caches, caches ? std::optional(*caches / "CoinIcons") : std::nullopt}) {
+            if (folder) {
+                removeLeftovers(*folder);
+            }
+        }
+    });
 }
 
 int RealPlatform::exec() {
