@@ -3,6 +3,7 @@
 #include "app/GlintarApp.h"
 #include "app/Start.h"
 #include "platform/posix/Descriptor.h"
+#include "platform/posix/Termination.h"
 #include "platform/qt/DesktopPlatform.h"
 #include "platform/qt/DisplayGuard.h"
 
@@ -30,6 +31,7 @@ End run(int argc, char** argv, const app::Start& start, const std::optional<demo
 
 int main(int argc, char** argv) {
     platform::reserveStandardStreams();
+    const platform::Termination termination;
     // Both as they are now: Qt takes its own out of the arguments, and an update may put another program in this place.
     std::vector<char*> arguments(argv, argv + argc + 1);
     std::error_code error;

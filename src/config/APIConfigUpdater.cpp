@@ -1,5 +1,6 @@
 #include "config/APIConfigUpdater.h"
 
+#include "config/AppConfig.h"
 #include "config/ConfigFiles.h"
 #include "json/Json.h"
 #include "platform/Platform.h"
@@ -21,6 +22,7 @@ constexpr RemoteResource kResource{
     .notification = kConfigUpdated,
     .storedAt = cachedConfigFileURL,
     .check = check,
+    .canBeUsed = [](std::string stored) { return decodeAppConfig(std::move(stored)).has_value(); },
     .lines = {.started = "☁️ [APIConfig] 开始检查配置更新...",
               .versionCheckFailed = "⚠️ [APIConfig] 版本检查失败: {}",
               .compared = "☁️ [APIConfig] 版本对比: 本地 v{} vs 远程 v{}",

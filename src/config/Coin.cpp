@@ -2,12 +2,15 @@
 
 #include "config/JsonMembers.h"
 #include "json/JsonWriter.h"
+#include "platform/Console.h"
 #include "platform/Machine.h"
 #include "platform/Platform.h"
 #include "platform/Preferences.h"
+#include "platform/Registry.h"
 
 #include <array>
 #include <cstddef>
+#include <utility>
 
 namespace glintar::config {
 
@@ -36,6 +39,11 @@ std::optional<std::string> canonicalUuid(std::string_view text) {
     }
     return result;
 }
+
+/// What was said last of the saved coins, which are read all the time.
+struct SaidOfCoins {
+    std::string problem;
+};
 
 }  // namespace
 
@@ -114,7 +122,13 @@ std::expected<std::vector<Coin>, std::string> decodeCoins(std::string text) {
 
 std::vector<Coin> loadSavedCoins(platform::Platform& platform) {
     if (auto saved = platform.preferences.data(kSavedCoinsKey)) {
-        if (auto coins = decodeCoins(std::move(*saved))) {
+        auto coins = decodeCoins(std::move(*saved));
+        auto& said = platform.registry.shared<SaidOfCoins>([] { return std::make_shared<SaidOfCoins>(); });
+        const auto problem = coins ? std::string() : coins.error();
+        if (std::exchange(said.problem, problem) != problem && !problem.empty()) {
+            platform.console.print("⚠️ [Coins] savedCoins cannot be read, Bitcoin is shown instead: " + problem);
+        }
+        if (coins) {
             return std::move(*coins);
         }
     }

@@ -24,6 +24,7 @@ constexpr RemoteResource kResource{
     .notification = kCoinListUpdated,
     .storedAt = cachedCoinListFile,
     .check = check,
+    .canBeUsed = [](std::string stored) { return check(std::move(stored)).has_value(); },
     .lines = {.started = "🔍 [CoinList] 检查列表更新...",
               .versionCheckFailed = "⚠️ [CoinList] 版本检查失败: {}",
               .compared = "🔍 [CoinList] 版本对比: 本地 v{} vs 远程 v{}",

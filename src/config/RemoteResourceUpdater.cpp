@@ -37,6 +37,11 @@ std::expected<std::int64_t, std::string> readVersion(std::string body) {
 
 }  // namespace
 
+struct RemoteResourceUpdater::Comparison {
+    std::int64_t remote = 0;
+    bool hasCopy = false;  ///< one that can be used
+};
+
 struct RemoteResourceUpdater::Download {
     std::string body;
     std::expected<void, std::string> verdict;
@@ -71,28 +76,40 @@ void RemoteResourceUpdater::checkForNewVersion() {
         handleVersion(std::unexpected("no configuration server"));
         return;
     }
-    fetch(resource_.verUrl, readVersion, [this](const auto& remote) { handleVersion(remote); });
+    const auto read = [&files = platform_.files, path = resource_.storedAt(platform_),
+                       canBeUsed = resource_.canBeUsed](std::string body) -> std::expected<Comparison, std::string> {
+        const auto remote = readVersion(std::move(body));
+        if (!remote) {
+            return std::unexpected(remote.error());
+        }
+        if (!path) {  // where none can be stored none is missing
+            return Comparison{.remote = *remote, .hasCopy = true};
+        }
+        auto stored = files.read(*path);
+        return Comparison{.remote = *remote, .hasCopy = stored && canBeUsed(*std::move(stored))};
+    };
+    fetch(resource_.verUrl, read, [this](const auto& compared) { handleVersion(compared); });
 }
 
-void RemoteResourceUpdater::handleVersion(const std::expected<std::int64_t, std::string>& remote) {
+void RemoteResourceUpdater::handleVersion(const std::expected<Comparison, std::string>& compared) {
     const auto& lines = resource_.lines;
-    if (!remote) {
-        log(lines.versionCheckFailed, remote.error());
+    if (!compared) {
+        log(lines.versionCheckFailed, compared.error());
         return;
     }
-    const auto local = platform_.preferences.integer(resource_.versionKey);
-    log(lines.compared, local, *remote);
-    if (local >= *remote) {
+    const auto local = compared->hasCopy ? platform_.preferences.integer(resource_.versionKey) : 0;
+    log(lines.compared, local, compared->remote);
+    if (local >= compared->remote) {
         log(lines.upToDate);
         return;
     }
-    log(lines.newerFound, *remote);
+    log(lines.newerFound, compared->remote);
     const auto read = [check = resource_.check](std::string body) -> std::expected<Download, std::string> {
         auto verdict = check(body);
         return Download{.body = std::move(body), .verdict = std::move(verdict)};
     };
     fetch(resource_.dataUrl, read,
-          [this, version = *remote](const auto& download) { handleDownload(version, download); });
+          [this, version = compared->remote](const auto& download) { handleDownload(version, download); });
 }
 
 void RemoteResourceUpdater::handleDownload(std::int64_t version, const std::expected<Download, std::string>& download) {

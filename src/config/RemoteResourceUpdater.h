@@ -24,6 +24,7 @@ struct RemoteResource {
     std::string_view notification;  ///< posted when a new copy has been stored
     std::optional<std::filesystem::path> (*storedAt)(platform::Platform&);
     std::expected<void, std::string> (*check)(std::string body);  ///< or why it must not be stored; on the HTTP thread
+    bool (*canBeUsed)(std::string stored);                        ///< on the HTTP thread
 
     /// What the log says. In place of {} stand the versions, the local one first, or the error.
     struct Lines {
@@ -40,9 +41,10 @@ struct RemoteResource {
 /// Replaces the stored copy of one document when the configuration server has a newer version of it.
 ///
 /// The version document is a JSON object with the integer "version" (written without fraction and exponent) and, at
-/// will, the text "desc". The HTTP status is not looked at: a page that is no such document fails as what it is. The
-/// file is replaced before the number is stored, so a crash between the two only costs another download. Outcomes are
-/// the file, the number, the notification and the log; a failure leaves the first three as they were. Main thread.
+/// will, the text "desc". A stored copy that is missing or cannot be used counts as version 0. The HTTP status is not
+/// looked at: a page that is no such document fails as what it is. The file is replaced before the number is stored, so
+/// a crash between the two only costs another download. Outcomes are the file, the number, the notification and the
+/// log; a failure leaves the first three as they were. Main thread.
 class RemoteResourceUpdater {
 public:
     RemoteResourceUpdater(const RemoteResourceUpdater&) = delete;
@@ -61,11 +63,12 @@ protected:
     ~RemoteResourceUpdater() = default;
 
 private:
+    struct Comparison;
     struct Download;
 
     template <class Read, class Then>
     void fetch(std::string_view address, Read read, Then then);
-    void handleVersion(const std::expected<std::int64_t, std::string>& remote);
+    void handleVersion(const std::expected<Comparison, std::string>& compared);
     void handleDownload(std::int64_t version, const std::expected<Download, std::string>& download);
     template <class... Values>
     void log(std::string_view line, const Values&... values);

@@ -7,6 +7,7 @@
 #include "line/SettingsCommand.h"
 #include "platform/posix/Descriptor.h"
 #include "platform/posix/InstalledBundle.h"
+#include "platform/posix/Termination.h"
 #include "platform/posix/XdgLoginItem.h"
 #include "platform/real/TerminalPlatform.h"
 #include "platform/terminal/SecretInput.h"
@@ -22,15 +23,20 @@ namespace {
 
 using namespace glintar;
 
-/// Becomes the desktop program where that makes sense; returns why it does not.
-std::string_view becomeDesktop(char** argv) {
+/// Becomes the desktop program where that makes sense; returns why it does not. A signal that comes meanwhile waits for
+/// the program that catches it.
+std::string_view becomeDesktop(platform::Termination& termination, char** argv) {
     if (!app::environment("DISPLAY")) {
         return app::environment("WAYLAND_DISPLAY") ? "no X display, and this Wayland session has no XWayland"
                                                    : "no display";
     }
     const auto desktop = platform::InstalledBundle::program("glintar-desktop");
     if (desktop) {
+        if (!termination.block()) {
+            std::exit(EXIT_SUCCESS);  // nothing has begun that would have to be ended
+        }
         ::execv(desktop->c_str(), argv);
+        termination.unblock();
     }
     return "glintar-desktop is not installed";
 }
@@ -79,14 +85,16 @@ int runSettings(platform::TerminalPlatform& terminal, const app::Start& start) {
 
 int main(int argc, char** argv) {
     platform::reserveStandardStreams();
+    platform::Termination termination;
     const auto start = app::readStart(argc, argv);
     if (!start) {
         return start.error();
     }
     if (start->arguments.command == app::Arguments::Command::Desktop) {
-        platform::complain(
-            fmt::format("glintar: {}; showing the prices in this terminal (glintar line)\n", becomeDesktop(argv)));
+        platform::complain(fmt::format("glintar: {}; showing the prices in this terminal (glintar line)\n",
+                                       becomeDesktop(termination, argv)));
     }
+    termination.setStatus(start->arguments.once ? app::kFailed : 0);
     const auto session = app::prepareProcess(start->arguments);
     if (!session) {
         return session.error();

@@ -36,6 +36,8 @@ void CryptoService::loadConfig() {
                 loadedConfig_ = std::make_shared<const config::AppConfig>(*std::move(decoded));
                 platform_.console.log({"📁 [Config] 成功从磁盘缓存加载远程配置"});
                 return;
+            } else {
+                platform_.console.log({"⚠️ [Config]", cached->string(), decoded.error()});
             }
         }
     }
@@ -46,6 +48,9 @@ void CryptoService::loadConfig() {
         return;
     }
     auto decoded = config::decodeAppConfig(*std::move(text));
+    if (!decoded) {
+        platform_.console.log({"⚠️ [Config]", shipped->string(), decoded.error()});
+    }
     loadedConfig_ = decoded ? std::make_shared<const config::AppConfig>(*std::move(decoded)) : nullptr;
     platform_.console.log({"📦 [Config] 首次启动，加载内部初始配置"});
 }

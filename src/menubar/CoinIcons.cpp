@@ -5,7 +5,6 @@
 #include "platform/HttpClient.h"
 #include "platform/Platform.h"
 #include "platform/Registry.h"
-#include "platform/RunLoop.h"
 #include "platform/WorkQueue.h"
 #include "text/Address.h"
 
@@ -54,6 +53,9 @@ void CoinIcons::download(std::string_view imageUrl, Wish wish) {
     }
     {
         const std::lock_guard lock(mutex_);
+        if (const auto failed = failed_.find(*address); failed != failed_.end() && failed->second >= wish.quoted) {
+            return;
+        }
         const auto underWay = underWay_.find(*address);
         // It may have come since the asker looked.
         if (underWay == underWay_.end() && imageCache_.find(wish.apiId)) {
@@ -97,7 +99,16 @@ void CoinIcons::arrived(const std::string& address, const platform::ImagePtr& im
         // Under one lock, so that nobody finds neither the icon nor the download.
         const std::lock_guard lock(mutex_);
         auto wishes = underWay_.extract(address);
-        if (!image || wishes.empty()) {
+        if (wishes.empty()) {
+            return;
+        }
+        if (!image) {
+            platform::Instant quoted;
+            for (const auto& [key, wish] : wishes.mapped()) {
+                quoted = std::max(quoted, wish.quoted);
+            }
+            std::erase_if(failed_, [&](const auto& before) { return before.second < quoted; });
+            failed_[address] = quoted;
             return;
         }
         for (auto& [key, wish] : wishes.mapped()) {

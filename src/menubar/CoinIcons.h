@@ -2,6 +2,7 @@
 
 #include "menubar/ImageCache.h"
 #include "platform/Graphics.h"
+#include "platform/RunLoop.h"
 
 #include <filesystem>
 #include <functional>
@@ -37,11 +38,13 @@ public:
     struct Wish {
         std::string apiId;
         const void* asker = nullptr;      ///< a later wish of the same asker for the same coin replaces the earlier
+        platform::Instant quoted = {};    ///< when the quote came that names the address
         std::function<void()> onArrived;  ///< on the main thread, once `icon` has it; never when the download fails
     };
 
     /// Downloads an icon, unless the address is no web address or the icon is there by now. One request per address at
-    /// a time: whoever else wishes for it meanwhile gets the same answer. A failure is forgotten.
+    /// a time: whoever else wishes for it meanwhile gets the same answer. One that failed is not asked again for the
+    /// same quote.
     void download(std::string_view imageUrl, Wish wish);
 
     /// Reads the disk, decodes. None when there is no such file or it is no image.
@@ -66,7 +69,8 @@ private:
     ImageCache imageCache_;
 
     std::mutex mutex_;
-    std::map<std::string, Wishes> underWay_;  ///< by address
+    std::map<std::string, Wishes> underWay_;           ///< by address
+    std::map<std::string, platform::Instant> failed_;  ///< when the quote came that named the address
 };
 
 }  // namespace glintar::menubar

@@ -53,7 +53,7 @@ std::string PillPainter::renderKey(const presenter::GasPart& gas) const {
 platform::ImagePtr PillPainter::drawPill(const std::string& key, const presenter::CoinPart& coin) {
     const auto icon = icons_->icon(coin.coin.apiId);
     if (!icon && coin.quote.imageUrl) {
-        download(key, coin.coin.apiId, *coin.quote.imageUrl);
+        download(key, coin);
     }
     auto pill = fadedIf(coin.quote.arrival.isOld, graphics_, renderCoinPill(graphics_, coin, icon, look_), look_.scale);
     if (icon) {
@@ -68,14 +68,17 @@ platform::ImagePtr PillPainter::drawPill(const std::string& key, const presenter
     return pill;
 }
 
-void PillPainter::download(const std::string& key, const std::string& apiId, const std::string& imageUrl) {
-    icons_->download(imageUrl, {.apiId = apiId, .asker = this, .onArrived = [weak = weak_from_this(), key] {
-                                    // A painter for another look has asked for itself.
-                                    if (const auto self = weak.lock()) {
-                                        self->renderedItemCache_.remove(key);
-                                        self->onIconArrived_();
-                                    }
-                                }});
+void PillPainter::download(const std::string& key, const presenter::CoinPart& coin) {
+    icons_->download(*coin.quote.imageUrl, {.apiId = coin.coin.apiId,
+                                            .asker = this,
+                                            .quoted = coin.quote.arrival.instant,
+                                            .onArrived = [weak = weak_from_this(), key] {
+                                                // A painter for another look has asked for itself.
+                                                if (const auto self = weak.lock()) {
+                                                    self->renderedItemCache_.remove(key);
+                                                    self->onIconArrived_();
+                                                }
+                                            }});
 }
 
 }  // namespace glintar::menubar

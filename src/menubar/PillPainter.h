@@ -34,7 +34,7 @@ public:
     [[nodiscard]] platform::ImagePtr drawPill(const std::string& key, const presenter::GasPart& gas);
 
 private:
-    void download(const std::string& key, const std::string& apiId, const std::string& imageUrl);
+    void download(const std::string& key, const presenter::CoinPart& coin);
 
     const platform::Graphics& graphics_;
     std::shared_ptr<CoinIcons> icons_;

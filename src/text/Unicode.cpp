@@ -139,10 +139,12 @@ std::size_t columnsOf(UChar32 codePoint, std::size_t before) {
     return width == U_EA_WIDE || width == U_EA_FULLWIDTH ? 2 : 1;
 }
 
-/// Control characters and the two separators, of which there will never be others (Unicode's stability policies). Every
-/// line of the console is looked at, so ICU's tables need not come into memory for it.
+/// Control characters, the two separators, of which there will never be others (Unicode's stability policies), and what
+/// turns the direction of the text that follows. Every line of the console is looked at, so ICU's tables need not come
+/// into memory for it.
 bool breaksLineOrTerminal(UChar32 codePoint) {
-    return codePoint < 0x20 || (codePoint >= 0x7f && codePoint <= 0x9f) || codePoint == 0x2028 || codePoint == 0x2029;
+    return codePoint < 0x20 || (codePoint >= 0x7f && codePoint <= 0x9f) ||
+           (codePoint >= 0x2028 && codePoint <= 0x202e) || (codePoint >= 0x2066 && codePoint <= 0x2069);
 }
 
 bool isWhiteSpace(UChar32 codePoint) {

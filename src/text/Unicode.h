@@ -29,8 +29,8 @@ namespace glintar::text {
 /// The text with every invalid piece of UTF-8 replaced by one U+FFFD.
 [[nodiscard]] std::string validUtf8(std::string_view text);
 
-/// The text fit for one line of a terminal or log: control characters, line breaks of any kind and invalid UTF-8
-/// become U+FFFD.
+/// The text fit for one line of a terminal or log: control characters, those that turn the direction of writing, line
+/// breaks of any kind and invalid UTF-8 become U+FFFD.
 [[nodiscard]] std::string oneLine(std::string_view text);
 
 /// The same for text of several lines: line feeds and tabs stay.

@@ -83,9 +83,13 @@ TEST(CoinTest, LoadsTheSavedListOrTheDefault) {
     EXPECT_TRUE(load().empty()) << "an empty list is the user's choice";
     machine.preferences.setData(kSavedCoinsKey, text::replaceAll(kTwo, R"("apiId")", R"("api")"));
     EXPECT_EQ(load().size(), 1u);
+    EXPECT_EQ(load().size(), 1u);
+    EXPECT_EQ(machine.console.count("[0].apiId: missing"), 1) << "what is wrong is said once";
+    machine.preferences.setData(kSavedCoinsKey, "[{]");
+    load();
+    EXPECT_EQ(machine.console.count("(at byte 2)"), 1);
     machine.preferences.setString(kSavedCoinsKey, kTwo);
     EXPECT_EQ(load().size(), 1u) << "a text is not data";
-    EXPECT_TRUE(machine.console.lines.empty());
 }
 
 std::string listed(const CoinCatalogue& catalogue) {

@@ -28,7 +28,7 @@ struct Document {
     std::optional<std::filesystem::path> platform::VirtualDirectories::* directory;
     std::filesystem::path file;
     std::string_view key, notification;
-    std::string body;
+    std::string old, body;
     std::string started, checkFailed, compared, found, upToDate, failed, stored;  // log lines; numbers left out
 };
 
@@ -41,7 +41,8 @@ const Document kApiConfig{
     .file = "/home/u/data/remote_api_endpoints.json",
     .key = "saved_api_config_version",
     .notification = "ConfigUpdated",
-    .body = R"( {"error":"valid JSON, but no configuration"})",
+    .old = R"({"sources":[]})",
+    .body = R"( {"sources":[],"gas_configs":null})",
     .started = "☁️ [APIConfig] 开始检查配置更新...",
     .checkFailed = "⚠️ [APIConfig] 版本检查失败: ",
     .compared = "☁️ [APIConfig] 版本对比: 本地 v{} vs 远程 v{}",
@@ -60,6 +61,7 @@ const Document kCoinList{
     .file = "/home/u/documents/coingecko_coins_list.json",
     .key = "coin_list_version",
     .notification = "CoinListUpdated",
+    .old = R"([{"id":"a","symbol":"a","name":"a"}])",
     .body = R"([ {"id":"bitcoin","symbol":"btc","name":"Bitcoin","rank":1}])",
     .started = "🔍 [CoinList] 检查列表更新...",
     .checkFailed = "⚠️ [CoinList] 版本检查失败: ",
@@ -75,7 +77,7 @@ class UpdaterTest : public testing::TestWithParam<Document> {
 protected:
     UpdaterTest() {
         machine.bundle.server = "https://config.test/glintar";
-        machine.files.contents[document.file] = "old";
+        machine.files.contents[document.file] = document.old;
         machine.preferences.setInteger(document.key, 3);
         offer(R"({"version":6,"desc":"new"})");
         machine.http.answer(document.dataAddress, document.body);
@@ -111,7 +113,7 @@ protected:
     std::string found(int remote) const { return fmt::format(fmt::runtime(document.found), remote); }
 
     void expectNothingChanged() {
-        EXPECT_EQ(machine.files.contents[document.file], "old");
+        EXPECT_EQ(machine.files.contents[document.file], document.old);
         EXPECT_EQ(machine.preferences.integer(document.key), 3);
         EXPECT_THAT(announcements, IsEmpty());
     }
@@ -153,6 +155,15 @@ TEST_P(UpdaterTest, AVersionThatIsNotHigherIsNotDownloaded) {
         EXPECT_THAT(log(), ElementsAre(document.started, compared(3, remote), document.upToDate));
         EXPECT_THAT(machine.http.requests, SizeIs(1));
         expectNothingChanged();
+    }
+}
+
+TEST_P(UpdaterTest, AStoredCopyThatIsOfNoUseIsFetchedAgain) {
+    for (const char* copy : {"", "{}", "[1]"}) {
+        machine.files.contents[document.file] = copy;
+        machine.preferences.setInteger(document.key, 6);
+        check();
+        EXPECT_EQ(machine.files.contents[document.file], document.body) << copy;
     }
 }
 

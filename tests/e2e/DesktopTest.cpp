@@ -8,12 +8,26 @@
 #include <gtest/gtest.h>
 #include <signal.h>
 
+#include <thread>
+
 namespace glintar::test {
 namespace {
 
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
+using namespace std::chrono_literals;
+
+/// In kB.
+long privateMemory(const Program& program) {
+    std::ifstream map(fmt::format("/proc/{}/smaps_rollup", program.id()));
+    std::string word;
+    while (map >> word && word != "Anonymous:") {
+    }
+    long size = 0;
+    map >> size;
+    return size;
+}
 
 /// With all of Xfce, or under a window manager alone with a tray of the older kind.
 class DesktopsTest : public DesktopTest, public testing::WithParamInterface<bool> {
@@ -58,6 +72,15 @@ TEST_F(DesktopTest, TheDesktopTurnsDarkAndThePillsWithIt) {
     EXPECT_TRUE(showsPills(kDarkPill));
     portal.type("light\n");
     EXPECT_TRUE(showsPills(kLightPill));
+    const auto before = privateMemory(program);
+    for (int i = 0; i < 50; ++i) {
+        portal.type("dark\n");
+        std::this_thread::sleep_for(30ms);
+        portal.type("light\n");
+        std::this_thread::sleep_for(30ms);
+    }
+    EXPECT_TRUE(showsPills(kLightPill));
+    EXPECT_LT(privateMemory(program), before + 1000) << "kB, after a hundred changes";
 }
 
 class SecondStartTest : public DesktopTest, public testing::WithParamInterface<Display::Bus> {};
@@ -81,6 +104,36 @@ INSTANTIATE_TEST_SUITE_P(SecondStarts, SecondStartTest, testing::Values(Display:
                          [](const auto& test) {
                              return test.param == Display::Bus::None ? "WithoutABus" : "WithABus";
                          });
+
+TEST_F(DesktopTest, SomethingElseThatStandsStillNeitherKeepsItFromStartingNorFromEnding) {
+    enum class What { BusAtStart, BusAtEnd, Screen };
+    for (const auto what : {What::BusAtStart, What::BusAtEnd, What::Screen}) {
+        SCOPED_TRACE(static_cast<int>(what));
+        showScreen(Display::Manager::Openbox);
+        if (what == What::BusAtStart) {
+            display->freezeBus();
+        }
+        auto program = start({});
+        ASSERT_TRUE(showsPills(kLightPill, kPillsOfTheProfile)) << program.errors();
+        what == What::Screen ? display->freeze() : display->freezeBus();
+        std::this_thread::sleep_for(300ms);  // until the countdown wants to be drawn
+        const auto before = std::chrono::steady_clock::now();
+        program.signal(SIGTERM);
+        EXPECT_EQ(program.wait(), 0) << program.errors();
+        EXPECT_LT(std::chrono::steady_clock::now() - before, what == What::Screen ? 3s : 1500ms);
+    }
+}
+
+TEST_F(DesktopTest, ASignalEndsItWellHoweverEarlyItComes) {
+    showScreen(Display::Manager::Openbox);
+    for (int i = 0; i < 12; ++i) {
+        auto program = start({});
+        ASSERT_TRUE(eventually([&] { return catches(program, SIGTERM); }));
+        std::this_thread::sleep_for(i * 4ms);
+        program.signal(SIGTERM);
+        EXPECT_EQ(program.wait(), 0) << program.errors();
+    }
+}
 
 TEST_F(DesktopTest, TheScreenGoingAwayEndsItWithOneLine) {
     showScreen();

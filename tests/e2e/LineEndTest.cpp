@@ -8,7 +8,6 @@
 #include <signal.h>
 
 #include <chrono>
-#include <cstdint>
 #include <thread>
 
 namespace glintar::test {
@@ -17,17 +16,6 @@ namespace {
 using namespace std::chrono_literals;
 using testing::HasSubstr;
 using Output = Program::Output;
-
-/// Whether it has come so far that the signal does not kill it.
-bool catches(const Program& program, int signal) {
-    std::ifstream status(fmt::format("/proc/{}/status", program.id()));
-    std::string word;
-    while (status >> word && word != "SigCgt:") {
-    }
-    std::uint64_t caught = 0;
-    status >> std::hex >> caught;
-    return (caught >> (signal - 1) & 1) != 0;
-}
 
 class LineEndTest : public ProgramTest {
 protected:
@@ -79,6 +67,17 @@ TEST_F(LineEndTest, SignalsEndItAtOnceEvenWhileAServiceHangsOrNobodyReadsWhatItW
         EXPECT_EQ(program.waitUnread(), row.status);
         EXPECT_LT(std::chrono::steady_clock::now() - before, 2s);
     }
+}
+
+TEST_F(LineEndTest, ARefreshThatFellDueWhileItWasStoppedComesAtOnce) {
+    auto program = start({"line"});
+    ASSERT_TRUE(program.waitForErrors("检查列表更新"));  // a second before the first refresh
+    program.signal(SIGSTOP);
+    std::this_thread::sleep_for(2s);
+    const auto before = std::chrono::steady_clock::now();
+    program.signal(SIGCONT);
+    ASSERT_TRUE(program.waitForOutput("BTC "));
+    EXPECT_LT(std::chrono::steady_clock::now() - before, 700ms);
 }
 
 TEST_F(LineEndTest, StreamsThatCannotBeWrittenAreNoReasonToCrash) {

@@ -4,9 +4,11 @@
 #include "support/Child.h"
 #include "support/Program.h"
 
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 #include <httplib.h>
 
+#include <cstdint>
 #include <filesystem>
 #include <fstream>
 #include <optional>
@@ -59,6 +61,17 @@ protected:
         httplib::Client market(session->address());
         const auto answer = market.Get("/control/log");
         return answer ? answer->body : "";
+    }
+
+    /// Whether it has come so far that the signal does not kill it.
+    static bool catches(const Program& program, int signal) {
+        std::ifstream status(fmt::format("/proc/{}/status", program.id()));
+        std::string word;
+        while (status >> word && word != "SigCgt:") {
+        }
+        std::uint64_t caught = 0;
+        status >> std::hex >> caught;
+        return (caught >> (signal - 1) & 1) != 0;
     }
 
     std::optional<demo::DemoSession> session;

@@ -52,16 +52,18 @@ TEST_F(CoinIconsTest, FiveIconsCostFiveRequestsHoweverOftenTheLineIsDrawn) {
     EXPECT_EQ(machine.files.contents.at(kFolder / "a.png"), "image 9x9 a");
 }
 
-TEST_F(CoinIconsTest, AFailedDownloadIsTriedAgainAtTheNextRender) {
+TEST_F(CoinIconsTest, AFailedDownloadIsTriedAgainWithTheNextQuote) {
     add("a", "https://icons.test/a.png");
     machine.http.failOnce("icons.test", {platform::HttpError::Kind::Timeout, "late"});
     machine.http.answerOnce("icons.test", "<html>");
     machine.http.answer("icons.test", "image 9x9 a");
-    for (const int asked : {1, 2}) {
+    for (const int asked : {1, 1, 2, 2}) {
+        quotes["a"].arrival.instant = platform::Instant(asked * 1s);
         EXPECT_EQ(drawingsToShow(), 1) << "a badge is not kept";
         EXPECT_EQ(machine.http.asked("icons.test"), asked);
         EXPECT_THAT(icons(), ElementsAre(""));
     }
+    quotes["a"].arrival.instant += 2s;
     show();
     settle();
     EXPECT_THAT(icons(), ElementsAre("a"));

@@ -132,6 +132,10 @@ void Child::stop() {
     }
 }
 
+void Child::signal(int number) const {
+    ::kill(id_, number);
+}
+
 void Child::terminate() {
     if (id_ > 0) {
         ::kill(id_, SIGTERM);

@@ -28,6 +28,7 @@ public:
     ~Child() { stop(); }
 
     void stop();
+    void signal(int number) const;
     void terminate();  ///< lets it clear up behind itself first, for some seconds
     [[nodiscard]] pid_t id() const { return id_; }
 

@@ -5,6 +5,8 @@
 #include "support/Child.h"
 #include "support/TemporaryFolder.h"
 
+#include <signal.h>
+
 #include <array>
 #include <cstdint>
 #include <memory>
@@ -46,6 +48,8 @@ public:
     void stopTray() { tray_.stop(); }
     void startPanel();                    ///< that of Xfce, along the top edge, with a tray of the D-Bus kind
     void stop() { server_.terminate(); }  ///< the screen goes away
+    void freeze() { server_.signal(SIGSTOP); }
+    void freezeBus() { bus_.signal(SIGSTOP); }
 
     /// A Wayland compositor over the whole screen. From then on $DISPLAY is the X server that it has as a guest, and no
     /// longer the screen, on which pointer, keys and pixels stay.

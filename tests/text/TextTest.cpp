@@ -78,6 +78,7 @@ TEST(UnicodeTest, TrimsEveryKindOfWhiteSpace) {
 
 TEST(UnicodeTest, MakesAnyBytesFitForOneLine) {
     EXPECT_EQ(oneLine("a\r\n\u2028\x1B[31m\u009B\x7F\xFF é😀"), "a\uFFFD\uFFFD\uFFFD\uFFFD[31m\uFFFD\uFFFD\uFFFD é😀");
+    EXPECT_EQ(oneLine("\u202A\u202E\u2066\u2069"), "\uFFFD\uFFFD\uFFFD\uFFFD");
     EXPECT_EQ(validUtf8("a\n\xE2\x82z\xED\xA0\x80"), "a\n\uFFFDz\uFFFD\uFFFD\uFFFD");
 }
 

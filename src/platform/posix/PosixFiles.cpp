@@ -3,10 +3,13 @@
 #include "platform/posix/Descriptor.h"
 
 #include <fcntl.h>
+#include <fmt/format.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <system_error>
 
 namespace glintar::platform {
@@ -14,6 +17,20 @@ namespace glintar::platform {
 namespace {
 
 constexpr off_t kMaxFileBytes = off_t{64} << 20;
+constexpr std::string_view kBeside = ".~";
+constexpr std::size_t kRandom = 6;
+
+/// QSettings names its own "glintar.conf." and six letters of either case, which is more than a person calls a copy.
+bool isLeftOver(std::string_view name) {
+    const auto random = name.substr(name.size() - std::min(name.size(), kRandom));
+    const auto before = name.substr(0, name.size() - random.size());
+    const auto isUpper = [](char c) { return c >= 'A' && c <= 'Z'; };
+    const auto isLower = [](char c) { return c >= 'a' && c <= 'z'; };
+    const bool isOfQt = before.ends_with(".conf.") && std::ranges::any_of(random, isLower) &&
+                        std::ranges::any_of(random.substr(std::min<std::size_t>(1, random.size())), isUpper) &&
+                        std::ranges::all_of(random, [&](char c) { return isUpper(c) || isLower(c); });
+    return isOfQt || before.ends_with(kBeside);
+}
 
 std::string describe(int error) {
     return std::generic_category().message(error);
@@ -56,7 +73,7 @@ std::expected<std::string, std::string> PosixFiles::read(const std::filesystem::
 }
 
 Files::Outcome PosixFiles::replace(const std::filesystem::path& path, std::string_view bytes) {
-    std::string beside = path.string() + ".XXXXXX";
+    std::string beside = fmt::format("{}{}XXXXXX", path.native(), kBeside);
     const Descriptor file(::mkostemp(beside.data(), O_CLOEXEC));
     if (file.number() < 0) {
         return std::unexpected(describe(errno));
@@ -70,6 +87,20 @@ Files::Outcome PosixFiles::replace(const std::filesystem::path& path, std::strin
         return std::unexpected(describe(error));
     }
     return {};
+}
+
+void removeLeftovers(const std::filesystem::path& folder) {
+    std::error_code error;
+    const auto latest = std::filesystem::file_time_type::clock::now() - std::chrono::hours{1};
+    for (std::filesystem::directory_iterator entry(folder, error), end; !error && entry != end;
+         entry.increment(error)) {
+        std::error_code ignored;
+        if (isLeftOver(entry->path().filename().native()) &&
+            entry->symlink_status(ignored).type() == std::filesystem::file_type::regular &&
+            entry->last_write_time(ignored) < latest && !ignored) {
+            std::filesystem::remove(entry->path(), ignored);
+        }
+    }
 }
 
 Files::Outcome PosixFiles::remove(const std::filesystem::path& path) {

@@ -15,4 +15,8 @@ public:
     Outcome makeDirectories(const std::filesystem::path& path) override;
 };
 
+/// Removes what killed runs have left beside files of ours in the folder, if it is more than an hour old: what
+/// `replace` writes, and QSettings beside a file ".conf". Any thread.
+void removeLeftovers(const std::filesystem::path& folder);
+
 }  // namespace glintar::platform

@@ -3,6 +3,7 @@
 #include "platform/DesktopEvents.h"
 #include "platform/Directories.h"
 #include "platform/Registry.h"
+#include "platform/posix/Descriptor.h"
 #include "platform/qt/DisplayGuard.h"
 #include "platform/secret/SessionBus.h"
 
@@ -30,7 +31,12 @@ DesktopSettingsPolicy prepareApplication() {
     }
     // Qt's accessibility asks for the bus as soon as there is an application, and its tray later: where there is none,
     // libdbus would start one that outlives the program. No other program is given the variable.
-    ::setenv("DBUS_SESSION_BUS_ADDRESS", sessionBusAddress().value_or("disabled:").c_str(), 1);
+    auto bus = sessionBusAddress();
+    if (bus && !answersSoon(*bus)) {
+        complain("glintar: the session bus does not answer; going on without it, and so without tray and key ring\n");
+        bus.reset();
+    }
+    ::setenv("DBUS_SESSION_BUS_ADDRESS", bus.value_or("disabled:").c_str(), 1);
     const auto policy = desktopSettingsPolicy(variable("XDG_CURRENT_DESKTOP"), variable("QT_QPA_PLATFORMTHEME"));
     QApplication::setDesktopSettingsAware(policy.isSettingsAware);
     QApplication::setHighDpiScaleFactorRoundingPolicy(Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
@@ -63,7 +69,8 @@ DesktopPlatform::DesktopPlatform(int& argc, char** argv, const RealPlatform::Opt
               {.display = connection_.get(), .session = session_, .policy = policy_}),
       compositor_(*connection_),
       pointer_(*connection_, screens_),
-      statusBar_({.connection = *connection_,
+      statusBar_({.loop = platform().runLoop,
+                  .connection = *connection_,
                   .compositor = compositor_,
                   .screens = screens_,
                   .session = session_,

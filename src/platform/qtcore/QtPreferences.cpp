@@ -3,10 +3,12 @@
 #include "platform/Console.h"
 
 #include <QFileSystemWatcher>
+#include <QLockFile>
 #include <QTimer>
 
 #include <chrono>
 #include <system_error>
+#include <utility>
 
 namespace glintar::platform {
 
@@ -20,34 +22,70 @@ QString keyOf(std::string_view key) {
     return QString::fromUtf8(key.data(), static_cast<qsizetype>(key.size()));
 }
 
-/// The file, or one that cannot be when something else stands in its place: QSettings would wait for a pipe's writer.
-std::filesystem::path orNothing(const std::filesystem::path& file, Console& console) {
+constexpr std::uintmax_t kMaxBytes = 1'000'000;
+
+/// What keeps QSettings from looking into it; it would wait for a pipe's writer. Empty when nothing does.
+std::string_view obstacleIn(const std::filesystem::path& file) {
     std::error_code ignored;
-    if (!std::filesystem::exists(file, ignored) || std::filesystem::is_regular_file(file, ignored)) {
-        return file;
+    const auto status = std::filesystem::status(file, ignored);
+    if (!std::filesystem::exists(status)) {
+        return {};
     }
-    console.print("⚠️ [Preferences] not a regular file: " + file.string());
-    return "/dev/null/glintar.conf";
+    if (!std::filesystem::is_regular_file(status)) {
+        return "not a regular file";
+    }
+    const auto size = std::filesystem::file_size(file, ignored);
+    return !ignored && size > kMaxBytes ? "damaged, not read (more than 1 MB)" : std::string_view();
+}
+
+/// Whether QSettings gets its lock at once. It would wait half a minute for one that a killed run has left, and without
+/// end for a folder of that name.
+bool isLockFree(std::filesystem::path lock) {
+    constexpr int kPatience = 100;  // milliseconds
+    lock += ".lock";
+    std::error_code ignored;
+    if (std::filesystem::is_directory(lock, ignored)) {
+        std::filesystem::remove(lock, ignored);  // unless there is something in it
+    }
+    if (std::filesystem::exists(lock, ignored) && !std::filesystem::is_regular_file(lock, ignored)) {
+        return false;
+    }
+    QLockFile trial(QString::fromStdString(lock.string()));
+    trial.setStaleLockTime(kPatience);  // that of a live process is held by the kernel too, and stays
+    return trial.tryLock(kPatience) || trial.error() != QLockFile::LockFailedError;
 }
 
 }  // namespace
 
-QtPreferences::QtPreferences(const std::filesystem::path& file, Console& console)
-    : file_(orNothing(file, console)),
-      console_(console),
-      settings_(QString::fromStdString(file_.string()), QSettings::NativeFormat) {
-    settings_.setFallbacksEnabled(false);
-}
+QtPreferences::QtPreferences(const std::filesystem::path& file, Console& console) : file_(file), console_(console) {}
 
 QtPreferences::~QtPreferences() = default;
 
-QVariant QtPreferences::value(std::string_view key) const {
-    settings_.sync();  // another process may have written the file; costs a look at its date
-    if (settings_.status() == QSettings::FormatError && !isDamageReported_) {
-        isDamageReported_ = true;
-        console_.print("⚠️ [Preferences] damaged, read as far as possible: " + file_.string());
+/// Another process may have written the file; costs two looks at its date. False when it could not be looked into: then
+/// what was read last stays.
+bool QtPreferences::refresh() const {
+    auto problem = obstacleIn(file_);
+    const bool isReadable = problem.empty();
+    if (isReadable) {
+        if (settings_) {
+            settings_->sync();
+        } else {
+            settings_.emplace(QString::fromStdString(file_.string()), QSettings::NativeFormat);
+            settings_->setFallbacksEnabled(false);
+        }
+        if (settings_->status() == QSettings::FormatError) {
+            problem = "damaged, read as far as possible";
+        }
     }
-    return settings_.value(keyOf(key));
+    if (std::exchange(reported_, problem) != problem && !problem.empty()) {
+        console_.print("⚠️ [Preferences] " + std::string(problem) + ": " + file_.string());
+    }
+    return isReadable;
+}
+
+QVariant QtPreferences::value(std::string_view key) const {
+    refresh();
+    return settings_ ? settings_->value(keyOf(key)) : QVariant();
 }
 
 bool QtPreferences::boolean(std::string_view key) const {
@@ -95,30 +133,30 @@ void QtPreferences::setData(std::string_view key, std::string_view bytes) {
 }
 
 void QtPreferences::remove(std::string_view key) {
-    prepareWrite();
-    settings_.remove(keyOf(key));
-    finishWrite();
+    write([&](QSettings& settings) { settings.remove(keyOf(key)); });
 }
 
 void QtPreferences::set(std::string_view key, const QVariant& value) {
-    prepareWrite();
-    settings_.setValue(keyOf(key), value);
-    finishWrite();
+    write([&](QSettings& settings) { settings.setValue(keyOf(key), value); });
 }
 
-void QtPreferences::prepareWrite() {
-    settings_.sync();
-    if (settings_.status() == QSettings::FormatError) {
-        auto copy = file_;
-        copy += ".damaged";
-        std::error_code ignored;
-        std::filesystem::copy_file(file_, copy, std::filesystem::copy_options::skip_existing, ignored);
+void QtPreferences::write(const std::function<void(QSettings&)>& change) {
+    auto kept = file_;
+    kept += ".damaged";
+    std::error_code ignored;
+    bool isReady = refresh();
+    if (!isReady && std::filesystem::is_regular_file(file_, ignored) && !std::filesystem::exists(kept, ignored)) {
+        std::filesystem::rename(file_, kept, ignored);
+        isReady = refresh();
+    } else if (isReady && settings_->status() == QSettings::FormatError) {
+        std::filesystem::copy_file(file_, kept, std::filesystem::copy_options::skip_existing, ignored);
     }
-}
-
-void QtPreferences::finishWrite() {
-    settings_.sync();
-    if (settings_.status() == QSettings::AccessError) {
+    isReady = isReady && isLockFree(file_);
+    if (isReady) {
+        change(*settings_);
+        settings_->sync();
+    }
+    if (!isReady || settings_->status() == QSettings::AccessError) {
         console_.print("⚠️ [Preferences] could not be written: " + file_.string());
     }
 }

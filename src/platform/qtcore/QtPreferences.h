@@ -5,7 +5,10 @@
 #include <QSettings>
 
 #include <filesystem>
+#include <functional>
 #include <memory>
+#include <optional>
+#include <string_view>
 
 class QFileSystemWatcher;
 class QTimer;
@@ -15,7 +18,8 @@ namespace glintar::platform {
 class Console;
 
 /// The preference file, in the INI form of QSettings. A file that cannot be read as such reads as far as it can be;
-/// before the first write to it, a copy is put beside it under its name and ".damaged".
+/// before the first write to it, a copy is put beside it under its name and ".damaged". One of more than 1 MB, or no
+/// regular file, is not read at all: what was read before holds until it has been put right. Waits 100 ms at most.
 class QtPreferences final : public Preferences {
 public:
     QtPreferences(const std::filesystem::path& file, Console& console);
@@ -40,14 +44,14 @@ public:
 private:
     QVariant value(std::string_view key) const;
     void set(std::string_view key, const QVariant& value);
-    void prepareWrite();
-    void finishWrite();
+    bool refresh() const;
+    void write(const std::function<void(QSettings&)>& change);
     void watchPaths();
 
     std::filesystem::path file_;
     Console& console_;
-    mutable QSettings settings_;
-    mutable bool isDamageReported_ = false;
+    mutable std::optional<QSettings> settings_;  ///< none until the file could be looked into
+    mutable std::string_view reported_;          ///< the problem that was said last
     std::unique_ptr<QFileSystemWatcher> watcher_;
     std::unique_ptr<QTimer> settled_;  ///< fires when the file has been left alone for a moment
 };

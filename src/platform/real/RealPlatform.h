@@ -7,14 +7,16 @@
 #include "platform/posix/InstalledBundle.h"
 #include "platform/posix/PosixFiles.h"
 #include "platform/posix/PosixMachine.h"
+#include "platform/posix/Termination.h"
 #include "platform/posix/ThreadWorkQueue.h"
 #include "platform/posix/XdgDirectories.h"
 #include "platform/qtcore/QtMachineEvents.h"
 #include "platform/qtcore/QtPreferences.h"
 #include "platform/qtcore/QtRunLoop.h"
-#include "platform/qtcore/QtTermination.h"
 #include "platform/secret/LoadedSecretStore.h"
 #include "platform/terminal/TerminalScreen.h"
+
+#include <QSocketNotifier>
 
 #include <filesystem>
 #include <functional>
@@ -23,8 +25,8 @@
 
 namespace glintar::platform {
 
-/// The real machine without its screen. One a process, made after Qt's application object and gone before it. Threads
-/// start when they are first needed.
+/// The real machine without its screen. One a process, made after `Termination` and Qt's application object and gone
+/// before them. Threads start when they are first needed.
 class RealPlatform {
 public:
     struct Options {
@@ -57,8 +59,8 @@ public:
 private:
     // Destroyed from the last to the first: what is shared goes first, then whoever may still call into it.
     std::optional<int> exitStatus_;
-    QtTermination termination_;
-    TerminalScreen screen_{termination_.descriptor()};
+    QSocketNotifier termination_{Termination::descriptor(), QSocketNotifier::Read};
+    TerminalScreen screen_{Termination::descriptor()};
     QtRunLoop runLoop_;
     PosixFiles files_;
     XdgDirectories directories_;

@@ -2,6 +2,7 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace glintar::platform {
 
@@ -9,5 +10,9 @@ namespace glintar::platform {
 /// else $XDG_RUNTIME_DIR/bus if that exists. Empty where there is no bus; whoever asks GLib or libdbus for the bus then
 /// makes them start one, which outlives the program.
 [[nodiscard]] std::optional<std::string> sessionBusAddress();
+
+/// False when something listens at the (first) address and has not answered after half a second: libdbus and with it Qt
+/// would wait for it without end. A bus that is just being started with the session takes some tenths of a second.
+[[nodiscard]] bool answersSoon(std::string_view address);
 
 }  // namespace glintar::platform

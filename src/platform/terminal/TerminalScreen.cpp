@@ -46,7 +46,7 @@ TerminalScreen::~TerminalScreen() {
 
 int TerminalScreen::printLine(std::string_view text) {
     const std::lock_guard lock(mutex_);
-    return writeAll(STDOUT_FILENO, std::string(text) + '\n', stop_);
+    return writeAll(STDOUT_FILENO, text::printable(text) + '\n', stop_);
 }
 
 std::string TerminalScreen::clearing() const {
@@ -58,7 +58,8 @@ int TerminalScreen::redrawLine(std::string_view text) {
     const auto window = windowSize();
     std::string drawn(kWrapOff);
     std::size_t rows = 0;
-    for (auto rest = text; rows == 0 || (!rest.empty() && rows < window.ws_row); ++rows) {
+    const auto clean = text::printable(text);
+    for (std::string_view rest = clean; rows == 0 || (!rest.empty() && rows < window.ws_row); ++rows) {
         const auto line = rest.substr(0, rest.find('\n'));
         drawn += (rows > 0 ? "\n" : "") + text::fitColumns(line, window.ws_col);
         rest.remove_prefix(std::min(line.size() + 1, rest.size()));

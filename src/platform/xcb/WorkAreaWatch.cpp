@@ -1,11 +1,12 @@
 #include "platform/xcb/WorkAreaWatch.h"
 
 #include <cstdint>
+#include <utility>
 
 namespace glintar::platform {
 
-WorkAreaWatch::WorkAreaWatch(XcbConnection& connection)
-    : connection_(connection), property_(connection.atom("_NET_WORKAREA")) {
+WorkAreaWatch::WorkAreaWatch(XcbConnection& connection, RunLoop& loop)
+    : connection_(connection), loop_(loop), property_(connection.atom("_NET_WORKAREA")) {
     events_ = connection_.onEvent([this](const xcb_generic_event_t& event) { see(event); });
     connection_.selectRootEvents(XCB_EVENT_MASK_PROPERTY_CHANGE);
     area_ = ask();
@@ -17,11 +18,16 @@ void WorkAreaWatch::see(const xcb_generic_event_t& event) {
         return;
     }
     const auto& change = reinterpret_cast<const xcb_property_notify_event_t&>(event);
-    if (change.window != connection_.screen().root || change.atom != property_) {
-        return;
+    if (change.window == connection_.screen().root && change.atom == property_) {
+        // Not here: the other listeners would wait for the answer.
+        look_ = loop_.after(Duration::zero(), [this] { look(); });
     }
-    if (const auto now = ask(); now != area_) {
-        area_ = now;
+}
+
+void WorkAreaWatch::look() {
+    const auto now = ask();
+    connection_.handOutQueued();
+    if (connection_.isAlive() && std::exchange(area_, now) != now) {
         listeners_.call();
     }
 }

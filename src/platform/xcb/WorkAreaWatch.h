@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/RunLoop.h"
 #include "platform/xcb/Pixels.h"
 #include "platform/xcb/XcbConnection.h"
 
@@ -10,7 +11,7 @@ namespace glintar::platform {
 /// What panels leave free of all screens together, as the window manager says (`_NET_WORKAREA`). Main thread only.
 class WorkAreaWatch {
 public:
-    explicit WorkAreaWatch(XcbConnection& connection);
+    WorkAreaWatch(XcbConnection& connection, RunLoop& loop);
 
     /// None where nobody says.
     [[nodiscard]] const std::optional<PixelArea>& area() const { return area_; }
@@ -19,13 +20,16 @@ public:
 
 private:
     void see(const xcb_generic_event_t& event);
+    void look();
     [[nodiscard]] std::optional<PixelArea> ask() const;
 
     XcbConnection& connection_;
+    RunLoop& loop_;
     xcb_atom_t property_;
     std::optional<PixelArea> area_;
     Listeners<> listeners_;
     Listening events_;
+    TimerHandle look_;
 };
 
 }  // namespace glintar::platform

@@ -75,8 +75,8 @@ public:
     /// Masks of all who want to hear of the root window are joined: the server knows one for each connection.
     void selectRootEvents(std::uint32_t mask);
 
-    /// Runs for every event on this connection, in their order. A listener that asks the server holds up the others for
-    /// a round trip; what comes along with the answer is handed out after its event.
+    /// Runs for every event on this connection, in their order. A listener asks the server nothing, since the others
+    /// would wait for the answer: it does so from the run loop.
     [[nodiscard]] Listening onEvent(std::function<void(const xcb_generic_event_t&)> listener) {
         return listeners_.add(std::move(listener));
     }

@@ -31,6 +31,26 @@ TEST_F(FilesTest, AFileIsReplacedWholeAndLeavesNothingBeside) {
     EXPECT_EQ(files.read(path).error(), "No such file or directory");
 }
 
+TEST_F(FilesTest, WhatAKilledRunLeftGoesAndNothingElse) {
+    const auto old = std::filesystem::file_time_type::clock::now() - std::chrono::hours{2};
+    for (const auto& [name, isOurs] : {std::pair{"a.json.~Ab3dEf", true},
+                                       {"glintar.conf.bXqlzw", true},
+                                       {"glintar.conf", false},
+                                       {"a.json", false},
+                                       {"glintar.conf.backup", false},
+                                       {"glintar.conf.Backup", false},
+                                       {"a.json.aBcDeF", false},
+                                       {"x", false}}) {
+        const auto path = folder.path() / name;
+        ASSERT_TRUE(files.replace(path, "x"));
+        removeLeftovers(folder.path());
+        EXPECT_TRUE(files.exists(path)) << name << " may be in use";
+        std::filesystem::last_write_time(path, old);
+        removeLeftovers(folder.path());
+        EXPECT_EQ(files.exists(path), !isOurs) << name;
+    }
+}
+
 TEST_F(FilesTest, AFailedReplacementKeepsTheOldFile) {
     const auto missing = files.replace(folder.path() / "nowhere" / "x", "new");
     EXPECT_EQ(missing.error(), "No such file or directory");

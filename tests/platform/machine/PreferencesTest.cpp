@@ -96,13 +96,43 @@ TEST_F(PreferencesTest, APlaceThatCannotBeWrittenIsSaid) {
     EXPECT_EQ(console.count("could not be written"), 1);
 }
 
-TEST_F(PreferencesTest, APipeInItsPlaceIsNotWaitedFor) {
-    std::filesystem::create_directories(file.parent_path());
-    ASSERT_EQ(::mkfifo(file.c_str(), 0600), 0);
+TEST_F(PreferencesTest, WhatIsNoPreferenceFileIsNeitherWaitedForNorReadUntilItIsPutRight) {
+    write("[General]\ngasSource=1\n");
     QtPreferences preferences(file, console);
-    EXPECT_FALSE(preferences.boolean("showGasFee"));
+    EXPECT_EQ(preferences.integer("gasSource"), 1);
+    std::filesystem::remove(file);
+    ASSERT_EQ(::mkfifo(file.c_str(), 0600), 0);
+    EXPECT_EQ(preferences.integer("gasSource"), 1);
+    EXPECT_EQ(QtPreferences(file, console).integer("gasSource"), 0);
     preferences.watch();
-    EXPECT_EQ(console.count("not a regular file"), 1);
+    EXPECT_EQ(console.count("not a regular file"), 2);
+    std::filesystem::remove(file);
+    write("[General]\ngasSource=2\n" + std::string(1'000'000, '\n'));
+    EXPECT_EQ(preferences.integer("gasSource"), 1);
+    EXPECT_EQ(console.count("damaged"), 1);
+    preferences.setInteger("gasSource", 3);
+    EXPECT_EQ(QtPreferences(file, console).integer("gasSource"), 3);
+    EXPECT_GT(std::filesystem::file_size(file.string() + ".damaged"), 1'000'000U);
+}
+
+TEST_F(PreferencesTest, ALeftOverLockOrAFolderOfItsNameHoldsNobodyUp) {
+    write("");
+    const std::string lock = file.string() + ".lock";
+    QtPreferences preferences(file, console);
+    QElapsedTimer passed;
+    passed.start();
+    std::ofstream(lock).flush();
+    std::filesystem::last_write_time(lock, std::filesystem::file_time_type::clock::now() - std::chrono::seconds{1});
+    preferences.setInteger("gasSource", 1);
+    std::filesystem::create_directory(lock);
+    preferences.setInteger("displayMode", 1);
+    EXPECT_TRUE(console.lines.empty());
+    std::filesystem::create_directories(lock + "/not empty");
+    preferences.setInteger("gasSource", 2);
+    EXPECT_EQ(console.count("could not be written"), 1);
+    EXPECT_LT(passed.elapsed(), 2000);
+    EXPECT_EQ(QtPreferences(file, console).integer("gasSource"), 1);
+    EXPECT_EQ(QtPreferences(file, console).integer("displayMode"), 1);
 }
 
 TEST_F(PreferencesTest, AChangeByAnotherProcessIsNoticedHoweverItIsWritten) {

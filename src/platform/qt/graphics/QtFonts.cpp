@@ -85,12 +85,14 @@ bool runsToTheRight(const QString& text) {
 }  // namespace
 
 QtFonts::QtFonts()
-    : families_(QGuiApplication::font().families()),
+    : ownFamilies_(QGuiApplication::font().families()),
+      families_(ownFamilies_),
       fixedFamilies_(QFontDatabase::systemFont(QFontDatabase::FixedFont).families()) {}
 
 void QtFonts::setFamily(const QString& family) {
     const std::scoped_lock lock(mutex_);
-    families_.prepend(family);
+    families_ = QStringList(family) + ownFamilies_;
+    families_.removeDuplicates();  // a longer list would be another font, loaded anew
 }
 
 TextLine QtFonts::layOut(std::string_view text, const Font& font) const {

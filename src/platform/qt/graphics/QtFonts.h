@@ -49,6 +49,7 @@ private:
     DigitWidths digitWidths(const QFont& font) const;
 
     mutable std::mutex mutex_;
+    QStringList ownFamilies_;  // Qt's own choice
     QStringList families_;
     QStringList fixedFamilies_;
     // A QFont belongs to the thread that uses it, so what is kept are numbers.

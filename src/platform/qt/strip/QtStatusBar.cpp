@@ -136,7 +136,7 @@ private:
 
 QtStatusBar::QtStatusBar(Surroundings surroundings)
     : around_(std::move(surroundings)),
-      workArea_(around_.connection),
+      workArea_(around_.connection, around_.loop),
       strip_({.graphics = around_.graphics,
               .preferences = around_.preferences,
               .screens = around_.screens,

@@ -23,6 +23,7 @@ public:
     /// All references outlive the bar. Somebody reads the events of `connection` (`XcbReader`). `session` is the
     /// message bus, if there is one.
     struct Surroundings {
+        RunLoop& loop;
         XcbConnection& connection;
         CompositorWatch& compositor;
         QtScreens& screens;

@@ -60,6 +60,7 @@ StripFixture::~StripFixture() {
 void StripFixture::start() {
     stop();
     bar = std::make_unique<platform::QtStatusBar>(platform::QtStatusBar::Surroundings{
+        .loop = loop,
         .connection = *connection,
         .compositor = compositor,
         .screens = screens,

@@ -4,6 +4,7 @@
 #include "platform/qt/graphics/QtGraphics.h"
 #include "platform/qt/strip/QtStatusBar.h"
 #include "platform/qt/windows/QtScreens.h"
+#include "platform/qtcore/QtRunLoop.h"
 #include "platform/virtual/VirtualDesktop.h"
 #include "platform/virtual/VirtualStores.h"
 #include "support/Display.h"
@@ -73,6 +74,7 @@ protected:
     platform::VirtualPreferences preferences;
     platform::NotificationCenter notifications;
     platform::VirtualEvents events{notifications};
+    platform::QtRunLoop loop;
     FolderBundle bundle;
     platform::QtGraphics graphics{bundle};
     std::unique_ptr<platform::XcbConnection> connection = platform::XcbConnection::open();
