@@ -49,7 +49,7 @@ public:
     /// The loop is about to run: shows the line or the panel, and starts what is asked of the network.
     void applicationDidFinishLaunching();
 
-    /// The program was started a second time, and is to open its settings or its menu.
+    /// The program was started a second time: opens its settings or its menu.
     void applicationWasReopened(bool opensSettings);
 
     /// Shows the one settings window, made at the first time and then kept.

@@ -8,7 +8,7 @@
 
 namespace glintar::app {
 
-/// Before prices that are none, in every door.
+/// Stands before simulated prices, in both doors.
 inline constexpr const char* kSimulatedMark = "[simulated] ";
 
 enum class Format { Text, Json };

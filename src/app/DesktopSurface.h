@@ -16,7 +16,7 @@ class DesktopSurface final : public presenter::StatusSurface {
 public:
     using Requests = menubar::StatusItems::Callbacks;
 
-    /// `mark` stands before what the line says of itself; empty for real prices.
+    /// `mark` stands at the beginning of the line's tooltip; empty for real prices.
     DesktopSurface(platform::Platform& platform, platform::Desktop& desktop, Requests requests, std::string mark)
         : items_(platform, desktop, std::move(requests)),
           floatingController_(platform, desktop),

@@ -25,9 +25,9 @@ public:
     explicit SingleInstance(std::string busName);
     ~SingleInstance() override;
 
-    /// Whether nobody else is there; if somebody is, it has been asked to show itself. Call it once, and take calls of
-    /// others from the event loop then. Blocks for a round trip to the bus.
-    /// `opensSettings` is what it is asked for then.
+    /// True when this is the first instance, which then hears of others through the event loop. If there is another
+    /// one, it has been asked to open its settings (`opensSettings`) or its menu. Call it once. Blocks for a round trip
+    /// to the bus.
     [[nodiscard]] bool claim(bool opensSettings);
 
     /// Runs when the program was started a second time.
@@ -48,7 +48,7 @@ private:
     QString busName_;
     bool hasBusName_ = false;
     platform::Descriptor lock_;
-    std::filesystem::path socketPath_;  ///< where others knock who have no bus either; empty without a lock of ours
+    std::filesystem::path socketPath_;  ///< other instances without a bus knock here; empty without a lock of ours
     platform::Descriptor socket_;
     std::unique_ptr<QSocketNotifier> knocks_;
 };

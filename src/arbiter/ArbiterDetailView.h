@@ -34,7 +34,7 @@ public:
 
     [[nodiscard]] const std::vector<ArbiterColumnView>& columns() const { return columns_; }
 
-    /// Runs once a turn of the run loop, however much has changed in it.
+    /// Runs at most once a turn of the run loop, after columns or footer have changed.
     std::function<void()> onChange;
     /// The user has pressed the close button. It may destroy the view.
     std::function<void()> onClose;

@@ -24,8 +24,7 @@ namespace glintar::arbiter {
 class ArbiterWindowController {
 public:
     using MakeView = platform::ViewFactory<ArbiterDetailView>;
-    /// Where the button is that was pressed; none when nobody knows, as in the tray. It is asked again when screens
-    /// change.
+    /// Where the pressed button is; none when that is not known, as in the tray. It is asked again when screens change.
     using Anchor = std::function<std::optional<platform::Rect>()>;
 
     /// The one of this process; it ends with the platform's registry, which must go before the desktop.

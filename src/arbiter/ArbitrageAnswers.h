@@ -14,9 +14,9 @@ namespace glintar::arbiter {
 
 // Reading of the answers to cross-source requests. Any thread; the prices reach the rows on the main thread.
 
-/// An answer about all coins: with `response_type` "array" each element goes to the first row with its identifier, else
-/// each row takes the member with its key, or with its key in upper case. Null rows are passed over. A body that is
-/// no JSON gives one line in the log.
+/// An answer about all coins: with `response_type` "array", each element goes to the first row with its identifier;
+/// otherwise each row takes the member with its key, or with its key in upper case. Null rows are passed over. A body
+/// that is no JSON gives one line in the log.
 void parseBatchResult(std::string body, const config::SourceConfig& source,
                       const std::vector<std::shared_ptr<CoinArbitrageData>>& rows, platform::Platform& platform);
 

@@ -17,7 +17,7 @@ struct HttpRequest;
 
 namespace glintar::arbiter {
 
-/// Asks all sources of the source configuration for the same coins, each by itself and without waiting for another.
+/// Asks all sources of the source configuration for the same coins, all at the same time.
 ///
 /// Its requests are plain: no API key, no header, no cool-down, no retry. None is ever cancelled, but an answer for
 /// rows that nobody holds any more is not even read. Answers are read on the HTTP client's thread.

@@ -42,8 +42,8 @@ public:
     /// Puts the price at the end, on the main thread, in place of an earlier one of that platform. Any thread.
     void addPrice(ArbiterPrice price);
 
-    /// Takes over an earlier row's prices until new ones come, so that a refresh empties no table, or until that
-    /// moment. What that row had itself taken over keeps its own, earlier moment. Main thread.
+    /// Takes over an earlier row's prices, so that a refresh empties no table. They stay until new ones come, and until
+    /// `until` at most. A price that the earlier row had itself taken over keeps its own, earlier limit. Main thread.
     void keepPrices(const CoinArbitrageData& earlier, platform::Instant until);
 
     /// Drops what was kept until now and has not been replaced. Main thread.

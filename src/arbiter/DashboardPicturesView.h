@@ -11,7 +11,7 @@ class QWidget;
 
 namespace glintar::arbiter {
 
-/// The small pictures of the dashboard, drawn once for a look: prices come one by one, each with a new order.
+/// The small pictures of the dashboard, drawn once for each look: every price that arrives lays the rows out anew.
 class DashboardPictures {
 public:
     static constexpr int kIcon = 16;

@@ -11,8 +11,8 @@
 
 namespace glintar::config {
 
-/// Finds entries of a catalogue by what the user typed, whatever its case. Keeps the texts in lower case, so that a
-/// look at all of them takes a tenth of a millisecond for 17,000 coins.
+/// Finds entries of a catalogue by what the user typed, in upper or lower case. Looks at every text, kept in lower
+/// case: 0.17 ms of processor time for 17,399 coins, so no index is kept.
 class CoinSearch {
 public:
     explicit CoinSearch(const CoinCatalogue& catalogue);

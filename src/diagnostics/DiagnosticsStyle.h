@@ -18,7 +18,7 @@ struct StatusCell {
 };
 [[nodiscard]] StatusCell statusCell(const NodeStatus& status);
 
-/// Green below 200 ms, orange below 800 ms, red from there, and for a clock that went backwards.
+/// Green below 200 ms, orange below 800 ms, red from there. Red also for a negative latency.
 [[nodiscard]] presenter::SystemColor latencyColor(std::chrono::milliseconds latency);
 
 }  // namespace glintar::diagnostics

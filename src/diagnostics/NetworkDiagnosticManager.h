@@ -33,8 +33,8 @@ struct DiagnosticNode {
     NodeStatus status;
 };
 
-/// Tests whether the services of the shipped source configuration can be reached, one after another. A service that
-/// answers at all is reached, whatever it answers. Destroying it ends the run. Main thread only.
+/// Tests whether the services of the shipped source configuration can be reached, one after another. A service counts
+/// as reached when it answers anything. Destroying it ends the run. Main thread only.
 class NetworkDiagnosticManager {
 public:
     explicit NetworkDiagnosticManager(platform::Platform& platform);
@@ -55,7 +55,7 @@ public:
     std::vector<DiagnosticNode> nodes;  ///< by name
     bool isTesting = false;
 
-    /// Runs when any of both has changed. It may destroy the manager.
+    /// Runs when either has changed. It may destroy the manager.
     std::function<void()> onChange;
 
 private:

@@ -6,7 +6,7 @@
 
 namespace glintar::diagnostics {
 
-/// Turns while it is visible.
+/// A wheel that turns while it is visible.
 class SpinnerView final : public QWidget {
 public:
     SpinnerView(int size, QWidget* parent);

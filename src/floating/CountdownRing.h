@@ -10,7 +10,7 @@ namespace glintar::floating {
 /// The ring that empties towards the next refresh. Once a second it looks how much of the interval is left, and moves
 /// there evenly within the next second, so that a steady countdown looks continuous and a refill can be followed by the
 /// eye. It moves by whole pixels of its circumference, and knows when the next of them is due, so that it costs nothing
-/// while it looks the same. Has no timer of its own: what nobody asked for meanwhile is made up for.
+/// while it looks the same. It has no timer of its own, and may be asked at any time.
 class CountdownRing {
 public:
     static constexpr double kDiameter = 18;  ///< points, of the middle of the line

@@ -32,13 +32,13 @@ public:
     FloatingPriceController& operator=(const FloatingPriceController&) = delete;
     ~FloatingPriceController();
 
-    /// What a refresh brought, drawn at once where it can be seen; of many within a fiftieth of a second the first and
-    /// the last. The panel takes on the size of its content; its bottom left corner stays.
+    /// What a refresh brought, drawn at once where it can be seen. Of several within a fiftieth of a second, the first
+    /// and the last are drawn. The panel takes on the size of its content; its bottom left corner stays.
     void updateData(std::vector<config::Coin> coins, market::MarketDataMap quotes,
                     std::optional<market::NetworkFee> gasPrice, platform::Instant nextFetchTime);
 
-    /// Leaves the panel as faded as it was: then it becomes visible when the pointer next moves. Does nothing to one
-    /// that is shown.
+    /// Shows the panel, at the pointer if that has moved meanwhile. A panel that had faded away becomes visible when
+    /// the pointer next moves. Does nothing to one that is shown.
     void showPanel();
 
     /// The window is kept for the next time.
@@ -59,6 +59,7 @@ private:
     void tellThatPointerIsHidden();
 
     void loadSettings();
+    /// The one step after any change: picture and size, opacity, on or off the screen, the timer for the ring.
     void present(Corner kept = Corner::BottomLeft);
     void draw(Corner kept);
     void presentUpdate();

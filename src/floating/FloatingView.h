@@ -13,7 +13,8 @@ class Preferences;
 namespace glintar::floating {
 
 /// The panel's content as one picture: a plate with a countdown ring, the source and the fee above a row for each coin.
-/// Draws only when it would look different. Main thread only.
+/// Draws only when it would look different. Without a compositor the plate has a rim of one pixel instead of a shadow,
+/// and in transparent mode the text has an outline. Main thread only.
 class FloatingView {
 public:
     struct Surroundings {
@@ -30,7 +31,7 @@ public:
     /// is there, from 0 to 1.
     bool update(const FloatingState& state, const Surroundings& surroundings, double timeProgress);
 
-    /// The desktop draws texts or colours differently: what the same content looks like is no longer known.
+    /// The desktop draws texts or colours differently: the next update draws anew.
     void forgetLook() { picture_.reset(); }
 
     /// Of the panel itself, without the shadow's margin.

@@ -6,9 +6,9 @@
 
 namespace glintar::floating {
 
-/// How opaque the panel is: wholly, until the pointer has been still for ten seconds; then less and less, until after
-/// 0.4 seconds nothing is left of it; and wholly again as soon as the pointer moves. Knows no clock: somebody looks at
-/// the pointer fifty times a second.
+/// How opaque the panel is. It is wholly opaque until the pointer has been still for ten seconds, fades away within 0.4
+/// seconds, and is back as soon as the pointer moves. It knows no clock: it counts looks, of which there are fifty a
+/// second.
 class PanelFade {
 public:
     /// One look. True when the pointer has moved since the last one.

@@ -6,7 +6,8 @@ namespace glintar::floating {
 
 // Both give the bottom left corner of a panel of that size.
 
-/// To the right of the pointer and below it, whatever the screens are.
+/// To the right of the pointer and below it. Near the right or the bottom edge of the screen the panel runs off the
+/// screen.
 [[nodiscard]] platform::Point placeBesidePointer(const platform::Point& pointer, double offset,
                                                  const platform::Size& panel);
 

@@ -18,7 +18,7 @@ class KeychainHelper {
 public:
     explicit KeychainHelper(platform::Platform& platform) : platform_(platform) {}
 
-    /// Replaces what is stored under the key name. `Done` when it reads so from now on; the store may still refuse it
+    /// Replaces what is stored under the key name. With `Done` it reads so from now on. The store may still refuse it
     /// later, and then tells of a change.
     platform::SecretStatus save(std::string_view bytes, std::string_view keyName) const;
     [[nodiscard]] std::optional<std::string> read(std::string_view keyName) const;

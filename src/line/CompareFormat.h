@@ -12,7 +12,7 @@ namespace glintar::line {
 using CompareRows = std::vector<std::shared_ptr<arbiter::CoinArbitrageData>>;
 
 /// A row for each source and a column for each coin: the price, a mark behind the highest, the gap to the next lower
-/// one. `corner` stands at the top left. Lines end with line breaks but for the last.
+/// one. `corner` stands at the top left. The last line has no line break.
 [[nodiscard]] std::string compareText(const std::vector<std::string>& sources, const CompareRows& coins,
                                       std::string_view corner);
 

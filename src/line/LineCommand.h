@@ -13,8 +13,8 @@ class TextOutput;
 
 namespace glintar::line {
 
-/// `glintar line`: the presenter with a text status bar. It works as the line whatever the display mode says.
-/// The configuration server is asked for newer documents unless it runs once or on a simulated market.
+/// `glintar line`: the presenter with a text status bar. It shows the line in either display mode. The configuration
+/// server is asked for newer documents, except with `--once` and on a simulated market.
 class LineCommand {
 public:
     /// `finish` takes the exit status, once at most; it may come before `start` returns.

@@ -18,7 +18,7 @@ class TextOutput;
 namespace glintar::line {
 
 /// `glintar coins`, `source` and `display`: the settings, from a terminal or a script, through the models of their
-/// window. What was asked for goes to the output, what went wrong to the console. Main thread only.
+/// window. Results go to the output, errors to the console. Main thread only.
 class SettingsCommand {
 public:
     struct Machine {

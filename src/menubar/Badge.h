@@ -22,8 +22,8 @@ private:
     platform::Size textSize_;
 };
 
-/// What stands on the badge: the first 8 characters of the name, in upper case, fit for one line. At most 1.5 kB,
-/// however many marks the user heaps upon one character.
+/// The text of the badge: the first 8 characters of the name, in upper case, fit for one line. At most 1.5 kB, however
+/// many marks the user heaps upon one character.
 [[nodiscard]] std::string badgeText(std::string_view displayName);
 
 }  // namespace glintar::menubar

@@ -21,7 +21,7 @@ struct Platform;
 namespace glintar::menubar {
 
 /// The coins' icons by `apiId`: in memory, in the user's folder "CoinIcons", or to be had from the address that came
-/// with a quote. Any thread, but not the main one where a call reads the disk.
+/// with a quote. Any thread, but calls that read the disk do not belong on the main one.
 ///
 /// An `apiId` may hold anything, since a user can type it. One that could name a file outside the folder, or none at
 /// all, has its icon in memory only; nothing on the disk is asked for it.

@@ -18,17 +18,18 @@ namespace glintar::menubar {
 /// Posted when the user wants to see the display settings.
 inline constexpr std::string_view kRequestOpenDisplaySettings = "RequestOpenDisplaySettings";
 
-/// Whether there is room for the price line: it is on screen, at least 2 points wide, seen at least in part and whole.
-/// Where the program chose its place, its left end lies at 180 points or more.
+/// Whether the price line has room: it is on screen, at least 2 points wide, not covered wholly, and no coin is left
+/// out. Where the program chose its place, its left end also lies at 180 points or more.
 [[nodiscard]] bool hasRoom(const platform::ItemSight& sight);
 
-/// Notices that the price line has no room, and offers the other display once each time that happens. Main thread only.
+/// Notices that the price line has no room, and offers the panel once each time that happens. A window that fills the
+/// screen covers the line on purpose: then nothing is offered. Main thread only.
 class DisplaySpace {
 public:
     /// `setStatus` takes what the menu says about it.
     DisplaySpace(platform::Platform& platform, platform::Desktop& desktop, std::function<void(std::string)> setStatus);
 
-    /// What the user sees of a line that is meant to be seen.
+    /// Takes what the user sees of the line. Not to be called while the line is hidden on purpose.
     void check(const platform::ItemSight& sight);
 
 private:

@@ -11,7 +11,7 @@
 
 namespace glintar::menubar {
 
-/// Pictures by key, in bounded memory: what was not used for longest goes first. Any thread.
+/// Pictures by key, in bounded memory: the picture that has not been used for longest goes first. Any thread.
 class ImageCache {
 public:
     explicit ImageCache(std::size_t maxBytes) : maxBytes_(maxBytes) {}

@@ -27,21 +27,21 @@ struct LineTitle {
     std::string description;        ///< for those who cannot see it
 };
 
-/// Turns a price line into a row of pictures. Those that are finished are used again, the others are drawn on the work
-/// queue, all at the same time. Main thread only.
+/// Turns a price line into a row of pictures. A pill that is finished is used again. The others are drawn on the work
+/// queue, several at a time. Main thread only.
 class LineRenderer {
 public:
     /// `onIconArrived` runs when a pill that was drawn without its icon can be drawn with it.
     LineRenderer(platform::Platform& platform, platform::Desktop& desktop, std::function<void()> onIconArrived);
     ~LineRenderer();
 
-    /// The completion runs soon, never at once; not at all if another line or `cancel` comes before that, or the
-    /// renderer goes.
+    /// The completion runs once on a later turn of the loop. It never runs when another line or `cancel` comes before,
+    /// or when the renderer goes.
     using Completion = std::function<void(LineTitle title)>;
     void render(std::shared_ptr<const presenter::StatusLine> line, Completion completion);
     void cancel() { underWay_.reset(); }
 
-    /// The desktop looks different: no picture from before is used again.
+    /// The desktop looks different, or the screen has another ratio: no finished pill is used again.
     void onThemeChanged();
 
     /// What pictures are drawn for now.
@@ -58,8 +58,8 @@ private:
     platform::Platform& platform_;
     platform::Desktop& desktop_;
     std::function<void()> onIconArrived_;
-    std::shared_ptr<PillPainter> painter_;    ///< held weakly by what is under way; another one for every look
-    std::shared_ptr<const Render> underWay_;  ///< what is under way for another one comes to nothing
+    std::shared_ptr<PillPainter> painter_;    ///< what is under way holds it weakly; each look has its own
+    std::shared_ptr<const Render> underWay_;  ///< the newest; what is drawn for an older one is dropped
     platform::Lifetime lifetime_;             // last member
 };
 

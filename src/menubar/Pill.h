@@ -17,8 +17,8 @@ inline constexpr double kPillHeight = 24;
 inline constexpr double kPillPadding = 6;   ///< at either end
 inline constexpr double kWidestPill = 640;  ///< beyond lie prices of more than forty digits
 
-/// A rounded plate and what is painted on it. What lies beyond `kWidestPill` is cut off: a price of three hundred
-/// digits must not take the machine's memory.
+/// A rounded plate and what is painted on it, a whole number of pixels wide, so that both its sides are sharp. What
+/// lies beyond `kWidestPill` is cut off: a price of three hundred digits must not take the machine's memory.
 [[nodiscard]] platform::ImagePtr drawPill(const platform::Graphics& graphics, const Look& look, double width,
                                           const std::function<void(platform::Canvas&)>& paint);
 

@@ -20,16 +20,16 @@ public:
     PillPainter(const platform::Graphics& graphics, std::shared_ptr<CoinIcons> icons, const Look& look,
                 std::function<void()> onIconArrived);
 
-    /// What a coin's pill is known by. Change, range and sparkline do not count: a pill whose price stands is kept as
-    /// it was drawn.
+    /// What a coin's pill is kept under: look, source, price, reference price, which parts are shown, and whether the
+    /// price is old. The values of change, range and sparkline are left out, so they move only together with the price.
     [[nodiscard]] std::string renderKey(const presenter::StatusLine& line, const presenter::CoinPart& coin) const;
     [[nodiscard]] std::string renderKey(const presenter::GasPart& gas) const;
 
-    /// Null when there is none.
+    /// Null when it has not been drawn.
     [[nodiscard]] platform::ImagePtr finishedPill(const std::string& key) { return renderedItemCache_.find(key); }
 
-    /// Reads icons from the disk, so not on the main thread. A coin without an icon has one downloaded and is drawn
-    /// with a badge, which is not kept.
+    /// Reads icons from the disk, so not on the main thread. A coin without an icon is drawn with a badge, and that
+    /// pill is not kept; the icon is downloaded meanwhile.
     [[nodiscard]] platform::ImagePtr drawPill(const std::string& key, const presenter::CoinPart& coin);
     [[nodiscard]] platform::ImagePtr drawPill(const std::string& key, const presenter::GasPart& gas);
 

@@ -14,8 +14,8 @@ namespace glintar::menubar {
 [[nodiscard]] platform::ImagePtr renderProgressImage(const platform::Graphics& graphics,
                                                      const platform::ImagePtr& source, double elapsed, double scale);
 
-/// Draws that picture as often as it comes to look different, and no more often: each time the edge of its bright part
-/// has moved by half a pixel at the rim.
+/// Draws that picture only when it looks different: each time the edge of its bright part has moved by half a pixel at
+/// the rim.
 class Countdown {
 public:
     explicit Countdown(const platform::Graphics& graphics) : graphics_(graphics) {}

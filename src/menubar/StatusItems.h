@@ -37,30 +37,31 @@ public:
     StatusItems& operator=(const StatusItems&) = delete;
     ~StatusItems();
 
-    /// Shows the line soon, when its pictures are drawn, unless a newer line or `hide` comes before that. An empty line
-    /// takes the item's place in the bar away and leaves its tooltip. `tooltip` is none when it is to stay as it was.
+    /// Shows the line once its pictures are drawn, unless a newer line or `hide` comes before. An empty line takes no
+    /// room in the bar and keeps the tooltip. Without a `tooltip` the one that is shown stays.
     void renderStatusItem(presenter::StatusLine line, std::optional<std::string> tooltip);
 
     /// Takes the price line out of the bar, and puts it back as it was.
     void hide();
     void show();
 
-    /// As a click on the icon does.
+    /// Opens the menu as a click on the icon does.
     void openMenu();
     void updateDashboardItem(std::string title, bool isEnabled) { menu_->setDashboard(std::move(title), isEnabled); }
 
-    /// Looks whether the line has room, unless there is none that could be seen.
+    /// Looks whether the line has room and says so in the menu and, for coins that do not fit, in the tooltip. Does
+    /// nothing while the line is hidden or empty.
     void checkVisibility();
 
-    /// Where the two are on screen; empty while they are not.
+    /// Where line and icon are on screen; empty while they are not.
     [[nodiscard]] platform::Rect lineFrame() const { return displayItem_->frame(); }
     [[nodiscard]] platform::Rect iconFrame() const { return anchorItem_->frame(); }
 
-    /// Whether the countdown has a place: not beside an empty line, nor while the line is hidden.
+    /// Whether the countdown can be seen: it goes with an empty or hidden line.
     [[nodiscard]] bool showsProgress() const { return !isHidden_ && !isLineEmpty(); }
 
     /// Shows how much of the time to the next refresh has passed (`elapsed`, 0 to 1, of `interval`), and tells how long
-    /// that stays true to half a pixel: nobody need call before.
+    /// the picture stays the same to half a pixel.
     platform::Seconds showProgress(double elapsed, platform::Seconds interval);
 
 private:
@@ -83,7 +84,7 @@ private:
     DisplaySpace space_;
     std::optional<StatusMenu> menu_;
     int titleRuns_ = 0;                                    ///< pictures and texts of the title that is shown
-    int coinsLeftOut_ = 0;                                 ///< of them, at the last look
+    int coinsLeftOut_ = 0;                                 ///< for lack of room, at the last look
     std::shared_ptr<const presenter::StatusLine> wanted_;  ///< the newest line; none before the first
     std::optional<std::string> tooltip_;                   ///< that goes with it
     bool isHidden_ = false;

@@ -19,7 +19,7 @@ public:
         std::function<void()> quitApp;
     };
 
-    /// `show` puts a menu in the place of the one before.
+    /// `show` replaces the menu that is shown.
     StatusMenu(Actions actions, std::function<void(platform::Menu)> show);
 
     void setStatus(std::string text);

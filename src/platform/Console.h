@@ -12,7 +12,7 @@ public:
 
     virtual ~Console() = default;
 
-    /// The log helper: a prefix, the items with single blanks between them, and a blank line after.
+    /// Writes a log entry: a prefix, the items with single blanks between them, and a blank line after.
     void log(std::initializer_list<std::string_view> items);
 
     /// One plain line.

@@ -6,11 +6,10 @@
 
 namespace glintar::platform {
 
-// What happens to the machine and its desktop, as notices of the notification centre. They tell that something is so,
-// not how often: the same one may come twice.
+// What happens to the machine and its desktop, as notices of the notification centre. The same notice may come twice
+// for one event.
 
-/// `DesktopEvents::appearance` answers differently, or the desktop has another font: whatever was drawn or measured by
-/// them may look different.
+/// `DesktopEvents::appearance` has changed, or the desktop's font: what was drawn or measured may look different now.
 inline constexpr std::string_view kAppearanceChanged = "AppearanceChanged";
 
 /// The user turned to another program.
@@ -19,7 +18,7 @@ inline constexpr std::string_view kActiveApplicationChanged = "ActiveApplication
 /// The machine woke from sleep.
 inline constexpr std::string_view kMachineResumed = "MachineResumed";
 
-/// There is a way to other machines again.
+/// The network can be used again, or is another one.
 inline constexpr std::string_view kNetworkCameBack = "NetworkCameBack";
 
 /// What the desktop looks like now. Main thread only.

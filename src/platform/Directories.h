@@ -7,8 +7,8 @@
 
 namespace glintar::platform {
 
-/// The user's directories for this program. Each is made, with those above it, before it is handed out; that this
-/// failed shows at the first use of a file in it. None when the machine names no such place.
+/// The user's directories for this program. Each is made, with those above it, before it is handed out. If that fails,
+/// the first use of a file in it fails. None when the machine names no such place.
 class Directories {
 public:
     virtual ~Directories() = default;

@@ -11,8 +11,8 @@ class WorkQueue;
 
 /// Counts work that is under way and says when all of it has ended. Copies share one count; thread-safe.
 ///
-/// Every `enter` needs one `leave`. A `notify` runs once, when the count is zero: at once handed to its queue when
-/// nothing is under way, else by the `leave` that empties the group.
+/// Every `enter` needs one `leave`. A `notify` runs once, on its queue: it is handed over at once when nothing is under
+/// way, else by the `leave` that empties the group.
 class DispatchGroup {
 public:
     DispatchGroup();

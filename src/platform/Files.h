@@ -19,7 +19,7 @@ public:
     /// Writes beside the file and renames, so that a crash leaves the old or the new file whole.
     virtual Outcome replace(const std::filesystem::path& path, std::string_view bytes) = 0;
     virtual Outcome remove(const std::filesystem::path& path) = 0;
-    /// A folder goes with all that is in it; a link goes, and not what it leads to.
+    /// Removes a folder with all that is in it. Of a link, the link alone is removed.
     virtual Outcome removeAll(const std::filesystem::path& path) = 0;
     virtual Outcome makeDirectories(const std::filesystem::path& path) = 0;
 };

@@ -37,8 +37,8 @@ struct Font {
 };
 
 /// The line box of a text, in its font's size: its height, and how far its base line lies above its bottom. The same
-/// for every font, since what is drawn stands at fixed heights of a row of 24 points: the boxes of the fonts of Linux
-/// desktops range from 1.16 to 1.36 of the size, so that the same text would stand up to two points higher or lower.
+/// for every font, since what is drawn stands at fixed heights in a row of 24 points. The boxes of the fonts themselves
+/// range from 1.16 to 1.36 of the size, and would move the same text by up to two points.
 inline constexpr double kLineHeight = 1.193;
 inline constexpr double kDescent = 0.241;
 
@@ -97,11 +97,11 @@ public:
     /// The line box of one line of text.
     [[nodiscard]] virtual Size measure(std::string_view text, const Font& font) const = 0;
 
-    /// A picture of that size, drawn with so many pixels to a point.
+    /// A picture of that size, drawn with `scale` pixels to a point.
     [[nodiscard]] virtual ImagePtr draw(const Size& size, double scale,
                                         const std::function<void(Canvas&)>& paint) const = 0;
 
-    /// The picture with its shadow, which must find room inside it.
+    /// The picture with its shadow. The picture must have room for it.
     [[nodiscard]] virtual ImagePtr withShadow(const ImagePtr& image, const Shadow& shadow) const = 0;
 
     /// A shipped image, such as that of a source; sharp at any size. Null when there is none of that name.
@@ -113,8 +113,8 @@ public:
     /// A shipped symbol in one colour, as high as text of that font size looks beside it. Null when there is none.
     [[nodiscard]] virtual ImagePtr symbol(std::string_view name, double fontSize, const Color& color) const = 0;
 
-    /// Reads a PNG, JPEG, GIF (its first picture), BMP, ICO or WebP from somewhere we do not trust. What is larger than
-    /// an icon will ever be shown is made smaller. The error is a short English text.
+    /// Reads an untrusted PNG, JPEG, GIF (its first picture), BMP, ICO or WebP. A picture larger than any icon that is
+    /// shown is made smaller. The error is a short English text.
     [[nodiscard]] virtual std::expected<ImagePtr, std::string> decode(std::string_view bytes) const = 0;
 
     /// The image as a PNG file.

@@ -68,8 +68,8 @@ public:
     virtual ~HttpClient() = default;
     virtual std::shared_ptr<HttpCall> send(HttpRequest request, HttpCompletion completion) = 0;
 
-    /// For after sleep or a change of network, when a connection may be dead without a sign of it: none that is open
-    /// now is used again, and what is under way completes soon, with an error of kind `Connection`. Any thread.
+    /// For after sleep or a change of network, when a connection may be dead without a sign of it. No connection that
+    /// is open now is used again, and requests under way complete soon with an error of kind `Connection`. Any thread.
     virtual void dropConnections() = 0;
 };
 

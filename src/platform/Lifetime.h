@@ -6,7 +6,7 @@
 namespace glintar::platform {
 
 /// Guards deferred work against the end of its owner: what `guard` returns does nothing once the `Lifetime` is gone.
-/// Make it the owner's last member, so that it dies first. For work that runs on the owner's own thread.
+/// Make it the owner's last member, so that it dies first. Only for work that runs on the owner's own thread.
 class Lifetime {
 public:
     Lifetime() = default;

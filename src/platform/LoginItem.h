@@ -14,10 +14,10 @@ public:
     /// Read anew each time, since other programs change it.
     [[nodiscard]] virtual bool isEnabled() const = 0;
     virtual Outcome registerItem() = 0;
-    /// Failing when there was none is an error too.
+    /// Removing an item that is not there is an error too.
     virtual Outcome unregisterItem() = 0;
 
-    /// Writes an item of ours that names the program at a former place anew; does nothing else.
+    /// Writes the item anew if it is ours and names a place where the program was before. Otherwise does nothing.
     virtual void repair() = 0;
 };
 

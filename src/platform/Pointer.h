@@ -11,10 +11,10 @@ class Pointer {
 public:
     virtual ~Pointer() = default;
 
-    /// On screen; none where it cannot be seen just now.
+    /// Where it is on screen; none while that is not known.
     [[nodiscard]] virtual std::optional<Point> position() = 0;
 
-    /// False on desktops that keep it from programs outside their own windows. Always the same.
+    /// False on desktops that tell a program where the pointer is only over its own windows. It never changes.
     [[nodiscard]] virtual bool isSeenEverywhere() const = 0;
 };
 

@@ -6,8 +6,8 @@
 
 namespace glintar::platform {
 
-/// How a call to the secret store ended. `Pending`: no answer within the time a caller may wait; `onChange` tells
-/// when there is one.
+/// How a call to the secret store ended. `Pending` means that there was no answer within the time a caller may wait;
+/// `onChange` runs when there is one.
 enum class SecretStatus { Done, NotFound, Locked, Unavailable, Pending, Failed };
 
 struct SecretLookup {
@@ -18,8 +18,7 @@ struct SecretLookup {
 /// The desktop's secure store of secrets; an item is addressed by service and account. Main thread only.
 ///
 /// No read prompts the user, and no call waits for a prompt, waits longer than 100 ms or starts a message bus. What was
-/// added (in place of what there was) or removed reads so at once, and is taken back, with a change notice, when the
-/// store refuses later.
+/// added or removed reads so at once. If the store refuses it later, it is taken back, and `onChange` runs.
 class SecretStore {
 public:
     virtual ~SecretStore() = default;

@@ -49,7 +49,7 @@ struct ItemSight {
     double width = 0;             ///< points; 0 while it is not on screen
     double left = 0;              ///< its left edge on screen
     bool isPlacedByUser = false;  ///< the bar is where the user dragged it
-    int leftOut = 0;              ///< pictures and texts at the end of the title for which the screen has no room
+    int leftOut = 0;              ///< pictures and texts at the end of the title that do not fit on the screen
 };
 
 /// One place in the status bar: an image, and a line of text to its right. Shown from the start, empty. It goes when
@@ -67,7 +67,7 @@ public:
     virtual void setTitle(AttributedText title, std::string description) = 0;
     virtual void setToolTip(std::string text) = 0;
 
-    /// The menu of a square item is that of its icon in the tray as well, and only its shortcuts work.
+    /// A square item has the same menu in the tray. The shortcuts of its menu work; those of other menus do not.
     virtual void setMenu(Menu menu) = 0;
     /// Shows the menu with its top left corner at a point of the item.
     virtual void popUpMenu(Point at) = 0;
@@ -75,7 +75,8 @@ public:
     /// On screen; empty while it is not shown.
     [[nodiscard]] virtual Rect frame() const = 0;
 
-    /// Asks the desktop about each of its windows, which takes some tenths of a millisecond.
+    /// What the user sees of the item. Asks the desktop about each of its windows, which takes some tenths of a
+    /// millisecond.
     [[nodiscard]] virtual ItemSight sight() const = 0;
 
     /// A button was let go on the item, without having dragged the bar.

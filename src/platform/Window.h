@@ -11,7 +11,8 @@
 
 namespace glintar::platform {
 
-/// What fills a window: made from a model of the core by whoever can draw it, and handed on unseen. Main thread only.
+/// The content of a window. A view is made from a model of the core; the core passes it on and knows nothing more of
+/// it. Main thread only.
 class View {
 public:
     virtual ~View() = default;
@@ -50,18 +51,18 @@ public:
     virtual void close() = 0;
     [[nodiscard]] virtual bool isVisible() const = 0;
 
-    /// Whether what lies behind the window shows through where its content is not opaque: a borderless one, under a
-    /// compositor. If not, such content needs square corners.
+    /// Whether what lies behind the window shows through where its content is not opaque. True for a borderless window
+    /// under a compositor. Otherwise its content needs square corners.
     [[nodiscard]] virtual bool isTranslucent() const = 0;
 
     /// Runs when a window that was shown has been closed, by `close`, Escape or the window manager. It may destroy the
     /// window.
     std::function<void()> onClosed;
-    /// Runs when `fittingSize` answers differently.
+    /// Runs when `fittingSize` has changed.
     std::function<void()> onFittingSizeChanged;
     /// Runs when the user moved the window.
     std::function<void()> onMoved;
-    /// Runs when screens came, went or changed, or `isTranslucent` answers differently.
+    /// Runs when screens came, went or changed, or `isTranslucent` has changed.
     std::function<void()> onSurroundingsChanged;
 };
 
@@ -81,7 +82,7 @@ public:
     virtual ~Alert() = default;
 };
 
-/// Makes windows and tells the user things. Main thread only.
+/// Makes windows, alerts and notices. Main thread only.
 class WindowServer {
 public:
     virtual ~WindowServer() = default;
@@ -101,7 +102,7 @@ public:
     /// The screen that is nearest to the middle of the rectangle, without the desktop's panels.
     [[nodiscard]] virtual Rect visibleFrame(const Rect& near) const = 0;
 
-    /// A passing notice of the desktop's, or a line on the console where there is none.
+    /// A notice by the desktop that passes by itself, or a line on the console where the desktop has none.
     virtual void notify(std::string title, std::string text) = 0;
 };
 

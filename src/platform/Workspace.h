@@ -22,8 +22,8 @@ public:
     /// A new message in the user's mail program; nothing where there is none.
     virtual void compose(const MailDraft& draft) = 0;
 
-    /// Starts the program anew, with its arguments and its environment, once this instance has gone, which the caller
-    /// sees to when `then` runs.
+    /// Starts the program anew, with its arguments and its environment, once this instance has ended. The caller ends
+    /// it when `then` runs.
     virtual void relaunch(std::function<void()> then) = 0;
 };
 

@@ -37,8 +37,8 @@ struct WakeUp {
     bool operator==(const WakeUp&) const = default;
 };
 
-/// The timers stood still while the machine slept, the markets did not. The servers have hung up meanwhile, which a
-/// connection learns only when nothing has come for long.
+/// The timers stood still while the machine slept, and the markets did not. The servers have hung up meanwhile; a
+/// connection would learn that only after ten seconds without an answer.
 [[nodiscard]] WakeUp afterSleep(CycleState& state, platform::BootInstant now);
 
 /// A fetch that may well succeed is left alone.
@@ -50,7 +50,7 @@ struct FetchEnd {
     bool hasError = false;
     bool isSameSource = true;
     bool isSameWish = true;   ///< source, coins and key are those that it began with
-    bool isFeeWanted = true;  ///< a fee that it asked for is of the network that is selected now
+    bool isFeeWanted = true;  ///< a fee that it asked for is of the network that is selected now, so its unit is right
 };
 
 struct AfterFetch {
@@ -61,7 +61,7 @@ struct AfterFetch {
     bool operator==(const AfterFetch&) const = default;
 };
 
-/// The fetch is over then.
+/// Marks the fetch as over.
 [[nodiscard]] AfterFetch afterFetch(CycleState& state, const FetchEnd& end);
 
 }  // namespace glintar::presenter

@@ -29,9 +29,10 @@ struct RefreshProgress {
     platform::Seconds interval{};
 };
 
-/// Where the presenter's results go: a row of pills on a screen, or a line of text. Main thread only.
+/// Where the presenter's results go: the pills in the status bar, the panel that follows the pointer, or a line of
+/// text. Main thread only.
 ///
-/// The questions are asked each time; what nobody can see costs no timer.
+/// The presenter asks these questions each time, so that what nobody can see costs no timer.
 class StatusSurface {
 public:
     virtual ~StatusSurface() = default;
@@ -39,7 +40,7 @@ public:
     /// Shows the line or the panel and hides the other.
     virtual void show(DisplayMode mode) = 0;
 
-    /// What the line shows from now on. `tooltip` is none when it is to stay as it was.
+    /// What the line shows from now on. Without a `tooltip` the one that is shown stays.
     virtual void showLine(const StatusLine& line, std::optional<std::string> tooltip) = 0;
     virtual void updatePanel(PanelData data) = 0;
 
@@ -52,10 +53,12 @@ public:
     /// Shows the countdown; returns how long it will look the same.
     virtual platform::Seconds showProgress(const RefreshProgress& progress) = 0;
 
-    /// Whether other windows can cover the line, and the look whether they do.
+    /// Whether the line can be hidden, by other windows or for lack of room.
     [[nodiscard]] virtual bool canBeCovered() const = 0;
+    /// Looks whether it is. Called only where it can be.
     virtual void checkVisibility() = 0;
 
+    /// Sets the text of the dashboard entry of the menu, and whether it can be chosen.
     virtual void updateDashboardItem(std::string_view title, bool enabled) = 0;
 };
 

@@ -22,8 +22,8 @@ inline constexpr const char* kCannotBeSent =
 /// What the "Data Source" tab shows and does: the choice of the service that is asked, and the user's key for it.
 ///
 /// A key is stored at each change, under the source that is selected then, and announced one second after the last: no
-/// half key is sent. Nothing waits for the key ring: a key that it has not answered for yet shows as none, is not
-/// overwritten by that, and appears when the answer comes. Main thread only.
+/// half key is sent. Nothing waits for the key ring. A key that it has not answered for yet shows as an empty field,
+/// which does not remove it, and appears when the answer comes. Main thread only.
 class APISettingsViewModel {
 public:
     explicit APISettingsViewModel(platform::Platform& platform);
@@ -39,11 +39,11 @@ public:
     /// The user edited the key. Nothing is trimmed.
     void setApiKey(std::string text);
 
-    /// Stores the key of a source, be it the selected one or not; an empty one removes it. What the store answers at
-    /// once; it may refuse later.
+    /// Stores the key of any source; an empty one removes it. Returns what the store answers at once; it may refuse
+    /// later.
     platform::SecretStatus storeKey(const std::string& sourceId, const std::string& key);
 
-    /// What there is to say of a key of which the store says so; `isTyped`: of one that was just to be kept.
+    /// What the user is told about a key with that status. `isTyped` means that the key was to be stored just now.
     [[nodiscard]] static std::string noteOf(platform::SecretStatus status, bool isTyped);
 
     /// Where a link that the configuration names leads; none for what is no address.

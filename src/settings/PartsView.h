@@ -30,8 +30,7 @@ inline constexpr double kCaption = 11;
     return QString::fromUtf8(utf8.data(), static_cast<qsizetype>(utf8.size()));
 }
 
-/// A text, shown as it is; a badge on a ground of its colour. It breaks its lines where the screen ends if `wraps` says
-/// so.
+/// A text, shown as it is; a badge on a ground of its colour. After `wrap` it breaks its lines where the screen ends.
 class ToneLabel final : public QLabel {
 public:
     ToneLabel(const QString& words, Tone tone, const QFont& font, QWidget* parent = nullptr);
@@ -128,7 +127,7 @@ private:
 /// A list of rows of which the window need not show all: it takes the room that is left, three rows at least.
 [[nodiscard]] QScrollArea* rowList(const QString& name, QWidget* parent);
 
-/// Gives it the focus, and scrolls to it what it lies in.
+/// Gives the widget the focus, and scrolls to it.
 void focusOn(QWidget& widget, Qt::FocusReason reason);
 
 /// Paints the symbol in the middle of the rectangle.

@@ -8,7 +8,8 @@
 
 namespace glintar::settings {
 
-/// The content of the settings window. Both arguments outlive it.
+/// The content of the settings window. Tab goes through the controls in the order in which they stand. Both arguments
+/// outlive it.
 [[nodiscard]] std::unique_ptr<platform::View> makeSettingsView(settingsViewModel& model,
                                                                const platform::Graphics& graphics);
 

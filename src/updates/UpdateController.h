@@ -29,8 +29,8 @@ struct Release {
     std::string url;
 };
 
-/// The newest release that is newer than `current` by the precedence of semantic versions; of those before a release
-/// only where `current` is one of them. The error says what is wrong with the feed.
+/// The newest release that is newer than `current` by the precedence of semantic versions; pre-releases count only
+/// where `current` is one. The error says what is wrong with the feed.
 [[nodiscard]] std::expected<std::optional<Release>, std::string> newerRelease(std::string feed,
                                                                               std::string_view current);
 

@@ -17,7 +17,7 @@ class CurlTrust;
 /// One request on its way to its completion, over all its redirects. Belongs to the HTTP thread once submitted.
 ///
 /// A hop is one question and one answer: `prepare` fills a handle, the caller lets curl transfer it, `advance` judges
-/// what came of it. So it goes on until there is a result, which `finish` hands over.
+/// what came of it. This repeats until there is a result, which `finish` hands over.
 class CurlExchange {
 public:
     /// `now` is when the time of the whole exchange begins to run.

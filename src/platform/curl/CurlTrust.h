@@ -10,8 +10,9 @@ namespace glintar::platform {
 /// Which certificate authorities are asked, and in which order. Reads the environment and the disk at first use.
 ///
 /// A hashed folder costs 1.4 ms a connection, the bundle of all authorities up to 20 ms, and both at once 20 ms each
-/// time, since curl then keeps no copy in memory. So they are tried one after the other: the folder, then the file; a
-/// file that the user named (SSL_CERT_FILE) before the folder. Both variables mean what they mean to OpenSSL.
+/// time, since curl then keeps no copy in memory. So they are tried one after the other: first the folder, then the
+/// file. A file that the user named (SSL_CERT_FILE) comes before the folder. Both variables mean what they mean to
+/// OpenSSL.
 class CurlTrust {
 public:
     /// How many stores there are to try; at least one.

@@ -10,7 +10,7 @@ struct WebAddress {
     std::string url;
     std::string origin;  ///< scheme, host and port, comparable
     bool secure = false;
-    bool loopback = false;  ///< this machine, which no proxy need be asked for
+    bool loopback = false;  ///< this machine, which is asked without a proxy
 
     /// Fails with curl's description.
     static std::expected<WebAddress, std::string> parse(const std::string& url);

@@ -22,8 +22,8 @@ private:
     int number_;
 };
 
-/// Writes everything; the number of the error (errno), or 0. Never waits once `stop` can be read, if there is one: then
-/// the error is ECANCELED. For places whose reader may have stopped reading.
+/// Writes everything. Returns the number of the error (errno), or 0. For places whose reader may have stopped reading:
+/// once the descriptor `stop` can be read, it waits no longer and returns ECANCELED.
 [[nodiscard]] int writeAll(int descriptor, std::string_view bytes, int stop = -1);
 
 /// Writes to standard error as far as that is possible.

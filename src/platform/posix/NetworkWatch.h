@@ -10,9 +10,10 @@ namespace glintar::platform {
 class NotificationCenter;
 
 /// Posts `kNetworkCameBack` when the kernel tells of a new default route (rtnetlink(7)): the network came back, or the
-/// machine has moved to another one. A second after the last news, since a network comes in many steps, the name
-/// servers last; at most twice a minute, since some routers have their route told anew all the time. A notice too many
-/// costs a connection or an early retry. Never for what was so at the start. Main thread only.
+/// machine has moved to another one. The notice comes a second after the last news, since a network comes in many
+/// steps, the name servers last. It comes at most twice a minute, since some routers announce their route all the time.
+/// A notice too many costs a connection or an early retry. A route that was there at the start gives none. Main thread
+/// only.
 class NetworkWatch {
 public:
     NetworkWatch(RunLoop& loop, NotificationCenter& notifications);

@@ -10,14 +10,15 @@
 
 namespace glintar::platform {
 
-/// At most so many threads, each started when there is work that no other is free for. They sleep while there is none.
+/// Runs work on at most `maxThreads` threads. A thread starts when there is work and no other is free, and sleeps while
+/// there is none.
 class ThreadWorkQueue final : public WorkQueue {
 public:
     /// `runLoop` tells when delayed work is due.
     ThreadWorkQueue(RunLoop& runLoop, std::size_t maxThreads) : runLoop_(runLoop), maxThreads_(maxThreads) {}
     ~ThreadWorkQueue() override { end(); }
 
-    /// Lets what is under way finish, and drops the rest and all that still comes.
+    /// Waits for the tasks under way. Drops those that wait, and all that come later.
     void end();
 
     void async(Task task) override;

@@ -15,7 +15,8 @@ namespace glintar::platform {
 /// The Secret Service on one message bus, over a connection of its own. Only asynchronous calls; they work, and run
 /// their callbacks, while the thread that made this iterates its default context.
 ///
-/// The service may be missing, come late, never answer, or be replaced: a call then ends as late as the bus lets it.
+/// The service may be missing, come late, never answer, or be replaced. A call may then take as long as the bus lets
+/// it.
 class KeyRing {
 public:
     using Answered = std::function<void(SecretAnswer)>;

@@ -18,9 +18,10 @@ class KeyRing;
 /// Secrets in the desktop's key ring, through the Secret Service on the user's message bus. A thread of its own talks
 /// to the service, from the first call on, and follows its signals; between it and the main thread stands a cache.
 ///
-/// The first read of an item waits for the answer, but at most 100 ms; all else comes from what is known. Reads never
-/// prompt. `add` never waits for one, but when the key ring is locked the service may ask the user to open it, and the
-/// secret reads as added meanwhile.
+/// `find` waits for the answer when it asks for an item for the first time: at most 100 ms, and not at all while
+/// another read is overdue. All else, `peek` above all, answers from the cache. Reads never prompt. `add` does not wait
+/// either; when the key ring is locked, the service may ask the user to open it, and the secret reads as added
+/// meanwhile.
 ///
 /// A secret that was found stays readable when the service goes away. Texts that are no UTF-8 or hold a NUL address
 /// nothing: they read as `NotFound` and cannot be added.

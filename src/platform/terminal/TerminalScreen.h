@@ -9,9 +9,9 @@
 
 namespace glintar::platform {
 
-/// Standard output and standard error as one place: on a terminal, a line that is redrawn in place stays below whatever
-/// else is written, which is the console's. Any thread. A reader that has stopped reading holds nothing up once `stop`
-/// can be read.
+/// Standard output for the lines of text, standard error as the console. On a terminal they are one place: a line that
+/// is redrawn in place stays below what the console writes. Any thread. A reader that has stopped reading holds nothing
+/// up once `stop` can be read.
 class TerminalScreen final : public Console {
 public:
     explicit TerminalScreen(int stop);

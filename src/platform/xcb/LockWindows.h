@@ -7,9 +7,8 @@
 
 namespace glintar::platform {
 
-/// The windows that hide a whole screen from everybody, as lock screens do: no window manager has a say in them, they
-/// cover a screen, and they do not lie at the bottom. Knows those that were made or put above our window since it
-/// began to look.
+/// Finds lock screens: windows that no window manager looks after, that cover a whole screen and do not lie at the
+/// bottom. It knows those that were made or put above our window since it began to look.
 class LockWindows {
 public:
     /// `own` is the window that lies below them.

@@ -10,8 +10,8 @@
 
 namespace glintar::platform {
 
-/// Keeps a window of ours that no window manager looks after above all others, but below those that lock a screen. At
-/// most ten times a second, since another window may want the same.
+/// Keeps a window of ours that no window manager looks after above all others, but below those that lock a screen. It
+/// is raised at most ten times a second, since another window may want to be on top too.
 class OverlayStacking {
 public:
     /// Listens from now on, and does nothing until `keepOnTop`. `loop` is where it waits.

@@ -47,7 +47,7 @@ private:
     std::vector<std::weak_ptr<std::function<void(Arguments...)>>> listeners_;
 };
 
-/// A connection of our own to the X server. Qt's reads in a thread of its own, so that every question and event there
+/// A connection of our own to the X server. Qt reads its connection in a thread, so every question and event there
 /// costs two to four times as much.
 ///
 /// Main thread only. Requests wait in a buffer until `flush` or the next question. Once the server has gone all

@@ -10,7 +10,7 @@
 
 namespace glintar::platform {
 
-/// How far a desktop's own look reaches Qt, and what has to be asked for instead.
+/// What Qt takes over of a desktop's look by itself, and what has to be asked for.
 struct DesktopSettingsPolicy {
     /// For QApplication::setDesktopSettingsAware, before the application is made. False on desktops that are built on
     /// GTK: Qt would load all of GTK to look like them, which doubles the time to start and the memory.
@@ -33,7 +33,7 @@ struct DesktopSettingsPolicy {
 /// Dark when text is lighter than what it stands on.
 [[nodiscard]] Appearance appearanceOf(const QPalette& palette);
 
-/// Qt's own look, for desktops whose look Qt cannot take over.
+/// Qt's own colours, for desktops whose colours Qt cannot take over.
 [[nodiscard]] QPalette plainPalette(Appearance appearance);
 
 /// Reads a font as GTK's settings name it, such as "Noto Sans Bold 10.5" or "Cantarell, sans-serif 14px". None without

@@ -19,8 +19,8 @@ namespace glintar::platform {
 
 /// A shipped SVG file. May be used by any thread.
 ///
-/// Qt's renderer may not, so a lock guards it. Its last renderings are kept, since the same few are asked for again and
-/// again, by the countdown and by each pill, and rendering takes tens of times as long as drawing pixels.
+/// A lock guards Qt's renderer, which only one thread may use at a time. The last renderings are kept: countdown and
+/// pills ask for the same few again and again, and rendering takes tens of times as long as drawing pixels.
 class Artwork {
 public:
     /// Null when the file is missing or no drawing.
@@ -33,7 +33,7 @@ public:
     /// In points, as the file says.
     [[nodiscard]] Size size() const;
 
-    /// Pixels of that size with the drawing stretched over `target` in them, if there is a `tint` all in it.
+    /// Pixels of that size with the drawing stretched over `target` in them. With a `tint`, all of it has that colour.
     [[nodiscard]] QImage rendered(const QSize& pixels, const QRectF& target, const std::optional<QColor>& tint);
 
     /// Of the renderings that are kept.

@@ -4,8 +4,8 @@
 
 namespace glintar::platform {
 
-// Qt's painter hands the blending of many spans to a pool of threads, which costs more than what it blends in pictures
-// as small as ours. So what would be done ten times a second that way is done here.
+// Qt's painter hands the blending of many spans to a pool of threads. In pictures as small as ours that costs more than
+// the blending itself. So what happens ten times a second is blended here.
 
 /// A premultiplied pixel, so many 255ths of it.
 [[nodiscard]] constexpr QRgb portion(QRgb pixel, int alpha) {

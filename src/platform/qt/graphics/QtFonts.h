@@ -15,7 +15,8 @@
 
 namespace glintar::platform {
 
-/// One line of text, laid out: what is drawn where on the base line.
+/// One line of text, laid out: what is drawn where on the base line. Texts with digits of equal width are not kerned,
+/// so that no digit moves; that also spares reading the shaping tables of fonts, 0.1 MB a thread.
 struct TextLine {
     struct Run {
         QString text;

@@ -10,13 +10,13 @@
 
 namespace glintar::platform {
 
-/// The menu of an item, as many times as it is shown: in the strip and in the tray.
+/// The menu of an item, shown in the strip and in the tray.
 class ItemMenu final : public QObject {
 public:
     ItemMenu() { fill(menu_); }
 
-    /// The entries that are there already only change their texts where the new menu is built like the old one, so that
-    /// a menu that is open stays so.
+    /// Where the new menu is built like the old one, only texts and states of the entries change, so that an open menu
+    /// stays open.
     void setMenu(Menu menu);
     [[nodiscard]] bool isEmpty() const { return actions_.empty(); }
 

@@ -32,7 +32,8 @@ public:
         const DesktopEvents& events;
         NotificationCenter& notifications;
         Preferences& preferences;
-        /// Whether a window manager takes care of the strip. Under Wayland none may: it would choose the place.
+        /// Whether a window manager looks after the strip. Under Wayland none may, since it would choose the place;
+        /// then the strip raises itself above each window that becomes active.
         bool isManaged = true;
     };
     explicit QtStatusBar(Surroundings surroundings);

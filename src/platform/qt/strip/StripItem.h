@@ -27,7 +27,8 @@ public:
     /// How wide all of it is; 0 when it is not shown.
     [[nodiscard]] int neededWidth() const;
 
-    /// Leaves out as many pictures at the end of the title as do not fit into so many points. How wide it is then.
+    /// Leaves out pictures at the end of the title, each as a whole, until the item fits into `most` points. Returns
+    /// how wide it is then.
     int fitInto(int most);
     [[nodiscard]] int leftOut() const { return used_ - fitting_; }
 

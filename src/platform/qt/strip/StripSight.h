@@ -8,8 +8,8 @@
 
 namespace glintar::platform {
 
-/// What lies above a part of a window, which is told in pixels from the window's top left corner. `screens` are the
-/// frames of all screens.
+/// What covers a part of a window. `part` is in pixels from the window's top left corner. `screens` are the frames of
+/// all screens.
 ///
 /// It asks the X server about each window, since what the server tells by itself is wrong under a compositor. Windows
 /// of our own, translucent ones and those that let the mouse through cover nothing.

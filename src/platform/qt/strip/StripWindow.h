@@ -18,10 +18,10 @@ class Graphics;
 class QtScreens;
 class StripItem;
 
-/// The window of the strip: it never has the focus, stays on all desktops and above other windows, but for those that
-/// fill the screen, and is in no list of windows. It hangs at an edge of a screen (the primary one's top right corner,
-/// unless the user has dragged it away) and follows when that screen changes. It is on screen while one of its items
-/// is.
+/// The window of the strip. It never has the focus, is on all desktops and in no list of windows. It stays above other
+/// windows except those that fill the screen: it is a dock and not "above" as well, since some window managers would
+/// put it above such windows too. It hangs at an edge of a screen: in the primary one's top right corner, unless the
+/// user has dragged it away. It follows when that screen changes. It is shown while one of its items is.
 class StripWindow final : public QWidget {
 public:
     /// What it needs, all of which outlives it.

@@ -11,7 +11,7 @@ class QWindow;
 
 namespace glintar::platform {
 
-// What is said about a window of Qt's goes over Qt's connection: on another one the window might not exist yet.
+// Messages about a window of Qt's go over Qt's connection: on another one the window might not exist yet.
 
 /// Null where there is no X server.
 [[nodiscard]] xcb_connection_t* connectionOfQt();

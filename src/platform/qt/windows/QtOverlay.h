@@ -11,8 +11,8 @@ namespace glintar::platform {
 /// A picture above all windows, on our own connection to the X server. Qt draws the picture and knows nothing of the
 /// window.
 ///
-/// Changes of picture and size are put on screen together, once the run loop gets to it; a new place at once, by one
-/// request.
+/// Changes of picture and size are put on screen together, at the next turn of the run loop. A new place is set at
+/// once, by one request.
 class QtOverlay final : public Overlay {
 public:
     /// What it needs, all of which outlives it.

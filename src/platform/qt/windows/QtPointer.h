@@ -7,7 +7,7 @@
 namespace glintar::platform {
 
 /// The pointer as the X server knows it: one round trip on our own connection, nothing else. None under Wayland, where
-/// the server hears of it over windows of X programs only.
+/// the server learns of the pointer only over windows of X programs.
 class QtPointer final : public Pointer {
 public:
     QtPointer(XcbConnection& connection, const QtScreens& screens);

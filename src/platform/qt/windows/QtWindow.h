@@ -5,7 +5,8 @@
 
 namespace glintar::platform {
 
-/// A window of Qt's, above normal windows, that holds the widget of a `QtView`.
+/// A window of Qt's that holds the widget of a `QtView`. It stays above normal windows; a titled one asks for a close
+/// button and for none to minimize or maximize. Escape closes it.
 class QtWindow final : public Window {
 public:
     /// Keeps the references.

@@ -11,6 +11,7 @@
 
 namespace glintar::platform {
 
+/// Windows, overlays and alerts of Qt and X, and the desktop's notices over D-Bus. Main thread only.
 class QtWindowServer final : public WindowServer {
 public:
     /// Keeps the references, and so do the windows it makes. `bus` is the user's, if there is one.
