@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
 #include <variant>
 
 namespace glintar::line {
@@ -25,7 +26,7 @@ constexpr int kWrongUsage = 2;
 /// What can be set of the display, by the name of its field.
 struct Field {
     std::string_view name;
-    std::variant<bool displaymodeSettingsViewModel::*, int displaymodeSettingsViewModel::*,
+    std::variant<bool displaymodeSettingsViewModel::*, std::int64_t displaymodeSettingsViewModel::*,
                  double displaymodeSettingsViewModel::*>
         member;
     double lowest = 0;

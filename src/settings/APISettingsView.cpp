@@ -87,10 +87,16 @@ QWidget* APISettingsView::makeSources() {
         group->addButton(row);
         rows->insertWidget(rows->count() - 1, row);
         rows_.push_back(row);
-        QObject::connect(row, &QAbstractButton::clicked, this, [this, &source, scroller, row] {
-            model_.selectSource(source);
-            scroller->ensureWidgetVisible(row);
-        });
+        // A screen reader toggles without a click; a click on the chosen one stores it again and toggles nothing.
+        const auto chooseIf = [this, &source, scroller, row](bool isMeant) {
+            if (isMeant) {
+                model_.selectSource(source);
+                scroller->ensureWidgetVisible(row);
+            }
+        };
+        QObject::connect(row, &QAbstractButton::toggled, this, chooseIf);
+        QObject::connect(row, &QAbstractButton::pressed, this, [this, row] { isChosenPressed_ = row->isChecked(); });
+        QObject::connect(row, &QAbstractButton::clicked, this, [this, chooseIf] { chooseIf(isChosenPressed_); });
     }
     return scroller;
 }
@@ -103,6 +109,7 @@ void APISettingsView::showEvent(QShowEvent* event) {
 void APISettingsView::showModel() {
     const auto* const selected = model_.selectedSource();
     for (std::size_t i = 0; i < rows_.size(); ++i) {
+        const QSignalBlocker quiet(rows_[i]);
         rows_[i]->setChecked(&model_.config->sources[i] == selected);
     }
     if (sectionView_ == nullptr || sectionSource_ != model_.selectedSourceID) {

@@ -3,6 +3,7 @@
 #include "platform/Lifetime.h"
 #include "platform/NotificationCenter.h"
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
@@ -46,7 +47,7 @@ public:
     /// Runs after anything below has changed.
     std::function<void()> onChange;
 
-    int displayMode = 0;
+    std::int64_t displayMode = 0;
     bool floatTransparent = false;
     double floatOffset = 0;
     bool launchAtLogin = false;
@@ -56,7 +57,7 @@ public:
     bool showSparkline = false;
     bool isSparklineSupported = false;
     bool showGasFee = false;
-    int gasSource = 0;
+    std::int64_t gasSource = 0;
     bool enableArbitrage = false;
 
 private:
