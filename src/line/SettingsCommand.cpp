@@ -162,12 +162,8 @@ int SettingsCommand::addCoin(const std::string& text, const std::string& price) 
     }
     model.newCoinDisplayName = text;
     model.newCoinRefPrice = price;
-    const auto before = model.coins.size();
     model.addCoin();
-    if (model.errorMessage) {
-        return complain(*model.errorMessage, kFailed);
-    }
-    return model.coins.size() > before ? kDone : complain("Nothing was added.", kFailed);
+    return model.isSaved ? kDone : complain(model.errorMessage.value_or("Nothing was added."), kFailed);
 }
 
 int SettingsCommand::removeCoin(const std::string& id) {
@@ -177,9 +173,8 @@ int SettingsCommand::removeCoin(const std::string& id) {
     if (found == model.coins.end()) {
         return complain("This crypto coin is not on the list.", kFailed);
     }
-    const auto before = model.coins.size();
     model.removeCoins({static_cast<std::size_t>(found - model.coins.begin())});
-    return model.coins.size() < before ? kDone : complain("Nothing was removed.", kFailed);
+    return model.isSaved ? kDone : complain(*model.errorMessage, kFailed);
 }
 
 int SettingsCommand::listSources(bool isJson) {
@@ -216,7 +211,8 @@ int SettingsCommand::useSource(const std::string& id) {
         return complain(fmt::format("There is no data source \"{}\".", text::oneLine(id)), kFailed);
     }
     model.selectSource(*source);
-    return kDone;
+    const auto note = model.sourceNote();
+    return note.empty() ? kDone : complain(note, kFailed);
 }
 
 void SettingsCommand::setKey(const std::string& id) {

@@ -95,7 +95,7 @@ int SettingsCommand::setDisplay(std::string_view name, std::string_view value) {
         [&](auto member) { model.*member = static_cast<std::remove_reference_t<decltype(model.*member)>>(*number); },
         field->member);
     model.saveDisplaySettings();
-    return kDone;
+    return model.saveError.empty() ? kDone : complain(model.saveError, kFailed);
 }
 
 }  // namespace glintar::line

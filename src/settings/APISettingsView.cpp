@@ -71,6 +71,7 @@ APISettingsView::APISettingsView(settingsViewModel& all, const platform::Graphic
     header->addWidget(new ToneLabel("Data Source", Tone::Primary, fontSized(13, QFont::DemiBold), this), 1);
     layout->addLayout(header);
     layout->addWidget(makeSources(), 1);
+    layout->addWidget(sourceNote_ = new NoteLabel(Tone::Error, this));
     layout->addWidget(divider(this));
     section_ = layout;
     model_.onChange = [this] { showModel(); };
@@ -115,6 +116,7 @@ void APISettingsView::showModel() {
     if (sectionView_ == nullptr || sectionSource_ != model_.selectedSourceID) {
         rebuildSection();
     }
+    sourceNote_->setText(asText(model_.sourceNote()));
     if (key_ != nullptr) {
         if (key_->text().toStdString() != model_.inputApiKey) {
             const QSignalBlocker quiet(key_);

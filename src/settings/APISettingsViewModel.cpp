@@ -100,8 +100,8 @@ SecretStatus APISettingsViewModel::storeKey(const std::string& sourceId, const s
 }
 
 void APISettingsViewModel::store() {
-    platform_.preferences.setString(config::kSelectedSource, selectedSourceID);
-    storedSource_ = selectedSourceID;
+    isSourceStored_ = platform_.preferences.setString(config::kSelectedSource, selectedSourceID);
+    storedSource_ = platform_.preferences.string(config::kSelectedSource);
     // A field that is empty for want of an answer says nothing about the key.
     const bool isKeyKnown = keyStatus_ == SecretStatus::Done || keyStatus_ == SecretStatus::NotFound;
     if (isKeyKnown || typed_) {
@@ -123,6 +123,11 @@ void APISettingsViewModel::selectSource(const config::SourceConfig& source) {
     selectedSourceID = source.id;
     loadApiKey();
     saveSourceSettings();
+    if (!isSourceStored_) {
+        selectedSourceID = storedSource_.value_or("coingecko");
+        validateSelectedSource();
+        loadApiKey();
+    }
 }
 
 void APISettingsViewModel::setApiKey(std::string text) {
@@ -152,6 +157,10 @@ void APISettingsViewModel::settingsChanged() {
         }
         changed();
     }
+}
+
+std::string APISettingsViewModel::sourceNote() const {
+    return isSourceStored_ ? "" : config::kNotSaved;
 }
 
 std::string APISettingsViewModel::keyNote() const {

@@ -52,6 +52,9 @@ public:
     /// The selected one of `config`, or null.
     [[nodiscard]] const config::SourceConfig* selectedSource() const;
 
+    /// That the choice of the source could not be stored; empty when all is well.
+    [[nodiscard]] std::string sourceNote() const;
+
     /// What there is to say under the key field, in plain words: that it cannot be sent, or cannot be kept or read.
     /// Empty when all is well.
     [[nodiscard]] std::string keyNote() const;
@@ -72,6 +75,7 @@ private:
 
     platform::Platform& platform_;
     keystore::KeychainHelper keys_;
+    bool isSourceStored_ = true;
     std::optional<std::string> storedSource_;  ///< as the preference was last seen
     platform::SecretStatus keyStatus_ = platform::SecretStatus::NotFound;
     std::optional<std::string> typed_;  ///< what the user made of the selected source's key

@@ -53,6 +53,7 @@ displaymodeSettingsView::displaymodeSettingsView(displaymodeSettingsViewModel& m
     : QWidget(parent), model_(model) {
     setMinimumSize(400, 370);
     auto* const all = new QVBoxLayout(this);
+    all->addWidget(saveError_ = new NoteLabel(Tone::Error));
     addPlace(addGroup(*all));
     addPanel(*all);
     all->addWidget(divider(this));
@@ -173,6 +174,7 @@ void displaymodeSettingsView::showEvent(QShowEvent* event) {
 }
 
 void displaymodeSettingsView::showModel() {
+    saveError_->setText(asText(model_.saveError));
     setQuietly(*login_, model_.launchAtLogin);
     login_->setAccessibleDescription(asText(model_.loginError));
     loginError_->setText(asText(model_.loginError));

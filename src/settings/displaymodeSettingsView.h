@@ -44,6 +44,7 @@ private:
     void showModel();
 
     displaymodeSettingsViewModel& model_;
+    NoteLabel* saveError_ = nullptr;
     QCheckBox* login_ = nullptr;
     NoteLabel* loginError_ = nullptr;
     QButtonGroup* mode_ = nullptr;

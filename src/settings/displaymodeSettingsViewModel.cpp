@@ -53,7 +53,10 @@ void displaymodeSettingsViewModel::saveDisplaySettings() {
                                     .showGasFee = showGasFee,
                                     .gasSource = gasSource,
                                     .enableArbitrage = enableArbitrage};
-    settings.saveDisplay(platform_.preferences);
+    saveError = settings.saveDisplay(platform_.preferences) ? "" : config::kNotSaved;
+    if (!saveError.empty()) {
+        read();
+    }
     changed();
     platform_.notifications.post(config::kDisplaySettingsChanged);
     platform_.notifications.post(config::kDisplayModeChanged);
@@ -69,6 +72,7 @@ void displaymodeSettingsViewModel::syncData() {
 void displaymodeSettingsViewModel::reload() {
     launchAtLogin = loginItem_.isEnabled();
     loginError.clear();
+    saveError.clear();
     syncData();
 }
 

@@ -52,6 +52,7 @@ public:
     double floatOffset = 0;
     bool launchAtLogin = false;
     std::string loginError;  ///< why the last change of it failed; empty when it did not
+    std::string saveError;   ///< why what was set is not kept; empty when it is
     bool showChange24h = false;
     bool showHighLow24h = false;
     bool showSparkline = false;

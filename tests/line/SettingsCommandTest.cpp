@@ -89,6 +89,11 @@ TEST_F(SettingsCommandTest, CommandsDoWhatTheWindowDoesAndSayItInTheSameWords) {
     EXPECT_EQ(machine.preferences.string("selectedSourceID"), "gate");
     EXPECT_THAT(run({"source", "list"}), testing::HasSubstr("  binance  Binance\n"));
     EXPECT_THAT(output.text, testing::HasSubstr("* gate  Gate\n"));
+    machine.preferences.isWritable = false;
+    const std::string refusal = "1||The preferences could not be written, so the change is not kept.";
+    EXPECT_EQ(run({"coins", "remove", "1"}), refusal);
+    EXPECT_EQ(run({"source", "use", "binance"}), refusal);
+    EXPECT_EQ(run({"display", "set", "floatOffset", "50"}), refusal);
 }
 
 TEST_F(SettingsCommandTest, AKeyComesFromTheInputAndIsKeptForItsSourceAlone) {

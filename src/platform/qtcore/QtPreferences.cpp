@@ -33,21 +33,24 @@ std::filesystem::path orNothing(const std::filesystem::path& file, Console& cons
 }  // namespace
 
 QtPreferences::QtPreferences(const std::filesystem::path& file, Console& console)
-    : file_(orNothing(file, console)),
-      console_(console),
-      settings_(QString::fromStdString(file_.string()), QSettings::NativeFormat) {
-    settings_.setFallbacksEnabled(false);
+    : file_(orNothing(file, console)), console_(console) {
+    open();
+}
+
+void QtPreferences::open() {
+    settings_.emplace(QString::fromStdString(file_.string()), QSettings::NativeFormat);
+    settings_->setFallbacksEnabled(false);
 }
 
 QtPreferences::~QtPreferences() = default;
 
 QVariant QtPreferences::value(std::string_view key) const {
-    settings_.sync();  // another process may have written the file; costs a look at its date
-    if (settings_.status() == QSettings::FormatError && !isDamageReported_) {
+    settings_->sync();  // another process may have written the file; costs a look at its date
+    if (settings_->status() == QSettings::FormatError && !isDamageReported_) {
         isDamageReported_ = true;
         console_.print("⚠️ [Preferences] damaged, read as far as possible: " + file_.string());
     }
-    return settings_.value(keyOf(key));
+    return settings_->value(keyOf(key));
 }
 
 bool QtPreferences::boolean(std::string_view key) const {
@@ -74,52 +77,56 @@ std::optional<std::string> QtPreferences::data(std::string_view key) const {
     return found.canConvert<QByteArray>() ? std::optional(found.toByteArray().toStdString()) : std::nullopt;
 }
 
-void QtPreferences::setBoolean(std::string_view key, bool value) {
-    set(key, value);
+bool QtPreferences::setBoolean(std::string_view key, bool value) {
+    return set(key, value);
 }
 
-void QtPreferences::setInteger(std::string_view key, std::int64_t value) {
-    set(key, static_cast<qlonglong>(value));
+bool QtPreferences::setInteger(std::string_view key, std::int64_t value) {
+    return set(key, static_cast<qlonglong>(value));
 }
 
-void QtPreferences::setReal(std::string_view key, double value) {
-    set(key, value);
+bool QtPreferences::setReal(std::string_view key, double value) {
+    return set(key, value);
 }
 
-void QtPreferences::setString(std::string_view key, std::string_view value) {
-    set(key, keyOf(value));
+bool QtPreferences::setString(std::string_view key, std::string_view value) {
+    return set(key, keyOf(value));
 }
 
-void QtPreferences::setData(std::string_view key, std::string_view bytes) {
-    set(key, QByteArray(bytes.data(), static_cast<qsizetype>(bytes.size())));
+bool QtPreferences::setData(std::string_view key, std::string_view bytes) {
+    return set(key, QByteArray(bytes.data(), static_cast<qsizetype>(bytes.size())));
 }
 
-void QtPreferences::remove(std::string_view key) {
+bool QtPreferences::remove(std::string_view key) {
+    return set(key, QVariant());
+}
+
+bool QtPreferences::set(std::string_view key, const QVariant& value) {
+    const auto put = [this, name = keyOf(key)](const QVariant& one) {
+        one.isValid() ? settings_->setValue(name, one) : settings_->remove(name);
+    };
     prepareWrite();
-    settings_.remove(keyOf(key));
-    finishWrite();
-}
-
-void QtPreferences::set(std::string_view key, const QVariant& value) {
-    prepareWrite();
-    settings_.setValue(keyOf(key), value);
-    finishWrite();
+    const QVariant before = settings_->value(keyOf(key));
+    put(value);
+    settings_->sync();
+    const bool isWritten = settings_->status() != QSettings::AccessError;
+    if (!isWritten) {
+        console_.print("⚠️ [Preferences] could not be written: " + file_.string());
+        put(before);  // or it would be kept in memory
+    }
+    return isWritten;
 }
 
 void QtPreferences::prepareWrite() {
-    settings_.sync();
-    if (settings_.status() == QSettings::FormatError) {
+    if (settings_->status() == QSettings::AccessError) {
+        open();  // it never forgets that it failed
+    }
+    settings_->sync();
+    if (settings_->status() == QSettings::FormatError) {
         auto copy = file_;
         copy += ".damaged";
         std::error_code ignored;
         std::filesystem::copy_file(file_, copy, std::filesystem::copy_options::skip_existing, ignored);
-    }
-}
-
-void QtPreferences::finishWrite() {
-    settings_.sync();
-    if (settings_.status() == QSettings::AccessError) {
-        console_.print("⚠️ [Preferences] could not be written: " + file_.string());
     }
 }
 

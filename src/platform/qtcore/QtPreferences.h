@@ -6,6 +6,7 @@
 
 #include <filesystem>
 #include <memory>
+#include <optional>
 
 class QFileSystemWatcher;
 class QTimer;
@@ -27,26 +28,27 @@ public:
     std::optional<std::string> string(std::string_view key) const override;
     std::optional<std::string> data(std::string_view key) const override;
 
-    void setBoolean(std::string_view key, bool value) override;
-    void setInteger(std::string_view key, std::int64_t value) override;
-    void setReal(std::string_view key, double value) override;
-    void setString(std::string_view key, std::string_view value) override;
-    void setData(std::string_view key, std::string_view bytes) override;
-    void remove(std::string_view key) override;
+    bool setBoolean(std::string_view key, bool value) override;
+    bool setInteger(std::string_view key, std::int64_t value) override;
+    bool setReal(std::string_view key, double value) override;
+    bool setString(std::string_view key, std::string_view value) override;
+    bool setData(std::string_view key, std::string_view bytes) override;
+    bool remove(std::string_view key) override;
 
     /// From now on `onExternalChange` runs when the file changes.
     void watch();
 
 private:
+    void open();
     QVariant value(std::string_view key) const;
-    void set(std::string_view key, const QVariant& value);
+    /// Removes the key when the value is invalid.
+    bool set(std::string_view key, const QVariant& value);
     void prepareWrite();
-    void finishWrite();
     void watchPaths();
 
     std::filesystem::path file_;
     Console& console_;
-    mutable QSettings settings_;
+    mutable std::optional<QSettings> settings_;
     mutable bool isDamageReported_ = false;
     std::unique_ptr<QFileSystemWatcher> watcher_;
     std::unique_ptr<QTimer> settled_;  ///< fires when the file has been left alone for a moment
