@@ -31,16 +31,13 @@ Settings Settings::load(const platform::Preferences& preferences) {
             .enableArbitrage = preferences.boolean(kEnableArbitrage)};
 }
 
-void Settings::saveDisplay(platform::Preferences& preferences) const {
-    preferences.setInteger(kDisplayMode, displayMode);
-    preferences.setBoolean(kFloatTransparent, floatTransparent);
-    preferences.setReal(kFloatOffset, floatOffset);
-    preferences.setBoolean(kShowChange, showChange24h);
-    preferences.setBoolean(kShowHighLow, showHighLow24h);
-    preferences.setBoolean(kShowSparkline, showSparkline);
-    preferences.setBoolean(kShowGasFee, showGasFee);
-    preferences.setInteger(kGasSource, gasSource);
-    preferences.setBoolean(kEnableArbitrage, enableArbitrage);
+bool Settings::saveDisplay(platform::Preferences& preferences) const {
+    return preferences.setInteger(kDisplayMode, displayMode) &&
+           preferences.setBoolean(kFloatTransparent, floatTransparent) &&
+           preferences.setReal(kFloatOffset, floatOffset) && preferences.setBoolean(kShowChange, showChange24h) &&
+           preferences.setBoolean(kShowHighLow, showHighLow24h) &&
+           preferences.setBoolean(kShowSparkline, showSparkline) && preferences.setBoolean(kShowGasFee, showGasFee) &&
+           preferences.setInteger(kGasSource, gasSource) && preferences.setBoolean(kEnableArbitrage, enableArbitrage);
 }
 
 }  // namespace glintar::config

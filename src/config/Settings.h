@@ -23,6 +23,9 @@ inline constexpr std::string_view kFloatTransparent = "floatTransparent";
 inline constexpr std::string_view kFloatOffset = "floatOffset";
 inline constexpr std::string_view kEnableArbitrage = "enableArbitrage";
 
+/// What the user reads when a choice could not be stored.
+inline constexpr const char* kNotSaved = "The preferences could not be written, so the change is not kept.";
+
 /// Posted after the display settings have been saved.
 inline constexpr std::string_view kDisplaySettingsChanged = "DisplaySettingsChanged";
 
@@ -48,8 +51,8 @@ struct Settings {
     /// What is stored now. Main thread.
     [[nodiscard]] static Settings load(const platform::Preferences& preferences);
 
-    /// Stores all but the source.
-    void saveDisplay(platform::Preferences& preferences) const;
+    /// Stores all but the source; false when that failed.
+    bool saveDisplay(platform::Preferences& preferences) const;
 };
 
 }  // namespace glintar::config

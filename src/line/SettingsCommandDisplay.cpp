@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
 #include <variant>
 
 namespace glintar::line {
@@ -25,7 +26,7 @@ constexpr int kWrongUsage = 2;
 /// What can be set of the display, by the name of its field.
 struct Field {
     std::string_view name;
-    std::variant<bool displaymodeSettingsViewModel::*, int displaymodeSettingsViewModel::*,
+    std::variant<bool displaymodeSettingsViewModel::*, std::int64_t displaymodeSettingsViewModel::*,
                  double displaymodeSettingsViewModel::*>
         member;
     double lowest = 0;
@@ -48,24 +49,25 @@ std::string valueText(const displaymodeSettingsViewModel& model, const Field& fi
 
 }  // namespace
 
-int SettingsCommand::listDisplay(bool isJson) {
+std::optional<int> SettingsCommand::listDisplay(const Request& request) {
     const displaymodeSettingsViewModel model(machine_.platform, machine_.loginItem);
     std::string object;
     for (const auto& field : kFields) {
         const auto value = valueText(model, field);
-        if (isJson) {
+        if (request.isJson) {
             object += fmt::format("{}\"{}\":{}", object.empty() ? '{' : ',', field.name, value);
         } else {
             machine_.output.printLine(fmt::format("{} {}", field.name, value));
         }
     }
-    if (isJson) {
+    if (request.isJson) {
         machine_.output.printLine(object + '}');
     }
     return kDone;
 }
 
-int SettingsCommand::setDisplay(std::string_view name, std::string_view value) {
+std::optional<int> SettingsCommand::setDisplay(const Request& request) {
+    const auto &name = request.words[0], &value = request.words[1];
     const auto* const field = std::ranges::find(kFields, name, &Field::name);
     if (field == kFields.end()) {
         return complain(
@@ -94,7 +96,7 @@ int SettingsCommand::setDisplay(std::string_view name, std::string_view value) {
         [&](auto member) { model.*member = static_cast<std::remove_reference_t<decltype(model.*member)>>(*number); },
         field->member);
     model.saveDisplaySettings();
-    return kDone;
+    return model.saveError.empty() ? kDone : complain(model.saveError, kFailed);
 }
 
 }  // namespace glintar::line

@@ -71,6 +71,7 @@ APISettingsView::APISettingsView(settingsViewModel& all, const platform::Graphic
     header->addWidget(new ToneLabel("Data Source", Tone::Primary, fontSized(13, QFont::DemiBold), this), 1);
     layout->addLayout(header);
     layout->addWidget(makeSources(), 1);
+    layout->addWidget(sourceNote_ = new NoteLabel(Tone::Error, this));
     layout->addWidget(divider(this));
     section_ = layout;
     model_.onChange = [this] { showModel(); };
@@ -87,10 +88,16 @@ QWidget* APISettingsView::makeSources() {
         group->addButton(row);
         rows->insertWidget(rows->count() - 1, row);
         rows_.push_back(row);
-        QObject::connect(row, &QAbstractButton::clicked, this, [this, &source, scroller, row] {
-            model_.selectSource(source);
-            scroller->ensureWidgetVisible(row);
-        });
+        // A screen reader toggles without a click; a click on the chosen one stores it again and toggles nothing.
+        const auto chooseIf = [this, &source, scroller, row](bool isMeant) {
+            if (isMeant) {
+                model_.selectSource(source);
+                scroller->ensureWidgetVisible(row);
+            }
+        };
+        QObject::connect(row, &QAbstractButton::toggled, this, chooseIf);
+        QObject::connect(row, &QAbstractButton::pressed, this, [this, row] { isChosenPressed_ = row->isChecked(); });
+        QObject::connect(row, &QAbstractButton::clicked, this, [this, chooseIf] { chooseIf(isChosenPressed_); });
     }
     return scroller;
 }
@@ -103,11 +110,13 @@ void APISettingsView::showEvent(QShowEvent* event) {
 void APISettingsView::showModel() {
     const auto* const selected = model_.selectedSource();
     for (std::size_t i = 0; i < rows_.size(); ++i) {
+        const QSignalBlocker quiet(rows_[i]);
         rows_[i]->setChecked(&model_.config->sources[i] == selected);
     }
     if (sectionView_ == nullptr || sectionSource_ != model_.selectedSourceID) {
         rebuildSection();
     }
+    sourceNote_->setText(asText(model_.sourceNote()));
     if (key_ != nullptr) {
         if (key_->text().toStdString() != model_.inputApiKey) {
             const QSignalBlocker quiet(key_);

@@ -37,6 +37,8 @@ private:
     AboutModel& about_;
     const platform::Graphics& graphics_;
     std::vector<QRadioButton*> rows_;
+    bool isChosenPressed_ = false;  ///< the row that was pressed last was the chosen one
+    NoteLabel* sourceNote_ = nullptr;
     QVBoxLayout* section_ = nullptr;
     QWidget* sectionView_ = nullptr;
     std::string sectionSource_;  ///< whose section it is

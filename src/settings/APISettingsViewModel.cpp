@@ -35,6 +35,12 @@ APISettingsViewModel::APISettingsViewModel(platform::Platform& platform)
     loadApiKey();
 }
 
+APISettingsViewModel::~APISettingsViewModel() {
+    if (announcement_) {
+        keys_.release();
+    }
+}
+
 std::optional<std::string> APISettingsViewModel::readConfigText() {
     const auto cached = config::cachedConfigFileURL(platform_);
     if (cached && platform_.files.exists(*cached)) {
@@ -100,8 +106,8 @@ SecretStatus APISettingsViewModel::storeKey(const std::string& sourceId, const s
 }
 
 void APISettingsViewModel::store() {
-    platform_.preferences.setString(config::kSelectedSource, selectedSourceID);
-    storedSource_ = selectedSourceID;
+    isSourceStored_ = platform_.preferences.setString(config::kSelectedSource, selectedSourceID);
+    storedSource_ = platform_.preferences.string(config::kSelectedSource);
     // A field that is empty for want of an answer says nothing about the key.
     const bool isKeyKnown = keyStatus_ == SecretStatus::Done || keyStatus_ == SecretStatus::NotFound;
     if (isKeyKnown || typed_) {
@@ -111,6 +117,7 @@ void APISettingsViewModel::store() {
 
 void APISettingsViewModel::announce() {
     announcement_.reset();
+    keys_.release();
     platform_.notifications.post(config::kCoinsUpdated);
 }
 
@@ -123,9 +130,17 @@ void APISettingsViewModel::selectSource(const config::SourceConfig& source) {
     selectedSourceID = source.id;
     loadApiKey();
     saveSourceSettings();
+    if (!isSourceStored_) {
+        selectedSourceID = storedSource_.value_or("coingecko");
+        validateSelectedSource();
+        loadApiKey();
+    }
 }
 
 void APISettingsViewModel::setApiKey(std::string text) {
+    if (!announcement_) {
+        keys_.hold(selectedSourceID);
+    }
     inputApiKey = std::move(text);
     typed_ = inputApiKey;
     store();
@@ -154,24 +169,29 @@ void APISettingsViewModel::settingsChanged() {
     }
 }
 
+std::string APISettingsViewModel::sourceNote() const {
+    return isSourceStored_ ? "" : config::kNotSaved;
+}
+
 std::string APISettingsViewModel::keyNote() const {
     if (!inputApiKey.empty() && !KeychainHelper::canBeSent(inputApiKey)) {
         return kCannotBeSent;
     }
-    return noteOf(keyStatus_, typed_ && !typed_->empty());
+    return noteOf(keyStatus_, typed_);
 }
 
-std::string APISettingsViewModel::noteOf(SecretStatus status, bool isTyped) {
+std::string APISettingsViewModel::noteOf(SecretStatus status, const std::optional<std::string>& typed) {
     switch (status) {
         case SecretStatus::Done:
             return "";
         case SecretStatus::NotFound:
-            return isTyped ? "The key ring did not keep this key." : "";
+            return typed && !typed->empty() ? "The key ring did not keep this key." : "";
         case SecretStatus::Pending:
             return "Waiting for the key ring...";
         case SecretStatus::Locked:
-            return isTyped ? "The key ring is locked, so this key is not kept."
-                           : "The key ring is locked, so a stored key cannot be read.";
+            return !typed           ? "The key ring is locked, so a stored key cannot be read."
+                   : typed->empty() ? "The key ring is locked, so the stored key is not removed."
+                                    : "The key ring is locked, so this key is not kept.";
         case SecretStatus::Unavailable:
             return "There is no key ring in this session, so keys cannot be kept.";
         case SecretStatus::Failed:

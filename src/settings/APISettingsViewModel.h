@@ -27,6 +27,9 @@ inline constexpr const char* kCannotBeSent =
 class APISettingsViewModel {
 public:
     explicit APISettingsViewModel(platform::Platform& platform);
+    APISettingsViewModel(const APISettingsViewModel&) = delete;
+    APISettingsViewModel& operator=(const APISettingsViewModel&) = delete;
+    ~APISettingsViewModel();
 
     void loadConfig();
     void validateSelectedSource();
@@ -43,14 +46,18 @@ public:
     /// later.
     platform::SecretStatus storeKey(const std::string& sourceId, const std::string& key);
 
-    /// What the user is told about a key with that status. `isTyped` means that the key was to be stored just now.
-    [[nodiscard]] static std::string noteOf(platform::SecretStatus status, bool isTyped);
+    /// What there is to say of a key of which the store says so; `typed`: what it was just to become, empty when it was
+    /// to be removed.
+    [[nodiscard]] static std::string noteOf(platform::SecretStatus status, const std::optional<std::string>& typed);
 
     /// Where a link that the configuration names leads; none for what is no address.
     [[nodiscard]] static std::optional<std::string> linkTo(const std::optional<std::string>& address);
 
     /// The selected one of `config`, or null.
     [[nodiscard]] const config::SourceConfig* selectedSource() const;
+
+    /// That the choice of the source could not be stored; empty when all is well.
+    [[nodiscard]] std::string sourceNote() const;
 
     /// What there is to say under the key field, in plain words: that it cannot be sent, or cannot be kept or read.
     /// Empty when all is well.
@@ -72,6 +79,7 @@ private:
 
     platform::Platform& platform_;
     keystore::KeychainHelper keys_;
+    bool isSourceStored_ = true;
     std::optional<std::string> storedSource_;  ///< as the preference was last seen
     platform::SecretStatus keyStatus_ = platform::SecretStatus::NotFound;
     std::optional<std::string> typed_;  ///< what the user made of the selected source's key

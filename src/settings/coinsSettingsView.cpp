@@ -137,7 +137,12 @@ QWidget* coinsSettingsView::makeAddRow() {
     QObject::connect(price_, &QLineEdit::textChanged, this,
                      [this](const QString& typed) { model_.setRefPrice(typed.toStdString()); });
     QObject::connect(add, &QAbstractButton::clicked, this, [this] { model_.addCoin(); });
-    QObject::connect(suggestions_, &QListWidget::itemClicked, this, [this](auto* item) { take(item); });
+    const auto takeIt = [this](const QListWidgetItem* item) { take(item); };
+    QObject::connect(suggestions_, &QListWidget::itemClicked, this, takeIt);
+    QObject::connect(suggestions_, &QListWidget::itemActivated, this, takeIt);
+    QObject::connect(
+        suggestions_, &QListWidget::itemSelectionChanged, this, [this] { takePicked(); }, Qt::QueuedConnection);
+    suggestions_->installEventFilter(this);
     return row;
 }
 
@@ -153,6 +158,14 @@ bool coinsSettingsView::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() == QEvent::KeyPress) {
         const int key = static_cast<QKeyEvent*>(event)->key();
         const bool isReturn = key == Qt::Key_Return || key == Qt::Key_Enter;
+        if (watched == suggestions_) {
+            auto* const item = suggestions_->currentItem();
+            const bool takes = item != nullptr && (isReturn || key == Qt::Key_Space);
+            if (takes) {
+                take(item);
+            }
+            return takes;
+        }
         return (watched == name_ && keyInName(key)) || isReturn;
     }
     return QWidget::eventFilter(watched, event);
@@ -175,9 +188,22 @@ bool coinsSettingsView::keyInName(int key) {
     return takes;
 }
 
+/// Keys and mouse select what they make current. A screen reader's action selects alone, or takes the current one back.
+void coinsSettingsView::takePicked() {
+    const auto* const current = suggestions_->currentItem();
+    const auto selected = suggestions_->selectedItems();
+    const auto* const picked = selected.isEmpty() ? current : selected.front();
+    if (picked != nullptr && (selected.isEmpty() || picked != current)) {
+        take(picked);
+    }
+}
+
+/// Not before the event that asks for it is over: the suggestion goes with it.
 void coinsSettingsView::take(const QListWidgetItem* suggestion) {
-    name_->setFocus();
-    model_.selectSuggestion(suggestion->text().toStdString());
+    QTimer::singleShot(0, this, [this, text = suggestion->text().toStdString()] {
+        name_->setFocus();
+        model_.selectSuggestion(text);
+    });
 }
 
 void coinsSettingsView::showModel() {
@@ -187,7 +213,9 @@ void coinsSettingsView::showModel() {
     for (auto [field, value] : {std::pair(name_, &model_.newCoinDisplayName), {price_, &model_.newCoinRefPrice}}) {
         if (field->text().toStdString() != *value) {
             const QSignalBlocker quiet(field);
+            const auto behindCursor = field->text().size() - field->cursorPosition();
             field->setText(asText(*value));
+            field->setCursorPosition(static_cast<int>(field->text().size() - behindCursor));
         }
         field->setAccessibleDescription(asText(model_.errorMessage.value_or("")));
     }

@@ -34,6 +34,7 @@ private:
     void showSuggestions();
     bool keyInName(int key);
     void take(const QListWidgetItem* suggestion);
+    void takePicked();
     void moveFocus(int from, int step);
     void remove(std::size_t row);
 

@@ -1,5 +1,6 @@
 #include "settings/coinsSettingsViewModel.h"
 
+#include "config/Settings.h"
 #include "platform/Platform.h"
 #include "platform/Preferences.h"
 #include "text/Number.h"
@@ -8,6 +9,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <utility>
 
 namespace glintar::settings {
 
@@ -46,8 +48,14 @@ void coinsSettingsViewModel::readCoins() {
 }
 
 void coinsSettingsViewModel::saveCoins() {
-    platform_.preferences.setData(config::kSavedCoinsKey, config::encodeCoins(coins));
-    isSaved = true;
+    isSaved = platform_.preferences.setData(config::kSavedCoinsKey, config::encodeCoins(coins));
+    if (!isSaved) {
+        errorMessage = config::kNotSaved;
+        return;
+    }
+    if (errorMessage == config::kNotSaved) {
+        errorMessage.reset();
+    }
     platform_.notifications.post(config::kCoinsUpdated);
 }
 
@@ -101,12 +109,16 @@ void coinsSettingsViewModel::addCoin() {
     }
     coins.push_back(config::makeCoin(platform_.entropy, std::move(chosen.displayName), std::move(chosen.apiId),
                                      text::parseDecimal(newCoinRefPrice).value_or(0)));
-    newCoinDisplayName.clear();
-    newCoinRefPrice.clear();
-    filteredCoins.clear();
-    errorMessage.reset();
-    updateLimit();
     saveCoins();
+    if (isSaved) {
+        newCoinDisplayName.clear();
+        newCoinRefPrice.clear();
+        errorMessage.reset();
+    } else {
+        coins.pop_back();
+    }
+    filteredCoins.clear();
+    updateLimit();
     changed();
 }
 
@@ -123,10 +135,14 @@ void coinsSettingsViewModel::removeCoin(std::string_view id) {
 }
 
 void coinsSettingsViewModel::removeCoins(const std::set<std::size_t>& positions) {
+    auto before = coins;
     std::size_t position = 0;
     std::erase_if(coins, [&](const auto&) { return positions.contains(position++); });
-    updateLimit();
     saveCoins();
+    if (!isSaved) {
+        coins = std::move(before);
+    }
+    updateLimit();
     changed();
 }
 

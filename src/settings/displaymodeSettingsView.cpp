@@ -1,8 +1,8 @@
 #include "settings/displaymodeSettingsView.h"
 
 #include <QApplication>
-#include <QButtonGroup>
 #include <QHBoxLayout>
+#include <QRadioButton>
 
 #include <algorithm>
 
@@ -14,112 +14,149 @@ constexpr int kNearest = 10;
 constexpr int kFarthest = 100;
 constexpr int kStep = 5;
 
+/// A framed group; what is added to its layout becomes its child, and is read out in that order.
+QVBoxLayout& addGroup(QVBoxLayout& into) {
+    auto* const frame = new QFrame;
+    frame->setFrameShape(QFrame::StyledPanel);
+    into.addWidget(frame);
+    return *new QVBoxLayout(frame);
+}
+
+/// The row of a choice, called as it is.
+QHBoxLayout* addNamedRow(QVBoxLayout& into, const QString& name) {
+    auto* const view = new QWidget;
+    view->setAccessibleName(name);
+    into.addWidget(view);
+    auto* const row = new QHBoxLayout(view);
+    row->setContentsMargins(0, 0, 0, 0);
+    return row;
+}
+
+ToneLabel* plainLabel(const QString& words) {
+    return new ToneLabel(words, Tone::Primary, QApplication::font());
+}
+
+/// Without telling whoever listens to the user.
+void setQuietly(QCheckBox& toggle, bool on) {
+    const QSignalBlocker quiet(toggle);
+    toggle.setChecked(on);
+}
+
+void setQuietly(QButtonGroup& picker, int option) {
+    const QSignalBlocker quiet(picker);
+    picker.button(option)->setChecked(true);
+}
+
 }  // namespace
 
 displaymodeSettingsView::displaymodeSettingsView(displaymodeSettingsViewModel& model, QWidget* parent)
     : QWidget(parent), model_(model) {
     setMinimumSize(400, 370);
     auto* const all = new QVBoxLayout(this);
-    auto* const first = addGroup(*all, new QFrame(this));
-    login_ = new QCheckBox("Launch at Login", this);
-    QObject::connect(login_, &QAbstractButton::clicked, this, [this](bool on) { model_.setLaunchAtLogin(on); });
-    first->addWidget(login_);
-    first->addWidget(loginError_ = new NoteLabel(Tone::Error, this));
-    first->addSpacing(5);
-    first->addWidget(divider(this));
-    first->addSpacing(5);
-    first->addWidget(new ToneLabel("Show Prices In:", Tone::Primary, QApplication::font(), this));
-    first->addWidget(makePicker(mode_, {"Status Bar", "Mouse Follow"}, &displaymodeSettingsViewModel::displayMode));
-    first->addWidget(modeText_ = new ToneLabel({}, Tone::Secondary, fontSized(kCaption), this));
-    first->addWidget(panelNote_ = new NoteLabel(Tone::Secondary, this));
-
-    panel_ = new QWidget(this);
-    auto* const panel = new QVBoxLayout(panel_);
-    panel->setContentsMargins(0, 0, 0, 0);
-    panel->addWidget(divider(panel_));
-    auto* const look = addGroup(*panel, new QFrame(panel_));
-    addToggle(*look, "Transparent Background", &displaymodeSettingsViewModel::floatTransparent);
-    addDistance(*look);
-    all->addWidget(panel_);
-
+    all->addWidget(saveError_ = new NoteLabel(Tone::Error));
+    addPlace(addGroup(*all));
+    addPanel(*all);
     all->addWidget(divider(this));
-    auto* const details = addGroup(*all, new QFrame(this));
-    addToggle(*details, "Show 24h Change (%)", &displaymodeSettingsViewModel::showChange24h);
-    addToggle(*details, "Show 24h High/Low", &displaymodeSettingsViewModel::showHighLow24h);
-    auto* const more = addGroup(*all, new QFrame(this));
-    sparkline_ = addToggle(*more, "Show Sparkline", &displaymodeSettingsViewModel::showSparkline);
-    addToggle(*more, "Show Gas Fee", &displaymodeSettingsViewModel::showGasFee);
-    gas_ = makePicker(gasSource_, {"Ethereum (Gwei)", "Bitcoin (sat/vB)"}, &displaymodeSettingsViewModel::gasSource);
-    gas_->setAccessibleName("Gas Source");
-    gas_->layout()->setContentsMargins(20, 0, 0, 0);
-    static_cast<QHBoxLayout*>(gas_->layout())
-        ->insertWidget(0, new ToneLabel("Gas Source", Tone::Primary, QApplication::font(), gas_));
-    more->addWidget(gas_);
+    addDetails(addGroup(*all));
+    addExtras(addGroup(*all));
     all->addStretch();
     model_.onChange = [this] { showModel(); };
     showModel();
 }
 
-QVBoxLayout* displaymodeSettingsView::addGroup(QVBoxLayout& into, QWidget* group) {
-    static_cast<QFrame*>(group)->setFrameShape(QFrame::StyledPanel);
-    into.addWidget(group);
-    return new QVBoxLayout(group);
+void displaymodeSettingsView::addPlace(QVBoxLayout& into) {
+    login_ = new QCheckBox("Launch at Login");
+    QObject::connect(login_, &QAbstractButton::toggled, this, [this](bool on) { model_.setLaunchAtLogin(on); });
+    into.addWidget(login_);
+    into.addWidget(loginError_ = new NoteLabel(Tone::Error));
+    into.addSpacing(5);
+    into.addWidget(divider(this));
+    into.addSpacing(5);
+    const QString title = "Show Prices In:";
+    into.addWidget(plainLabel(title));
+    mode_ = addPicker(*addNamedRow(into, title), {"Status Bar", "Mouse Follow"},
+                      &displaymodeSettingsViewModel::displayMode);
+    into.addWidget(modeText_ = new ToneLabel({}, Tone::Secondary, fontSized(kCaption)));
+    into.addWidget(panelNote_ = new NoteLabel(Tone::Secondary));
 }
 
-QCheckBox* displaymodeSettingsView::addToggle(QVBoxLayout& into, const QString& title, Flag flag) {
-    auto* const toggle = new QCheckBox(title, this);
-    QObject::connect(toggle, &QAbstractButton::clicked, this, [this, flag](bool on) {
-        model_.*flag = on;
-        model_.saveDisplaySettings();
-    });
-    into.addWidget(toggle);
-    toggles_.emplace_back(toggle, flag);
-    return toggle;
-}
-
-QWidget* displaymodeSettingsView::makePicker(Picker& picker, const std::array<const char*, 2>& options, Choice choice) {
-    auto* const view = new QWidget(this);
-    auto* const line = new QHBoxLayout(view);
-    line->setContentsMargins(0, 0, 0, 0);
-    auto* const group = new QButtonGroup(view);
-    for (int value = 0; value < 2; ++value) {
-        auto* const option = new QRadioButton(options.at(static_cast<std::size_t>(value)), view);
-        picker.at(static_cast<std::size_t>(value)) = option;
-        group->addButton(option);
-        line->addWidget(option);
-        QObject::connect(option, &QAbstractButton::clicked, this, [this, choice, value] {
-            if (model_.*choice != value) {
-                model_.*choice = value;
-                model_.saveDisplaySettings();
-            }
-        });
-    }
-    line->addStretch();
-    return view;
+void displaymodeSettingsView::addPanel(QVBoxLayout& into) {
+    panel_ = new QWidget;
+    into.addWidget(panel_);
+    auto* const rows = new QVBoxLayout(panel_);
+    rows->setContentsMargins(0, 0, 0, 0);
+    rows->addWidget(divider(panel_));
+    auto& group = addGroup(*rows);
+    addToggle(group, "Transparent Background", &displaymodeSettingsViewModel::floatTransparent);
+    addDistance(group);
 }
 
 void displaymodeSettingsView::addDistance(QVBoxLayout& into) {
-    auto* const line = new QHBoxLayout;
-    auto* const label = new ToneLabel("Distance:", Tone::Primary, QApplication::font(), this);
-    slider_ = new QSlider(Qt::Horizontal, this);
-    distance_ = new QSpinBox(this);
-    distance_->setSuffix(" px");
-    distance_->setKeyboardTracking(false);
-    for (QWidget* const control : {static_cast<QWidget*>(slider_), static_cast<QWidget*>(distance_)}) {
-        control->setAccessibleName("Distance:");
-    }
+    const QString title = "Distance:";
+    slider_ = new QSlider(Qt::Horizontal);
+    slider_->setAccessibleName(title);
     slider_->setRange(kNearest, kFarthest);
     slider_->setSingleStep(kStep);
     slider_->setPageStep(kStep);
+    distance_ = new QSpinBox;
+    distance_->setAccessibleName(title);
+    distance_->setSuffix(" px");
     distance_->setSingleStep(kStep);
-    line->addWidget(label);
-    line->addWidget(slider_, 1);
-    line->addWidget(distance_);
-    into.addLayout(line);
+    distance_->setKeyboardTracking(false);
+    auto* const row = new QHBoxLayout;
+    into.addLayout(row);
+    row->addWidget(plainLabel(title));
+    row->addWidget(slider_, 1);
+    row->addWidget(distance_);
     QObject::connect(slider_, &QSlider::valueChanged, this,
                      [this](int value) { setDistance((value + kStep / 2) / kStep * kStep); });
     QObject::connect(distance_, &QSpinBox::valueChanged, this,
                      [this](int value) { setDistance(std::clamp(value, kNearest, kFarthest)); });
+}
+
+void displaymodeSettingsView::addDetails(QVBoxLayout& into) {
+    addToggle(into, "Show 24h Change (%)", &displaymodeSettingsViewModel::showChange24h);
+    addToggle(into, "Show 24h High/Low", &displaymodeSettingsViewModel::showHighLow24h);
+}
+
+void displaymodeSettingsView::addExtras(QVBoxLayout& into) {
+    sparkline_ = addToggle(into, "Show Sparkline", &displaymodeSettingsViewModel::showSparkline);
+    addToggle(into, "Show Gas Fee", &displaymodeSettingsViewModel::showGasFee);
+    const QString title = "Gas Source";
+    auto* const row = addNamedRow(into, title);
+    row->setContentsMargins(20, 0, 0, 0);
+    row->addWidget(plainLabel(title));
+    gasSource_ = addPicker(*row, {"Ethereum (Gwei)", "Bitcoin (sat/vB)"}, &displaymodeSettingsViewModel::gasSource);
+    gas_ = row->parentWidget();
+}
+
+QCheckBox* displaymodeSettingsView::addToggle(QVBoxLayout& into, const QString& title, Flag flag) {
+    auto* const toggle = new QCheckBox(title);
+    into.addWidget(toggle);
+    toggles_.emplace_back(toggle, flag);
+    QObject::connect(toggle, &QAbstractButton::toggled, this, [this, flag](bool on) {
+        model_.*flag = on;
+        model_.saveDisplaySettings();
+    });
+    return toggle;
+}
+
+/// The options are numbered from 0.
+QButtonGroup* displaymodeSettingsView::addPicker(QHBoxLayout& into, const QStringList& options, Choice choice) {
+    auto* const picker = new QButtonGroup(this);
+    for (int value = 0; value < options.size(); ++value) {
+        auto* const option = new QRadioButton(options[value]);
+        into.addWidget(option);
+        picker->addButton(option, value);
+    }
+    into.addStretch();
+    QObject::connect(picker, &QButtonGroup::idToggled, this, [this, choice](int value, bool on) {
+        if (on) {
+            model_.*choice = value;
+            model_.saveDisplaySettings();
+        }
+    });
+    return picker;
 }
 
 void displaymodeSettingsView::setDistance(int distance) {
@@ -137,15 +174,16 @@ void displaymodeSettingsView::showEvent(QShowEvent* event) {
 }
 
 void displaymodeSettingsView::showModel() {
-    login_->setChecked(model_.launchAtLogin);
+    saveError_->setText(asText(model_.saveError));
+    setQuietly(*login_, model_.launchAtLogin);
     login_->setAccessibleDescription(asText(model_.loginError));
     loginError_->setText(asText(model_.loginError));
-    mode_.at(model_.displayMode == 1 ? 1 : 0)->setChecked(true);
+    setQuietly(*mode_, model_.displayMode == 1 ? 1 : 0);
     modeText_->setText(asText(model_.modeText()));
     panelNote_->setText(asText(model_.panelNote()));
     panel_->setVisible(model_.displayMode == 1);
     for (const auto& [toggle, flag] : toggles_) {
-        toggle->setChecked(model_.*flag);
+        setQuietly(*toggle, model_.*flag);
     }
     const auto offset = static_cast<int>(std::clamp(model_.floatOffset, 0.0, 9999.0));
     const QSignalBlocker quietSlider(slider_);
@@ -155,7 +193,7 @@ void displaymodeSettingsView::showModel() {
     distance_->setValue(offset);
     sparkline_->setVisible(model_.isSparklineSupported);
     gas_->setVisible(model_.showGasFee);
-    gasSource_.at(model_.gasSource == 1 ? 1 : 0)->setChecked(true);
+    setQuietly(*gasSource_, model_.gasSource == 1 ? 1 : 0);
 }
 
 }  // namespace glintar::settings

@@ -3,14 +3,14 @@
 #include "settings/PartsView.h"
 #include "settings/displaymodeSettingsViewModel.h"
 
+#include <QButtonGroup>
 #include <QCheckBox>
-#include <QRadioButton>
 #include <QSlider>
 #include <QSpinBox>
 #include <QVBoxLayout>
 #include <QWidget>
 
-#include <array>
+#include <cstdint>
 #include <utility>
 #include <vector>
 
@@ -29,20 +29,25 @@ protected:
 
 private:
     using Flag = bool displaymodeSettingsViewModel::*;
-    using Choice = int displaymodeSettingsViewModel::*;
-    using Picker = std::array<QRadioButton*, 2>;
+    using Choice = std::int64_t displaymodeSettingsViewModel::*;
 
-    QVBoxLayout* addGroup(QVBoxLayout& into, QWidget* group);
-    QCheckBox* addToggle(QVBoxLayout& into, const QString& title, Flag flag);
-    [[nodiscard]] QWidget* makePicker(Picker& picker, const std::array<const char*, 2>& options, Choice choice);
+    // Each adds what its name says below what is there.
+    void addPlace(QVBoxLayout& into);
+    void addPanel(QVBoxLayout& into);
     void addDistance(QVBoxLayout& into);
+    void addDetails(QVBoxLayout& into);
+    void addExtras(QVBoxLayout& into);
+    QCheckBox* addToggle(QVBoxLayout& into, const QString& title, Flag flag);
+    QButtonGroup* addPicker(QHBoxLayout& into, const QStringList& options, Choice choice);
+
     void setDistance(int distance);
     void showModel();
 
     displaymodeSettingsViewModel& model_;
+    NoteLabel* saveError_ = nullptr;
     QCheckBox* login_ = nullptr;
     NoteLabel* loginError_ = nullptr;
-    Picker mode_{};
+    QButtonGroup* mode_ = nullptr;
     ToneLabel* modeText_ = nullptr;
     NoteLabel* panelNote_ = nullptr;
     QWidget* panel_ = nullptr;
@@ -50,7 +55,7 @@ private:
     QSpinBox* distance_ = nullptr;
     QCheckBox* sparkline_ = nullptr;
     QWidget* gas_ = nullptr;
-    Picker gasSource_{};
+    QButtonGroup* gasSource_ = nullptr;
     std::vector<std::pair<QCheckBox*, Flag>> toggles_;
 };
 

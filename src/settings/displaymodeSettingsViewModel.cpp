@@ -18,8 +18,6 @@
 
 namespace glintar::settings {
 
-namespace {}  // namespace
-
 displaymodeSettingsViewModel::displaymodeSettingsViewModel(platform::Platform& platform, platform::LoginItem& loginItem,
                                                            std::function<PanelAbilities()> abilities)
     : platform_(platform),
@@ -34,14 +32,14 @@ displaymodeSettingsViewModel::displaymodeSettingsViewModel(platform::Platform& p
 
 void displaymodeSettingsViewModel::read() {
     const auto stored = config::Settings::load(platform_.preferences);
-    displayMode = static_cast<int>(stored.displayMode);
+    displayMode = stored.displayMode;
     showSparkline = stored.showSparkline;
     showGasFee = stored.showGasFee;
     floatTransparent = stored.floatTransparent;
     floatOffset = stored.floatOffset;
     showChange24h = stored.showChange24h;
     showHighLow24h = stored.showHighLow24h;
-    gasSource = static_cast<int>(stored.gasSource);
+    gasSource = stored.gasSource;
     isSparklineSupported = computeSparklineSupport();
 }
 
@@ -55,7 +53,10 @@ void displaymodeSettingsViewModel::saveDisplaySettings() {
                                     .showGasFee = showGasFee,
                                     .gasSource = gasSource,
                                     .enableArbitrage = enableArbitrage};
-    settings.saveDisplay(platform_.preferences);
+    saveError = settings.saveDisplay(platform_.preferences) ? "" : config::kNotSaved;
+    if (!saveError.empty()) {
+        read();
+    }
     changed();
     platform_.notifications.post(config::kDisplaySettingsChanged);
     platform_.notifications.post(config::kDisplayModeChanged);
@@ -71,6 +72,7 @@ void displaymodeSettingsViewModel::syncData() {
 void displaymodeSettingsViewModel::reload() {
     launchAtLogin = loginItem_.isEnabled();
     loginError.clear();
+    saveError.clear();
     syncData();
 }
 

@@ -3,6 +3,7 @@
 #include "platform/Lifetime.h"
 #include "platform/NotificationCenter.h"
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
@@ -46,17 +47,18 @@ public:
     /// Runs after anything below has changed.
     std::function<void()> onChange;
 
-    int displayMode = 0;
+    std::int64_t displayMode = 0;
     bool floatTransparent = false;
     double floatOffset = 0;
     bool launchAtLogin = false;
     std::string loginError;  ///< why the last change of it failed; empty when it did not
+    std::string saveError;   ///< why what was set is not kept; empty when it is
     bool showChange24h = false;
     bool showHighLow24h = false;
     bool showSparkline = false;
     bool isSparklineSupported = false;
     bool showGasFee = false;
-    int gasSource = 0;
+    std::int64_t gasSource = 0;
     bool enableArbitrage = false;
 
 private:

@@ -128,6 +128,11 @@ TEST_F(SettingsModelsTest, AListWrittenElsewhereIsShownAndNothingTypedIsLost) {
     EXPECT_EQ(coins.newCoinDisplayName + coins.newCoinRefPrice, "eth7");
     coins.addCoin();
     EXPECT_THAT(saved(), ElementsAre("A (a)", "B (b)", "ETH (ethereum)Ref: 7.00"));
+    machine.preferences.isWritable = false;
+    EXPECT_THAT(add("btc"), testing::HasSubstr("not kept"));
+    EXPECT_EQ(coins.newCoinDisplayName, "btc");
+    EXPECT_EQ(coins.coins.size(), 3U);
+    machine.preferences.isWritable = true;
     machine.preferences.setData(config::kSavedCoinsKey, "damaged");
     coins.loadCoins();
     EXPECT_EQ(coins.coins.size(), 3U);
@@ -146,11 +151,13 @@ TEST_F(SettingsModelsTest, DisplaySettingsAreSavedAnnouncedOnceAndReadAgain) {
     EXPECT_EQ(machine.preferences.integer("displayMode"), 1);
     EXPECT_EQ(display.modeText(), "The price follows your mouse cursor.");
     machine.preferences.setReal("floatOffset", 7);
+    machine.preferences.setInteger("displayMode", (1LL << 32) + 1);
     machine.preferences.setString("selectedSourceID", "binance");
     machine.notifications.post(config::kCoinsUpdated);
     EXPECT_EQ(display.floatOffset, 25) << "read at a later turn";
     machine.advance(1ms);
     EXPECT_EQ(display.offsetText(), "7 px");
+    EXPECT_EQ(display.modeText(), "The price shows in status bar.");
     EXPECT_FALSE(display.isSparklineSupported);
 
     loginItem.failure = "Read-only file system";

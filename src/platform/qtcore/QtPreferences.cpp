@@ -112,35 +112,54 @@ std::optional<std::string> QtPreferences::data(std::string_view key) const {
     return found.canConvert<QByteArray>() ? std::optional(found.toByteArray().toStdString()) : std::nullopt;
 }
 
-void QtPreferences::setBoolean(std::string_view key, bool value) {
-    set(key, value);
+bool QtPreferences::setBoolean(std::string_view key, bool value) {
+    return set(key, value);
 }
 
-void QtPreferences::setInteger(std::string_view key, std::int64_t value) {
-    set(key, static_cast<qlonglong>(value));
+bool QtPreferences::setInteger(std::string_view key, std::int64_t value) {
+    return set(key, static_cast<qlonglong>(value));
 }
 
-void QtPreferences::setReal(std::string_view key, double value) {
-    set(key, value);
+bool QtPreferences::setReal(std::string_view key, double value) {
+    return set(key, value);
 }
 
-void QtPreferences::setString(std::string_view key, std::string_view value) {
-    set(key, keyOf(value));
+bool QtPreferences::setString(std::string_view key, std::string_view value) {
+    return set(key, keyOf(value));
 }
 
-void QtPreferences::setData(std::string_view key, std::string_view bytes) {
-    set(key, QByteArray(bytes.data(), static_cast<qsizetype>(bytes.size())));
+bool QtPreferences::setData(std::string_view key, std::string_view bytes) {
+    return set(key, QByteArray(bytes.data(), static_cast<qsizetype>(bytes.size())));
 }
 
-void QtPreferences::remove(std::string_view key) {
-    write([&](QSettings& settings) { settings.remove(keyOf(key)); });
+bool QtPreferences::remove(std::string_view key) {
+    return set(key, QVariant());
 }
 
-void QtPreferences::set(std::string_view key, const QVariant& value) {
-    write([&](QSettings& settings) { settings.setValue(keyOf(key), value); });
+bool QtPreferences::set(std::string_view key, const QVariant& value) {
+    bool isWritten = prepareWrite();
+    if (isWritten) {
+        const auto put = [this, name = keyOf(key)](const QVariant& one) {
+            one.isValid() ? settings_->setValue(name, one) : settings_->remove(name);
+        };
+        const QVariant before = settings_->value(keyOf(key));
+        put(value);
+        settings_->sync();
+        isWritten = settings_->status() != QSettings::AccessError;
+        if (!isWritten) {
+            put(before);  // or it would be kept in memory
+        }
+    }
+    if (!isWritten) {
+        console_.print("⚠️ [Preferences] could not be written: " + file_.string());
+    }
+    return isWritten;
 }
 
-void QtPreferences::write(const std::function<void(QSettings&)>& change) {
+bool QtPreferences::prepareWrite() {
+    if (settings_ && settings_->status() == QSettings::AccessError) {
+        settings_.reset();  // it never forgets that it failed
+    }
     auto kept = file_;
     kept += ".damaged";
     std::error_code ignored;
@@ -151,14 +170,7 @@ void QtPreferences::write(const std::function<void(QSettings&)>& change) {
     } else if (isReady && settings_->status() == QSettings::FormatError) {
         std::filesystem::copy_file(file_, kept, std::filesystem::copy_options::skip_existing, ignored);
     }
-    isReady = isReady && isLockFree(file_);
-    if (isReady) {
-        change(*settings_);
-        settings_->sync();
-    }
-    if (!isReady || settings_->status() == QSettings::AccessError) {
-        console_.print("⚠️ [Preferences] could not be written: " + file_.string());
-    }
+    return isReady && isLockFree(file_);
 }
 
 void QtPreferences::watch() {

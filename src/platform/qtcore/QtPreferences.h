@@ -5,7 +5,6 @@
 #include <QSettings>
 
 #include <filesystem>
-#include <functional>
 #include <memory>
 #include <optional>
 #include <string_view>
@@ -31,21 +30,22 @@ public:
     std::optional<std::string> string(std::string_view key) const override;
     std::optional<std::string> data(std::string_view key) const override;
 
-    void setBoolean(std::string_view key, bool value) override;
-    void setInteger(std::string_view key, std::int64_t value) override;
-    void setReal(std::string_view key, double value) override;
-    void setString(std::string_view key, std::string_view value) override;
-    void setData(std::string_view key, std::string_view bytes) override;
-    void remove(std::string_view key) override;
+    bool setBoolean(std::string_view key, bool value) override;
+    bool setInteger(std::string_view key, std::int64_t value) override;
+    bool setReal(std::string_view key, double value) override;
+    bool setString(std::string_view key, std::string_view value) override;
+    bool setData(std::string_view key, std::string_view bytes) override;
+    bool remove(std::string_view key) override;
 
     /// From now on `onExternalChange` runs when the file changes.
     void watch();
 
 private:
     QVariant value(std::string_view key) const;
-    void set(std::string_view key, const QVariant& value);
+    /// Removes the key when the value is invalid. False when it could not be stored: it reads as before then.
+    bool set(std::string_view key, const QVariant& value);
     bool refresh() const;
-    void write(const std::function<void(QSettings&)>& change);
+    bool prepareWrite();
     void watchPaths();
 
     std::filesystem::path file_;

@@ -26,12 +26,19 @@ public:
     std::optional<std::string> string(std::string_view key) const override { return get<std::string>(key); }
     std::optional<std::string> data(std::string_view key) const override;
 
-    void setBoolean(std::string_view key, bool value) override { set(key, value); }
-    void setInteger(std::string_view key, std::int64_t value) override { set(key, value); }
-    void setReal(std::string_view key, double value) override { set(key, value); }
-    void setString(std::string_view key, std::string_view value) override { set(key, std::string(value)); }
-    void setData(std::string_view key, std::string_view bytes) override { set(key, Bytes{std::string(bytes)}); }
-    void remove(std::string_view key) override { values_.erase(std::string(key)); }
+    bool setBoolean(std::string_view key, bool value) override { return set(key, value); }
+    bool setInteger(std::string_view key, std::int64_t value) override { return set(key, value); }
+    bool setReal(std::string_view key, double value) override { return set(key, value); }
+    bool setString(std::string_view key, std::string_view value) override { return set(key, std::string(value)); }
+    bool setData(std::string_view key, std::string_view bytes) override { return set(key, Bytes{std::string(bytes)}); }
+    bool remove(std::string_view key) override {
+        if (isWritable) {
+            values_.erase(std::string(key));
+        }
+        return isWritable;
+    }
+
+    bool isWritable = true;
 
 private:
     struct Bytes {
@@ -47,7 +54,12 @@ private:
         }
         return std::get<T>(found->second);
     }
-    void set(std::string_view key, Value value) { values_.insert_or_assign(std::string(key), std::move(value)); }
+    bool set(std::string_view key, Value value) {
+        if (isWritable) {
+            values_.insert_or_assign(std::string(key), std::move(value));
+        }
+        return isWritable;
+    }
 
     std::map<std::string, Value> values_;
 };

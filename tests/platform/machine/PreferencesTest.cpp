@@ -92,8 +92,11 @@ TEST_F(PreferencesTest, APlaceThatCannotBeWrittenIsSaid) {
     std::ofstream(folder.path() / "glintar") << "a file where the folder should be";
     QtPreferences preferences(file, console);
     EXPECT_FALSE(preferences.boolean("showGasFee"));
-    preferences.setBoolean("showGasFee", true);
+    EXPECT_FALSE(preferences.setBoolean("showGasFee", true));
     EXPECT_EQ(console.count("could not be written"), 1);
+    EXPECT_FALSE(preferences.boolean("showGasFee")) << "it reads as it is stored";
+    std::filesystem::remove(folder.path() / "glintar");
+    EXPECT_TRUE(preferences.setBoolean("showGasFee", true)) << "it may be written again later";
 }
 
 TEST_F(PreferencesTest, WhatIsNoPreferenceFileIsNeitherWaitedForNorReadUntilItIsPutRight) {
