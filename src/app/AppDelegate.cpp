@@ -35,6 +35,9 @@ void AppDelegate::applicationDidFinishLaunching() {
     updaterController_.emplace(
         platform_, updates::UpdateController::Options{
                        .windows = desktop_.windows, .workspace = desktop_.workspace, .feed = options_.releaseFeed});
+    if (!options_.isDemo) {
+        updaterController_->start();
+    }
     surface_.emplace(platform_, desktop_, requests(), options_.mark);
     statusBarController_.emplace(platform_, *surface_, presenter::StatusBarController::Options{});
     statusBarController_->show();
@@ -48,7 +51,6 @@ void AppDelegate::applicationDidFinishLaunching() {
         statusBarController_->start();
         config::CoinListUpdater::shared(platform_).checkForNewVersion();
         if (!options_.isDemo) {
-            updaterController_->start();
             desktop_.loginItem.repair();
         }
     });

@@ -21,6 +21,7 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr auto kBetweenChecks = 24h;
+constexpr auto kFirstLook = 100ms;  // what is shown first goes first
 constexpr auto kBetweenLooks = 1h;  // at the calendar, which goes on while the machine sleeps
 constexpr std::size_t kMaxFeedBytes = std::size_t{1} << 20;
 constexpr std::size_t kMaxNotes = 1000;
@@ -85,9 +86,13 @@ UpdateController::~UpdateController() = default;
 
 void UpdateController::start() {
     if (isSecure(options_.feed)) {
-        checkIfDue();
-        timer_ = platform_.runLoop.every(kBetweenLooks, [this] { checkIfDue(); });
+        timer_ = platform_.runLoop.after(kFirstLook, [this] { look(); });
     }
+}
+
+void UpdateController::look() {
+    timer_ = platform_.runLoop.after(kBetweenLooks, [this] { look(); });
+    checkIfDue();
 }
 
 void UpdateController::checkIfDue() {
@@ -119,9 +124,7 @@ void UpdateController::check(Asked asked) {
 }
 
 void UpdateController::finish(Asked asked, const std::expected<std::optional<Release>, std::string>& found) {
-    if (found) {
-        platform_.preferences.setInteger(kLastCheck, secondsOf(platform_.runLoop.wallNow()));
-    }
+    platform_.preferences.setInteger(kLastCheck, secondsOf(platform_.runLoop.wallNow()));  // a failure counts as well
     if (found && *found) {
         if (asked == Asked::ByUser || platform_.preferences.string(kAnnounced) != (*found)->version) {
             platform_.preferences.setString(kAnnounced, (*found)->version);

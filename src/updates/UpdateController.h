@@ -48,7 +48,8 @@ public:
     UpdateController& operator=(const UpdateController&) = delete;
     ~UpdateController();
 
-    /// From now on looks once a day by itself: tells of each release once, and of nothing else.
+    /// From now on looks once a day by itself, the first time in a moment: tells of each release once, and of nothing
+    /// else.
     void start();
 
     /// The user asks: tells of every outcome.
@@ -57,6 +58,7 @@ public:
 private:
     enum class Asked { ByUser, ByItself };
 
+    void look();
     void checkIfDue();
     void check(Asked asked);
     void finish(Asked asked, const std::expected<std::optional<Release>, std::string>& found);
