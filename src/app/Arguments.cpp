@@ -34,6 +34,18 @@ std::optional<Arguments::Command> commandNamed(std::string_view name) {
     return std::nullopt;
 }
 
+bool isOfSettings(std::string_view command) {
+    return command == "coins" || command == "source" || command == "display";
+}
+
+std::string whyNoCommand(std::string_view name, bool isDemo) {
+    if (!isOfSettings(name)) {
+        return fmt::format("there is no command \"{}\"", text::oneLine(name));
+    }
+    return isDemo ? fmt::format("\"{}\" changes your own settings, so it takes no --demo", name)
+                  : fmt::format("\"{}\" comes before all else: glintar {} --help", name, name);
+}
+
 }  // namespace
 
 std::string_view usage() {
@@ -68,21 +80,35 @@ std::string_view usage() {
 std::expected<Arguments, std::string> parseArguments(std::span<const char* const> arguments) {
     Arguments parsed;
     bool hasFormat = false;
+    bool hasOptions = arguments.empty() || arguments.front() != std::string_view("--");
+    if (!hasOptions) {
+        arguments = arguments.subspan(1);
+    }
     const std::string_view first = arguments.empty() ? "" : arguments.front();
-    if (first == "coins" || first == "source" || first == "display") {
-        const bool wantsHelp = std::ranges::find(arguments, std::string_view("--help")) != arguments.end();
+    if (isOfSettings(first)) {
+        const auto end = std::ranges::find(arguments, std::string_view("--"));
+        const bool wantsHelp = std::find(arguments.begin(), end, std::string_view("--help")) != end;
         return Arguments{.command = wantsHelp ? Arguments::Command::Help : Arguments::Command::Settings,
                          .words = {arguments.begin(), arguments.end()}};
     }
     for (std::size_t i = 0; i < arguments.size(); ++i) {
         const std::string_view argument = arguments[i];
-        if (argument == "--help" || argument == "-h") {
+        if (!hasOptions || !argument.starts_with('-')) {
+            const auto command = commandNamed(argument);
+            if (!command) {
+                return std::unexpected(whyNoCommand(argument, parsed.demo));
+            }
+            if (parsed.command != Arguments::Command::Desktop) {
+                return std::unexpected(fmt::format("\"{}\" is one command too many", argument));
+            }
+            parsed.command = *command;
+        } else if (argument == "--") {
+            hasOptions = false;
+        } else if (argument == "--help" || argument == "-h") {
             return Arguments{.command = Arguments::Command::Help};
-        }
-        if (argument == "--version") {
+        } else if (argument == "--version") {
             return Arguments{.command = Arguments::Command::Version};
-        }
-        if (argument == "--demo") {
+        } else if (argument == "--demo") {
             parsed.demo = true;
         } else if (argument == "--settings") {
             parsed.opensSettings = true;
@@ -99,13 +125,8 @@ std::expected<Arguments, std::string> parseArguments(std::span<const char* const
             }
             parsed.format = *format;
             hasFormat = true;
-        } else if (const auto command = commandNamed(argument); !command) {
-            const auto kind = argument.starts_with('-') ? "option" : "command";
-            return std::unexpected(fmt::format("there is no {} \"{}\"", kind, text::oneLine(argument)));
-        } else if (parsed.command != Arguments::Command::Desktop) {
-            return std::unexpected(fmt::format("\"{}\" is one command too many", argument));
         } else {
-            parsed.command = *command;
+            return std::unexpected(fmt::format("there is no option \"{}\"", text::oneLine(argument)));
         }
     }
     if (parsed.once && parsed.command != Arguments::Command::Line) {
@@ -114,7 +135,7 @@ std::expected<Arguments, std::string> parseArguments(std::span<const char* const
     if (hasFormat && parsed.command == Arguments::Command::Desktop) {
         return std::unexpected("--format belongs to a command: glintar line --format");
     }
-    if (parsed.opensSettings && parsed.command == Arguments::Command::Line) {
+    if (parsed.opensSettings && parsed.command != Arguments::Command::Desktop) {
         return std::unexpected("--settings belongs to the desktop: glintar --settings");
     }
     return parsed;

@@ -32,6 +32,11 @@ public:
     [[nodiscard]] static std::string keyNameOf(std::string_view sourceId);
     [[nodiscard]] std::string apiKeyOf(std::string_view sourceId) const;
 
+    /// Until `release`, `apiKeyOf` answers for this source what is stored now: half a key is not to be sent while the
+    /// user types.
+    void hold(std::string_view sourceId) const;
+    void release() const;
+
     /// A key that is no header value would be cut or split on the wire, so it is never sent. False for an empty one.
     [[nodiscard]] static bool canBeSent(std::string_view key);
 

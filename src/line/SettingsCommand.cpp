@@ -14,6 +14,8 @@
 
 #include <algorithm>
 #include <array>
+#include <expected>
+#include <optional>
 #include <vector>
 
 namespace glintar::line {
@@ -21,6 +23,7 @@ namespace glintar::line {
 namespace {
 
 using namespace std::chrono_literals;
+using platform::SecretStatus;
 using settings::coinsSettingsViewModel;
 
 constexpr int kDone = 0;
@@ -28,103 +31,113 @@ constexpr int kFailed = 1;
 constexpr int kWrongUsage = 2;
 constexpr auto kBetweenLooks = 20ms;  // at the key ring, which may be asking the user for its password
 
-/// What can be asked for, in the words of the command line: subject, verb, how many arguments, whether it prints.
-struct Form {
-    std::string_view subject;
-    std::string_view verb;
-    std::size_t arguments;
-    bool prints;
-};
-constexpr std::array<Form, 9> kForms{{{"coins", "list", 0, true},
-                                      {"coins", "search", 1, true},
-                                      {"coins", "add", 1, false},
-                                      {"coins", "remove", 1, false},
-                                      {"source", "list", 0, true},
-                                      {"source", "use", 1, false},
-                                      {"source", "key", 1, false},
-                                      {"display", "list", 0, true},
-                                      {"display", "set", 2, false}}};
+constexpr auto kPatience = 1s;  // before it is said what is waited for
+constexpr auto kLongestWait = 30s;
+
+constexpr std::array<std::string_view, 3> kCounts{"no word", "one word", "two words"};
+
+/// The value of the option at `at`, which then stands at its last word; none when it is another option, or lacks one.
+std::optional<std::string_view> valueOf(std::string_view option, std::span<const std::string_view> words,
+                                        std::size_t& at) {
+    const auto word = words[at];
+    if (word.starts_with(option) && word.substr(option.size()).starts_with('=')) {
+        return word.substr(option.size() + 1);
+    }
+    return word == option && at + 1 < words.size() ? std::optional(words[++at]) : std::nullopt;
+}
 
 }  // namespace
 
-struct SettingsCommand::Request {
-    std::string name;  ///< subject and verb
-    std::vector<std::string> arguments;
-    std::string price;
-    bool isJson = false;
+/// What can be asked for, in the words of the command line.
+struct SettingsCommand::Form {
+    std::string_view subject;
+    std::string_view verb;
+    std::size_t words;  ///< how many follow it
+    bool prints;
+    std::optional<int> (SettingsCommand::*run)(const Request&);  ///< the status; none when it ends later
 
-    static std::expected<Request, std::string> parse(std::span<const std::string_view> words);
+    static const std::array<Form, 9> kAll;
+    static std::expected<const Form*, std::string> find(std::span<const std::string_view> words);
+    [[nodiscard]] std::expected<Request, std::string> parse(std::span<const std::string_view> following) const;
 };
 
-std::expected<SettingsCommand::Request, std::string> SettingsCommand::Request::parse(
+const std::array<SettingsCommand::Form, 9> SettingsCommand::Form::kAll{
+    {{"coins", "list", 0, true, &SettingsCommand::listCoins},
+     {"coins", "search", 1, true, &SettingsCommand::searchCoins},
+     {"coins", "add", 1, false, &SettingsCommand::addCoin},
+     {"coins", "remove", 1, false, &SettingsCommand::removeCoin},
+     {"source", "list", 0, true, &SettingsCommand::listSources},
+     {"source", "use", 1, false, &SettingsCommand::useSource},
+     {"source", "key", 1, false, &SettingsCommand::setKey},
+     {"display", "list", 0, true, &SettingsCommand::listDisplay},
+     {"display", "set", 2, false, &SettingsCommand::setDisplay}}};
+
+std::expected<const SettingsCommand::Form*, std::string> SettingsCommand::Form::find(
     std::span<const std::string_view> words) {
-    const auto verb = words.size() < 2 ? std::string_view() : words[1];
-    const auto* const form = std::ranges::find_if(
-        kForms, [&](const Form& known) { return known.subject == words.front() && known.verb == verb; });
-    if (form == kForms.end()) {
-        return std::unexpected(fmt::format("there is no command \"{} {}\"", words.front(), text::oneLine(verb)));
+    const auto subject = words.front();
+    std::string verbs;
+    for (const auto& form : kAll) {
+        if (form.subject != subject) {
+            continue;
+        }
+        if (words.size() > 1 && form.verb == words[1]) {
+            return &form;
+        }
+        verbs += fmt::format("{}{}", verbs.empty() ? "" : ", ", form.verb);
     }
-    Request request{.name = fmt::format("{} {}", form->subject, form->verb)};
-    for (std::size_t i = 2; i < words.size(); ++i) {
-        const bool hasNext = i + 1 < words.size();
-        if (words[i] == "--format" && form->prints && hasNext && (words[i + 1] == "json" || words[i + 1] == "text")) {
-            request.isJson = words[++i] == "json";
-        } else if (words[i] == "--ref" && form->verb == "add" && hasNext) {
-            request.price = words[++i];
-        } else if (words[i].starts_with("--")) {
-            return std::unexpected(fmt::format("\"{}\" does not take \"{}\"", request.name, text::oneLine(words[i])));
+    return std::unexpected(words.size() < 2 ? fmt::format("\"{}\" wants one of these after it: {}", subject, verbs)
+                                            : fmt::format("there is no command \"{} {}\"; there are {}", subject,
+                                                          text::oneLine(words[1]), verbs));
+}
+
+std::expected<SettingsCommand::Request, std::string> SettingsCommand::Form::parse(
+    std::span<const std::string_view> following) const {
+    Request request;
+    bool hasOptions = true;
+    for (std::size_t i = 0; i < following.size(); ++i) {
+        const auto word = following[i];
+        if (!hasOptions || !word.starts_with("--")) {
+            request.words.emplace_back(word);
+        } else if (word == "--") {
+            hasOptions = false;
+        } else if (const auto format = prints ? valueOf("--format", following, i) : std::nullopt) {
+            request.isJson = *format == "json";
+            if (!request.isJson && format != "text") {
+                return std::unexpected(
+                    fmt::format("there is no format \"{}\"; there are text and json", text::oneLine(*format)));
+            }
+        } else if (const auto price = verb == "add" ? valueOf("--ref", following, i) : std::nullopt) {
+            request.price = *price;
+            if (!text::parseDecimal(*price) || price->find_first_not_of("0123456789.") != std::string_view::npos) {
+                return std::unexpected(fmt::format("\"{}\" is no price", text::oneLine(*price)));
+            }
+        } else if ((prints && word == "--format") || (verb == "add" && word == "--ref")) {
+            return std::unexpected(prints ? "--format wants a format: text or json" : "--ref wants a price");
         } else {
-            request.arguments.emplace_back(words[i]);
+            return std::unexpected(fmt::format("\"{} {}\" does not take \"{}\"", subject, verb, text::oneLine(word)));
         }
     }
-    if (request.arguments.size() != form->arguments) {
-        return std::unexpected(fmt::format("\"{}\" wants {} words after it", request.name, form->arguments));
-    }
-    const auto number = text::parseDecimal(request.price);
-    if (!request.price.empty() && (!number || *number < 0)) {
-        return std::unexpected(fmt::format("\"{}\" is no price", text::oneLine(request.price)));
+    if (request.words.size() != words) {
+        return std::unexpected(
+            fmt::format("\"{} {}\" {} {} after it", subject, verb, words == 0 ? "takes" : "wants", kCounts.at(words)));
     }
     return request;
 }
 
 void SettingsCommand::start(std::span<const std::string_view> words) {
-    const auto request = Request::parse(words);
+    const auto form = Form::find(words);
+    const auto request = form ? (*form)->parse(words.subspan(2)) : std::unexpected(form.error());
     if (!request) {
         machine_.finish(complain(request.error() + "\nTry \"glintar --help\".", kWrongUsage));
-    } else if (request->name == "source key") {
-        setKey(request->arguments[0]);
-    } else {
-        machine_.finish(run(*request));
+    } else if (const auto status = (this->*(*form)->run)(*request)) {
+        machine_.finish(*status);
     }
 }
 
-int SettingsCommand::run(const Request& request) {
-    const auto& [name, words, price, isJson] = request;
-    if (name == "coins list") {
-        return listCoins(isJson);
-    }
-    if (name == "coins search") {
-        return searchCoins(words[0], isJson);
-    }
-    if (name == "coins add") {
-        return addCoin(words[0], price);
-    }
-    if (name == "coins remove") {
-        return removeCoin(words[0]);
-    }
-    if (name == "source list") {
-        return listSources(isJson);
-    }
-    if (name == "source use") {
-        return useSource(words[0]);
-    }
-    return name == "display list" ? listDisplay(isJson) : setDisplay(words[0], words[1]);
-}
-
-int SettingsCommand::listCoins(bool isJson) {
+std::optional<int> SettingsCommand::listCoins(const Request& request) {
     coinsSettingsViewModel model(machine_.platform);
     model.loadCoins();
-    if (isJson) {
+    if (request.isJson) {
         machine_.output.printLine(config::encodeCoins(model.coins));
         return kDone;
     }
@@ -136,40 +149,40 @@ int SettingsCommand::listCoins(bool isJson) {
     return kDone;
 }
 
-int SettingsCommand::searchCoins(const std::string& text, bool isJson) {
+std::optional<int> SettingsCommand::searchCoins(const Request& request) {
     coinsSettingsViewModel model(machine_.platform);
-    model.setName(text);
+    model.setName(request.words[0]);
     json::Writer writer;
     writer.beginArray();
     for (const auto& suggestion : model.filteredCoins) {
-        if (isJson) {
+        if (request.isJson) {
             writer.string(suggestion);
         } else {
             machine_.output.printLine(text::oneLine(suggestion));
         }
     }
-    if (isJson) {
+    if (request.isJson) {
         machine_.output.printLine(writer.endArray().text());
     }
     return kDone;
 }
 
-int SettingsCommand::addCoin(const std::string& text, const std::string& price) {
+std::optional<int> SettingsCommand::addCoin(const Request& request) {
     coinsSettingsViewModel model(machine_.platform);
     model.loadCoins();
     if (!model.canAddCoin) {
         return complain(model.limitText(), kFailed);
     }
-    model.newCoinDisplayName = text;
-    model.newCoinRefPrice = price;
+    model.newCoinDisplayName = request.words[0];
+    model.newCoinRefPrice = request.price;
     model.addCoin();
     return model.isSaved ? kDone : complain(model.errorMessage.value_or("Nothing was added."), kFailed);
 }
 
-int SettingsCommand::removeCoin(const std::string& id) {
+std::optional<int> SettingsCommand::removeCoin(const Request& request) {
     coinsSettingsViewModel model(machine_.platform);
     model.loadCoins();
-    const auto found = std::ranges::find(model.coins, id, &config::Coin::apiId);
+    const auto found = std::ranges::find(model.coins, request.words[0], &config::Coin::apiId);
     if (found == model.coins.end()) {
         return complain("This crypto coin is not on the list.", kFailed);
     }
@@ -177,7 +190,7 @@ int SettingsCommand::removeCoin(const std::string& id) {
     return model.isSaved ? kDone : complain(*model.errorMessage, kFailed);
 }
 
-int SettingsCommand::listSources(bool isJson) {
+std::optional<int> SettingsCommand::listSources(const Request& request) {
     const settings::APISettingsViewModel model(machine_.platform);
     if (!model.config) {
         return complain("There is no source configuration.", kFailed);
@@ -186,7 +199,7 @@ int SettingsCommand::listSources(bool isJson) {
     writer.beginArray();
     for (const auto& source : model.config->sources) {
         const bool isSelected = source.id == model.selectedSourceID;
-        if (isJson) {
+        if (request.isJson) {
             writer.beginObject().key("id").string(source.id).key("name").string(source.name);
             writer.key("selected")
                 .boolean(isSelected)
@@ -198,13 +211,14 @@ int SettingsCommand::listSources(bool isJson) {
                 text::oneLine(fmt::format("{} {}  {}", isSelected ? '*' : ' ', source.id, source.name)));
         }
     }
-    if (isJson) {
+    if (request.isJson) {
         machine_.output.printLine(writer.endArray().text());
     }
     return kDone;
 }
 
-int SettingsCommand::useSource(const std::string& id) {
+std::optional<int> SettingsCommand::useSource(const Request& request) {
+    const auto& id = request.words[0];
     settings::APISettingsViewModel model(machine_.platform);
     const auto* const source = model.config ? model.config->source(id) : nullptr;
     if (source == nullptr) {
@@ -215,27 +229,34 @@ int SettingsCommand::useSource(const std::string& id) {
     return note.empty() ? kDone : complain(note, kFailed);
 }
 
-void SettingsCommand::setKey(const std::string& id) {
+std::optional<int> SettingsCommand::setKey(const Request& request) {
+    const auto& id = request.words[0];
     sources_.emplace(machine_.platform);
     if (!sources_->config || sources_->config->source(id) == nullptr) {
-        return machine_.finish(complain(fmt::format("There is no data source \"{}\".", text::oneLine(id)), kFailed));
+        return complain(fmt::format("There is no data source \"{}\".", text::oneLine(id)), kFailed);
     }
     const auto key = machine_.readKey();
     if (!key) {
-        return machine_.finish(kFailed);
+        return kFailed;
     }
     if (!key->empty() && !keystore::KeychainHelper::canBeSent(*key)) {
         complain(settings::kCannotBeSent, kDone);
     }
     const auto status = sources_->storeKey(id, *key);
-    if (status != platform::SecretStatus::Done && status != platform::SecretStatus::NotFound) {
-        return machine_.finish(complain(settings::APISettingsViewModel::noteOf(status, true), kFailed));
+    if (status != SecretStatus::Done && status != SecretStatus::NotFound) {
+        return complain(settings::APISettingsViewModel::noteOf(status, *key), kFailed);
     }
     keyTimer_ = machine_.platform.runLoop.every(kBetweenLooks, [this, id, key = *key] { finishKey(id, key); });
+    patience_ = machine_.platform.runLoop.after(
+        kPatience, [this] { complain(settings::APISettingsViewModel::noteOf(SecretStatus::Pending, {}), kDone); });
+    longestWait_ = machine_.platform.runLoop.after(kLongestWait, [this] {
+        keyTimer_.reset();
+        machine_.finish(complain("The key ring did not answer.", kFailed));
+    });
+    return std::nullopt;
 }
 
 void SettingsCommand::finishKey(const std::string& id, const std::string& key) {
-    using platform::SecretStatus;
     const keystore::KeychainHelper keys(machine_.platform);
     auto now = keys.peek(keystore::KeychainHelper::keyNameOf(id));
     if (machine_.platform.secrets.isWriting() || now.status == SecretStatus::Pending) {
@@ -244,9 +265,11 @@ void SettingsCommand::finishKey(const std::string& id, const std::string& key) {
     if (now.status == SecretStatus::Done && now.bytes != key) {
         now.status = SecretStatus::Failed;
     }
-    const auto note = settings::APISettingsViewModel::noteOf(now.status, !key.empty());
+    const auto note = settings::APISettingsViewModel::noteOf(now.status, key);
     const auto finish = machine_.finish;
     const int status = note.empty() ? kDone : complain(note, kFailed);
+    patience_.reset();
+    longestWait_.reset();
     keyTimer_.reset();  // and with it id and key
     finish(status);
 }

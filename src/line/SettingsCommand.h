@@ -8,6 +8,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace glintar::platform {
 class LoginItem;
@@ -32,28 +33,33 @@ public:
     explicit SettingsCommand(Machine machine) : machine_(std::move(machine)) {}
 
     /// `words` are the command and what follows it. Ends with 0, with 1 for what cannot be done, or with 2 for wrong
-    /// usage. A key is waited for until the key ring has taken or refused it.
+    /// usage. A key is waited for until the key ring has taken or refused it, 30 s at most.
     void start(std::span<const std::string_view> words);
 
 private:
-    struct Request;
-    [[nodiscard]] int run(const Request& request);
-    [[nodiscard]] int listCoins(bool isJson);
-    [[nodiscard]] int searchCoins(const std::string& text, bool isJson);
-    [[nodiscard]] int addCoin(const std::string& text, const std::string& price);
-    [[nodiscard]] int removeCoin(const std::string& id);
-    [[nodiscard]] int listSources(bool isJson);
-    [[nodiscard]] int useSource(const std::string& id);
-    void setKey(const std::string& id);
+    struct Request {
+        std::vector<std::string> words;
+        std::string price;
+        bool isJson = false;
+    };
+    struct Form;
+    // Each the status, or none when it ends later.
+    [[nodiscard]] std::optional<int> listCoins(const Request& request);
+    [[nodiscard]] std::optional<int> searchCoins(const Request& request);
+    [[nodiscard]] std::optional<int> addCoin(const Request& request);
+    [[nodiscard]] std::optional<int> removeCoin(const Request& request);
+    [[nodiscard]] std::optional<int> listSources(const Request& request);
+    [[nodiscard]] std::optional<int> useSource(const Request& request);
+    [[nodiscard]] std::optional<int> setKey(const Request& request);
+    [[nodiscard]] std::optional<int> listDisplay(const Request& request);
+    [[nodiscard]] std::optional<int> setDisplay(const Request& request);
     void finishKey(const std::string& id, const std::string& key);
-    [[nodiscard]] int listDisplay(bool isJson);
-    [[nodiscard]] int setDisplay(std::string_view name, std::string_view value);
 
     int complain(const std::string& text, int status);
 
     Machine machine_;
     std::optional<settings::APISettingsViewModel> sources_;
-    platform::TimerHandle keyTimer_;
+    platform::TimerHandle keyTimer_, patience_, longestWait_;
 };
 
 }  // namespace glintar::line

@@ -49,24 +49,25 @@ std::string valueText(const displaymodeSettingsViewModel& model, const Field& fi
 
 }  // namespace
 
-int SettingsCommand::listDisplay(bool isJson) {
+std::optional<int> SettingsCommand::listDisplay(const Request& request) {
     const displaymodeSettingsViewModel model(machine_.platform, machine_.loginItem);
     std::string object;
     for (const auto& field : kFields) {
         const auto value = valueText(model, field);
-        if (isJson) {
+        if (request.isJson) {
             object += fmt::format("{}\"{}\":{}", object.empty() ? '{' : ',', field.name, value);
         } else {
             machine_.output.printLine(fmt::format("{} {}", field.name, value));
         }
     }
-    if (isJson) {
+    if (request.isJson) {
         machine_.output.printLine(object + '}');
     }
     return kDone;
 }
 
-int SettingsCommand::setDisplay(std::string_view name, std::string_view value) {
+std::optional<int> SettingsCommand::setDisplay(const Request& request) {
+    const auto &name = request.words[0], &value = request.words[1];
     const auto* const field = std::ranges::find(kFields, name, &Field::name);
     if (field == kFields.end()) {
         return complain(

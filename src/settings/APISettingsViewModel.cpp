@@ -35,6 +35,12 @@ APISettingsViewModel::APISettingsViewModel(platform::Platform& platform)
     loadApiKey();
 }
 
+APISettingsViewModel::~APISettingsViewModel() {
+    if (announcement_) {
+        keys_.release();
+    }
+}
+
 std::optional<std::string> APISettingsViewModel::readConfigText() {
     const auto cached = config::cachedConfigFileURL(platform_);
     if (cached && platform_.files.exists(*cached)) {
@@ -111,6 +117,7 @@ void APISettingsViewModel::store() {
 
 void APISettingsViewModel::announce() {
     announcement_.reset();
+    keys_.release();
     platform_.notifications.post(config::kCoinsUpdated);
 }
 
@@ -131,6 +138,9 @@ void APISettingsViewModel::selectSource(const config::SourceConfig& source) {
 }
 
 void APISettingsViewModel::setApiKey(std::string text) {
+    if (!announcement_) {
+        keys_.hold(selectedSourceID);
+    }
     inputApiKey = std::move(text);
     typed_ = inputApiKey;
     store();
@@ -167,20 +177,21 @@ std::string APISettingsViewModel::keyNote() const {
     if (!inputApiKey.empty() && !KeychainHelper::canBeSent(inputApiKey)) {
         return kCannotBeSent;
     }
-    return noteOf(keyStatus_, typed_ && !typed_->empty());
+    return noteOf(keyStatus_, typed_);
 }
 
-std::string APISettingsViewModel::noteOf(SecretStatus status, bool isTyped) {
+std::string APISettingsViewModel::noteOf(SecretStatus status, const std::optional<std::string>& typed) {
     switch (status) {
         case SecretStatus::Done:
             return "";
         case SecretStatus::NotFound:
-            return isTyped ? "The key ring did not keep this key." : "";
+            return typed && !typed->empty() ? "The key ring did not keep this key." : "";
         case SecretStatus::Pending:
             return "Waiting for the key ring...";
         case SecretStatus::Locked:
-            return isTyped ? "The key ring is locked, so this key is not kept."
-                           : "The key ring is locked, so a stored key cannot be read.";
+            return !typed           ? "The key ring is locked, so a stored key cannot be read."
+                   : typed->empty() ? "The key ring is locked, so the stored key is not removed."
+                                    : "The key ring is locked, so this key is not kept.";
         case SecretStatus::Unavailable:
             return "There is no key ring in this session, so keys cannot be kept.";
         case SecretStatus::Failed:

@@ -27,6 +27,9 @@ inline constexpr const char* kCannotBeSent =
 class APISettingsViewModel {
 public:
     explicit APISettingsViewModel(platform::Platform& platform);
+    APISettingsViewModel(const APISettingsViewModel&) = delete;
+    APISettingsViewModel& operator=(const APISettingsViewModel&) = delete;
+    ~APISettingsViewModel();
 
     void loadConfig();
     void validateSelectedSource();
@@ -43,8 +46,9 @@ public:
     /// once; it may refuse later.
     platform::SecretStatus storeKey(const std::string& sourceId, const std::string& key);
 
-    /// What there is to say of a key of which the store says so; `isTyped`: of one that was just to be kept.
-    [[nodiscard]] static std::string noteOf(platform::SecretStatus status, bool isTyped);
+    /// What there is to say of a key of which the store says so; `typed`: what it was just to become, empty when it was
+    /// to be removed.
+    [[nodiscard]] static std::string noteOf(platform::SecretStatus status, const std::optional<std::string>& typed);
 
     /// Where a link that the configuration names leads; none for what is no address.
     [[nodiscard]] static std::optional<std::string> linkTo(const std::optional<std::string>& address);

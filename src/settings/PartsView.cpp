@@ -236,20 +236,21 @@ LinkButton::LinkButton(const QString& words, Tone tone, const QFont& font, QWidg
     QFont underlined = font;
     underlined.setUnderline(true);
     setFont(underlined);
-    setText(words);
+    setText(QString(words).replace('&', "&&"));  // it names no key
+    setAccessibleName(words);
     setFocusPolicy(Qt::StrongFocus);
     setCursor(Qt::PointingHandCursor);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
 }
 
 QSize LinkButton::sizeHint() const {
-    return fontMetrics().size(Qt::TextSingleLine, text()) + QSize(4, 4);
+    return fontMetrics().size(Qt::TextSingleLine, accessibleName()) + QSize(4, 4);
 }
 
 void LinkButton::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
     painter.setPen(toneColor(palette(), tone_));
-    painter.drawText(rect(), Qt::AlignCenter, text());
+    painter.drawText(rect(), Qt::AlignCenter, accessibleName());
     if (hasFocus()) {
         paintFocus(painter, *this);
     }

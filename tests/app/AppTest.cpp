@@ -165,7 +165,11 @@ TEST(ArgumentsTest, MeanWhatTheySay) {
           Row{{"compare", "--once"}, "refused"},
           Row{{"--format", "json"}, "refused"},
           Row{{"--settings"}, "desktop settings"},
-          Row{{"line", "--settings"}, "refused"},
+          Row{{"compare", "--settings"}, "refused"},
+          Row{{"--demo", "coins", "list"}, "refused"},
+          Row{{"--", "line"}, "line"},
+          Row{{"--", "--demo"}, "refused"},
+          Row{{"coins", "add", "--", "--help"}, "settings coins add -- --help"},
           Row{{"coins", "add", "--ref"}, "settings coins add --ref"}}) {
         const auto parsed = parseArguments(arguments);
         std::string text = "refused";

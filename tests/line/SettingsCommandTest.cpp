@@ -29,14 +29,14 @@ protected:
     }
 
     /// Status, output and error of the command.
-    std::string run(const std::vector<std::string_view>& words) {
+    std::string run(const std::vector<std::string_view>& words, std::chrono::milliseconds time = 100ms) {
         output.text.clear();
         machine.console.lines.clear();
         std::optional<int> status;
         SettingsCommand command(
             {machine.platform(), loginItem, output, [this] { return typed; }, [&](int s) { status = s; }});
         command.start(words);
-        machine.advance(100ms);
+        machine.advance(time);
         std::string error;
         for (const auto& line : machine.console.lines) {
             error += line.text.starts_with("glintar: ") ? line.text.substr(9, line.text.find('\n') - 9) : "";
@@ -57,7 +57,7 @@ TEST_F(SettingsCommandTest, CommandsDoWhatTheWindowDoesAndSayItInTheSameWords) {
              {{"coins", "add", "eth", "--ref", "3000"}, "0||"},
              {{"coins", "add", "ETH"}, "1||This crypto coin is already on the list."},
              {{"coins", "add", "nothing"}, "1||Crypto coin not found, please choose from the list."},
-             {{"coins", "add", "eth", "--ref", "much"}, "2||\"much\" is no price"},
+             {{"coins", "add", "eth", "--ref=1e5"}, "2||\"1e5\" is no price"},
              {{"coins", "add", "\x1b (a)"}, "0||"},
              {{"coins", "list"}, "0|ETH (ethereum)  Ref: 3000.00\n\uFFFD (a)\n|"},
              {{"coins", "remove", "a"}, "0||"},
@@ -80,8 +80,12 @@ TEST_F(SettingsCommandTest, CommandsDoWhatTheWindowDoesAndSayItInTheSameWords) {
               "0|{\"displayMode\":0,\"floatTransparent\":false,\"floatOffset\":25,\"showChange24h\":false,"
               "\"showHighLow24h\":false,\"showSparkline\":false,\"showGasFee\":true,\"gasSource\":0,"
               "\"launchAtLogin\":true}\n|"},
-             {{"coins"}, "2||there is no command \"coins \""},
-             {{"coins", "list", "more"}, "2||\"coins list\" wants 0 words after it"},
+             {{"coins"}, "2||\"coins\" wants one of these after it: list, search, add, remove"},
+             {{"source", "buy"}, "2||there is no command \"source buy\"; there are list, use, key"},
+             {{"coins", "list", "more"}, "2||\"coins list\" takes no word after it"},
+             {{"coins", "add"}, "2||\"coins add\" wants one word after it"},
+             {{"coins", "list", "--format", "xml"}, "2||there is no format \"xml\"; there are text and json"},
+             {{"coins", "search", "--format=json", "--", "--e"}, "0|[]\n|"},
              {{"coins", "add", "eth", "--format", "json"}, "2||\"coins add\" does not take \"--format\""},
          }) {
         EXPECT_EQ(run(words), expected) << words.back();
@@ -112,6 +116,11 @@ TEST_F(SettingsCommandTest, AKeyComesFromTheInputAndIsKeptForItsSourceAlone) {
     machine.secrets.failure = platform::SecretStatus::Locked;
     typed = "x";
     EXPECT_EQ(run({"source", "key", "gate"}), "1||The key ring is locked, so this key is not kept.");
+    typed = "";
+    EXPECT_EQ(run({"source", "key", "gate"}), "1||The key ring is locked, so the stored key is not removed.");
+    machine.secrets.failure = platform::SecretStatus::Pending;
+    EXPECT_EQ(run({"source", "key", "gate"}, 29s), "-1||Waiting for the key ring...");
+    EXPECT_EQ(run({"source", "key", "gate"}, 30s), "1||Waiting for the key ring...The key ring did not answer.");
 }
 
 }  // namespace

@@ -38,11 +38,13 @@ TEST_F(KeySettingsTest, AKeyIsStoredAtEachChangeAndAnnouncedAfterASecondWithoutT
         model->setApiKey(text);
         EXPECT_EQ(kept("coingecko"), text);
         machine.advance(900ms);
+        EXPECT_EQ(keystore::KeychainHelper(machine.platform()).apiKeyOf("coingecko"), "one") << "for whoever asks now";
     }
     EXPECT_THAT(model->keyNote(), HasSubstr("cannot be sent"));
     EXPECT_EQ(told, 0);
     machine.advance(100ms);
     EXPECT_EQ(told, 1);
+    EXPECT_EQ(keystore::KeychainHelper(machine.platform()).apiKeyOf("coingecko"), " two");
     EXPECT_EQ(machine.console.count("🔒 API Key 已安全保存到 Keychain: apiKey_coingecko"), 3);
     EXPECT_EQ(machine.console.count("two"), 0);
     model->setApiKey("");
