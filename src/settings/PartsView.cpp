@@ -237,6 +237,7 @@ LinkButton::LinkButton(const QString& words, Tone tone, const QFont& font, QWidg
     underlined.setUnderline(true);
     setFont(underlined);
     setText(words);
+    setAccessibleName(words);  // the text alone would be read without its "&"
     setFocusPolicy(Qt::StrongFocus);
     setCursor(Qt::PointingHandCursor);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);

@@ -22,7 +22,12 @@ displaymodeSettingsView::displaymodeSettingsView(displaymodeSettingsViewModel& m
     auto* const all = new QVBoxLayout(this);
     auto* const first = addGroup(*all, new QFrame(this));
     login_ = new QCheckBox("Launch at Login", this);
-    QObject::connect(login_, &QAbstractButton::clicked, this, [this](bool on) { model_.setLaunchAtLogin(on); });
+    // Here and below `toggled`, not `clicked`: a screen reader toggles without a click.
+    QObject::connect(login_, &QAbstractButton::toggled, this, [this](bool on) {
+        if (model_.launchAtLogin != on) {
+            model_.setLaunchAtLogin(on);
+        }
+    });
     first->addWidget(login_);
     first->addWidget(loginError_ = new NoteLabel(Tone::Error, this));
     first->addSpacing(5);
@@ -68,9 +73,11 @@ QVBoxLayout* displaymodeSettingsView::addGroup(QVBoxLayout& into, QWidget* group
 
 QCheckBox* displaymodeSettingsView::addToggle(QVBoxLayout& into, const QString& title, Flag flag) {
     auto* const toggle = new QCheckBox(title, this);
-    QObject::connect(toggle, &QAbstractButton::clicked, this, [this, flag](bool on) {
-        model_.*flag = on;
-        model_.saveDisplaySettings();
+    QObject::connect(toggle, &QAbstractButton::toggled, this, [this, flag](bool on) {
+        if (model_.*flag != on) {
+            model_.*flag = on;
+            model_.saveDisplaySettings();
+        }
     });
     into.addWidget(toggle);
     toggles_.emplace_back(toggle, flag);
@@ -87,8 +94,8 @@ QWidget* displaymodeSettingsView::makePicker(Picker& picker, const std::array<co
         picker.at(static_cast<std::size_t>(value)) = option;
         group->addButton(option);
         line->addWidget(option);
-        QObject::connect(option, &QAbstractButton::clicked, this, [this, choice, value] {
-            if (model_.*choice != value) {
+        QObject::connect(option, &QAbstractButton::toggled, this, [this, choice, value](bool on) {
+            if (on && (model_.*choice == 1) != (value == 1)) {  // what is stored may be neither
                 model_.*choice = value;
                 model_.saveDisplaySettings();
             }
