@@ -7,11 +7,13 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <ranges>
 #include <thread>
 
 namespace glintar::test {
 namespace {
 
+using std::chrono::steady_clock;
 using testing::HasSubstr;
 using namespace std::chrono_literals;
 using Words = std::vector<std::string>;
@@ -25,11 +27,6 @@ constexpr auto kAlert = "Not Enough Display Space";
 /// With a compositor or without one.
 class OperateTest : public DesktopTest, public testing::WithParamInterface<bool> {
 protected:
-    void TearDown() override {
-        reader_.stop();
-        bus.reset();
-    }
-
     Environment environment() const override {
         auto environment = DesktopTest::environment();
         environment["QT_ACCESSIBILITY"] = "1";
@@ -42,7 +39,7 @@ protected:
         showScreen(Display::Bus::None);
         bus.emplace();
         bus->start();
-        reader_ = Child({"/usr/libexec/at-spi-bus-launcher", "--launch-immediately"});
+        readersBus = Child({"/usr/libexec/at-spi-bus-launcher", "--launch-immediately"});
         ASSERT_TRUE(eventually([] { return outputOf({"xprop", "-root", "AT_SPI_BUS"}).contains("unix:"); }));
         display->startManager(Display::Manager::Openbox);
         if (hasCompositor) {
@@ -81,9 +78,7 @@ protected:
     }
 
     std::optional<platform::PrivateBus> bus;
-
-private:
-    Child reader_;
+    Child readersBus;
 };
 
 TEST_P(OperateTest, TheMenuOpensWindowsThatKeysAndButtonsClose) {
@@ -155,27 +150,21 @@ TEST_F(OperateTest, SettingsTakeEffectAsTheyAreMade) {
     display->input({"type", "--delay", "30", "CG-typed"});
     const auto requests = [&] {
         const auto all = log();
-        std::size_t count = 0;
-        for (auto at = all.find(" CG-typed\n"); at != std::string::npos; at = all.find(" CG-typed\n", at + 1)) {
-            ++count;
-        }
-        return count;
+        return std::ranges::distance(all | std::views::split(std::string_view(" CG-typed\n"))) - 1;
     };
     EXPECT_TRUE(eventually([&] { return requests() > 0; })) << log();
     EXPECT_EQ(bus->itemCount("apiKey_coingecko"), 1U);
     // With a key it refreshes every 30 seconds, no longer every 60.
     auto before = requests();
-    auto since = std::chrono::steady_clock::now();
-    std::chrono::steady_clock::duration pause{};
-    while (pause < 20s && std::chrono::steady_clock::now() - since < 50s) {
+    std::chrono::duration<double> pause{};
+    for (auto since = steady_clock::now(); pause < 20s && steady_clock::now() - since < 50s;) {
         std::this_thread::sleep_for(100ms);
-        if (const auto now = requests(); now != before) {
-            before = now;
-            pause = std::chrono::steady_clock::now() - since;
-            since += pause;
+        if (const auto count = requests(); count != before) {
+            before = count;
+            pause = steady_clock::now() - std::exchange(since, steady_clock::now());
         }
     }
-    EXPECT_NEAR(std::chrono::duration<double>(pause).count(), 30, 3);
+    EXPECT_NEAR(pause.count(), 30, 3);
 }
 
 TEST_F(OperateTest, CleaningTheCacheStartsItAnewInItsOwnPlace) {

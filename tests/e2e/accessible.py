@@ -1,12 +1,10 @@
 """What a screen reader finds in Glintar's windows.
 
-accessible.py see WINDOW NAME...     waits until the window shows something under each name
-accessible.py gone WINDOW            waits until there is no such window
-accessible.py press WINDOW NAME      waits for a control of that name and presses it
-accessible.py focus WINDOW NAME      the same, and gives it the keyboard
+accessible.py see|gone|press|focus WINDOW [NAME...]
 
-WINDOW and NAME are regular expressions for the whole name. Prints nothing once that is done; after some seconds, what
-there is instead.
+Waits until the window shows something under each name, is not there, or has a control of that name, which is pressed or
+gets the keyboard. WINDOW and NAME are regular expressions for the whole name. Prints nothing once that is done; after
+some seconds, what there is instead.
 """
 
 import re
@@ -18,10 +16,7 @@ import gi
 gi.require_version("Atspi", "2.0")
 from gi.repository import Atspi, GLib
 
-PATIENCE = 15
-CONTROLS = (
-    Atspi.Role.PUSH_BUTTON, Atspi.Role.CHECK_BOX, Atspi.Role.RADIO_BUTTON, Atspi.Role.PAGE_TAB, Atspi.Role.TEXT,
-    Atspi.Role.PASSWORD_TEXT)
+CONTROLS = ("push button", "check box", "radio button", "page tab", "text", "password text")
 
 
 def children(node):
@@ -37,42 +32,30 @@ def shown(node):
 
 
 def windows():
-    applications = children(Atspi.get_desktop(0))
-    return [window for application in applications if application.get_name().startswith("glintar")
-            for window in children(application)]
+    programs = [program for program in children(Atspi.get_desktop(0)) if program.get_name().startswith("glintar")]
+    return [window for program in programs for window in children(program)]
 
 
-def found(wanted, names, is_control):
-    nodes = [node for window in windows() if re.fullmatch(wanted, window.get_name()) for node in shown(window)
-             if not is_control or node.get_role() in CONTROLS]
-    hits = [next((node for node in nodes if re.fullmatch(text, node.get_name())), None) for text in names]
-    return hits if nodes and all(hits) else None
-
-
-def act(operation, node):
-    if operation == "focus":
-        return node.grab_focus()
-    actions = [node.get_action_name(i) for i in range(node.get_n_actions())]
-    return node.do_action(next((i for i, text in enumerate(actions) if text in ("Press", "Toggle")), 0))
-
-
-def attempt(operation, window, *names):
+def attempt(operation, wanted, *names):
     Atspi.get_desktop(0).clear_cache()
+    nodes = [node for window in windows() if re.fullmatch(wanted, window.get_name()) for node in shown(window)]
     if operation == "gone":
-        return not any(re.fullmatch(window, node.get_name()) for node in windows() if any(shown(node)))
-    hits = found(window, names, operation != "see")
-    return bool(hits) and (operation == "see" or act(operation, hits[0]))
+        return not nodes
+    if operation != "see":
+        nodes = [node for node in nodes if node.get_role_name() in CONTROLS]
+    hits = [next((node for node in nodes if re.fullmatch(name, node.get_name())), None) for name in names]
+    if operation == "see" or not all(hits):
+        return all(hits)
+    return hits[0].grab_focus() if operation == "focus" else hits[0].do_action(0)
 
 
-end = time.monotonic() + PATIENCE
-while True:
+end = time.monotonic() + 15
+while time.monotonic() < end:
     try:
         if attempt(*sys.argv[1:]):
             sys.exit()
     except GLib.Error:
         pass  # it went while it was looked at
-    if time.monotonic() > end:
-        break
     time.sleep(0.05)
 print("There is:")
 for window in windows():
