@@ -48,7 +48,7 @@ void await(const std::function<bool()>& condition, const std::string& what) {
 /// xdotool that is up already, and does at once what it is told.
 class Hand {
 public:
-    Hand() : told_(::popen("xdotool -", "w")) {}
+    Hand() : told_(::popen("xdotool -", "we")) {}  // closed in others, or it never sees the end
     Hand(const Hand&) = delete;
     Hand& operator=(const Hand&) = delete;
     ~Hand() { ::pclose(told_); }
