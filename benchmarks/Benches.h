@@ -15,6 +15,9 @@ void benchKeystrokes(const std::string& resources);
 /// `glintar line --once` beside what a shell script would do.
 void benchOnce(const std::string& programs);
 
+/// The same coins at every source, `glintar compare` beside curl; and reading the answers.
+void benchRound(const std::string& programs);
+
 /// `glintar line` into a pipe for so many minutes, its start left out.
 void benchRunning(const std::string& programs, int minutes);
 
@@ -27,5 +30,8 @@ void benchDesktopStart(const std::string& programs);
 
 /// `glintar-desktop` with its panel, beside a timer as fast as that follows the pointer.
 void benchPanel(const std::string& programs, int minutes);
+
+/// The windows of `glintar-desktop`: how fast they open, and what memory they leave.
+void benchWindows(const std::string& programs);
 
 }  // namespace glintar::bench

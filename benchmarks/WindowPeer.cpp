@@ -1,6 +1,10 @@
 // What `glintar-desktop` is held against: a program that links the same libraries and shows a text in a window.
 //
 //   glintar-bench-window [INTERVAL [URL MODULE]]
+//   glintar-bench-window open TITLE X Y WIDTH HEIGHT
+//
+// With "open" it stands in the bottom left corner; a click opens a window called "Bare" at that place, with as many
+// widgets of the same kinds as Glintar's window of that title, and the Escape key closes it.
 //
 // With an INTERVAL other than 0 it has a timer of so many milliseconds that does nothing. With a URL it makes one TLS
 // request and one key look-up by the MODULE, and says so on standard output.
@@ -8,10 +12,21 @@
 #include "benchmarks/PeerRequests.h"
 
 #include <QApplication>
+#include <QCheckBox>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QScrollArea>
+#include <QShortcut>
+#include <QSlider>
+#include <QSpinBox>
+#include <QTabWidget>
 #include <QTimer>
-#include <QWidget>
+#include <QToolButton>
+#include <QVBoxLayout>
 #include <dlfcn.h>
 #include <fmt/format.h>
 
@@ -27,11 +42,84 @@ bool makeRequests(const char* url, const char* module) {
     return make && make(url);
 }
 
+template <class... Widgets>
+QWidget* column(Widgets*... widgets) {
+    auto* const page = new QWidget;
+    auto* const layout = new QVBoxLayout(page);
+    (layout->addWidget(widgets), ...);
+    return page;
+}
+
+QLabel* label() {
+    return new QLabel("64012.55 or some words");
+}
+
+QWidget* dashboardLike() {
+    auto* const row = new QWidget;
+    auto* const columns = new QHBoxLayout(row);
+    for (int coin = 0; coin < 5; ++coin) {
+        columns->addWidget(column(label(), label()));
+    }
+    auto* const scroller = new QScrollArea;
+    scroller->setWidgetResizable(true);
+    scroller->setWidget(row);
+    return column(scroller, label(), new QToolButton);
+}
+
+QWidget* settingsLike() {
+    const auto check = [] { return new QCheckBox("Show something"); };
+    const auto option = [] { return new QRadioButton("One of two"); };
+    const auto coin = [] { return column(label(), new QToolButton); };
+    auto* const rows = new QScrollArea;
+    rows->setWidget(column(coin(), coin(), coin(), coin(), coin()));
+    auto* const suggestions = new QListWidget;
+    suggestions->hide();
+    auto* const tabs = new QTabWidget;
+    tabs->addTab(column(rows, label(), new QLineEdit, suggestions, new QLineEdit, label(), new QToolButton), "Coins");
+    auto* const sources = new QScrollArea;
+    sources->setWidget(column(option()));
+    tabs->addTab(column(label(), sources, label(), label(), new QLineEdit, label(), label(), label(), label()), "Two");
+    tabs->addTab(column(check(), label(), option(), option(), label(), check(), label(), new QSlider(Qt::Horizontal),
+                        new QSpinBox, check(), check(), check(), check(), option(), option(), label()),
+                 "Three");
+    tabs->addTab(column(label(), label(), label()), "Four");
+    tabs->addTab(column(label(), label(), label(), label(), label(), new QToolButton), "Five");
+    return column(tabs, new QPushButton("Close"));
+}
+
+/// In the corner, until it is clicked.
+class Opener final : public QLabel {
+public:
+    Opener() : QLabel("bench") {
+        setWindowFlags(Qt::FramelessWindowHint);
+        setWindowTitle("Glintar bench");
+        setGeometry(0, 780, 60, 20);
+    }
+
+protected:
+    void mouseReleaseEvent(QMouseEvent* /*event*/) override {
+        const QStringList words = QCoreApplication::arguments();
+        auto* const window = words[2] == "Settings" ? settingsLike() : dashboardLike();
+        window->setAttribute(Qt::WA_DeleteOnClose);
+        window->setWindowTitle("Bare");
+        window->setGeometry(words[3].toInt(), words[4].toInt(), words[5].toInt(), words[6].toInt());
+        new QShortcut(Qt::Key_Escape, window, window, &QWidget::close);
+        window->show();
+        window->activateWindow();
+    }
+};
+
 }  // namespace
 
 int main(int argc, char** argv) {
     const QApplication application(argc, argv);
     const QStringList words = QCoreApplication::arguments();
+    if (words.value(1) == "open") {
+        QApplication::setQuitOnLastWindowClosed(false);
+        Opener opener;
+        opener.show();
+        return QApplication::exec();
+    }
     QWidget window;
     window.setWindowFlags(Qt::FramelessWindowHint);
     QHBoxLayout layout(&window);

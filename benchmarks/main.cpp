@@ -1,6 +1,6 @@
 // glintar-bench PROGRAMS RESOURCES MINUTES [NAME]: prints the table; with a NAME ("documents", "keystrokes",
-// "once", "pills", "desktop", "panel", "running") that part of it alone. `glintar line` runs for MINUTES, the desktop
-// for one; for none where it is 0.
+// "once", "round", "pills", "desktop", "panel", "windows", "running") that part of it alone. `glintar line` runs for
+// MINUTES, the desktop for one; for none where it is 0.
 
 #include "benchmarks/Benches.h"
 #include "benchmarks/Measure.h"
@@ -32,6 +32,9 @@ int main(int argc, char** argv) {
     if (wanted("once")) {
         bench::benchOnce(argv[1]);
     }
+    if (wanted("round")) {
+        bench::benchRound(argv[1]);
+    }
     if (wanted("pills")) {
         bench::benchPills();
     }
@@ -41,6 +44,9 @@ int main(int argc, char** argv) {
     }
     if (wanted("panel")) {
         bench::benchPanel(argv[1], desktopMinutes);
+    }
+    if (wanted("windows")) {
+        bench::benchWindows(argv[1]);
     }
     if (minutes > 0 && wanted("running")) {
         bench::benchRunning(argv[1], minutes);
