@@ -6,6 +6,7 @@
 #include <QFontDatabase>
 #include <QLabel>
 #include <QPalette>
+#include <QTextDocument>
 
 namespace glintar::platform {
 
@@ -36,6 +37,11 @@ void setPicture(QLabel& label, const QPixmap& picture) {
     if (label.pixmap(Qt::ReturnByValue).cacheKey() != picture.cacheKey()) {
         label.setPixmap(picture);
     }
+}
+
+void setPlainToolTip(QWidget& widget, const QString& text) {
+    widget.setToolTip(Qt::convertFromPlainText(text));
+    widget.setAccessibleDescription(text);  // in place of the tool tip with its markup
 }
 
 void setInk(QWidget& widget, const Color& color) {

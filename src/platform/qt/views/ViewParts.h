@@ -26,6 +26,9 @@ namespace glintar::platform {
 /// Shows the picture, unless it is the one that is shown.
 void setPicture(QLabel& label, const QPixmap& picture);
 
+/// A tool tip that is shown, and read out, as it stands: whoever wrote it, none of it is markup.
+void setPlainToolTip(QWidget& widget, const QString& text);
+
 /// The text's colour.
 void setInk(QWidget& widget, const Color& color);
 
