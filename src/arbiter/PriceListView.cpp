@@ -69,9 +69,9 @@ void PriceListView::showRow(const Row& row, const PriceEntry& entry) {
     const auto name = platform::viewText(entry.platformName);
     platform::setPicture(*row.icon, pictures_.source(entry.iconName));
     row.icon->setAccessibleName(name);
-    row.icon->setToolTip(name);
+    platform::setPlainToolTip(*row.icon, name);
     row.price->setText(platform::viewText(entry.text));
-    row.price->setToolTip(name);
+    platform::setPlainToolTip(*row.price, name);
     platform::setInk(*row.price, style_.priceColor(entry.rank));
     row.gap->setVisible(entry.gap.has_value());
     row.arrow->setVisible(entry.gap.has_value());

@@ -16,6 +16,7 @@
 #include <QLabel>
 #include <QScrollArea>
 #include <QScrollBar>
+#include <QTextDocument>
 #include <gmock/gmock.h>
 
 namespace glintar {
@@ -94,7 +95,10 @@ TEST_F(ViewsTest, ADashboardReadsItsColumnsOneByOneAndFollowsTheirPrices) {
     QApplication::processEvents();  // layouts are told one after another
     EXPECT_GT(widget->sizeHint().height(), height);
 
-    const auto highest = [&] { return widget->findChildren<QLabel*>()[3]->palette().windowText().color(); };
+    auto* const price = widget->findChildren<QLabel*>()[3];
+    EXPECT_EQ(price->toolTip(), Qt::convertFromPlainText("Alpha")) << "not as markup";
+    EXPECT_EQ(price->accessibleDescription(), "Alpha");
+    const auto highest = [&] { return price->palette().windowText().color(); };
     const auto inLight = highest();
     screen.events.setAppearance(platform::Appearance::Dark);
     EXPECT_NE(highest(), inLight);
