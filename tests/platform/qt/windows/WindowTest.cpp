@@ -127,6 +127,8 @@ TEST_P(AnyManager, AnAlertTakesTheFocusForItsAnswer) {
                 alert.reset();
             });
         ASSERT_TRUE(soon([&] { return hasFocus("Not Enough"); }));
+        const auto parts = QApplication::activeModalWidget()->findChildren<QWidget*>(Qt::FindDirectChildrenOnly);
+        EXPECT_TRUE(parts.back()->inherits("QDialogButtonBox")) << "which is read out last";
         content->setStyleSheet(QStringLiteral("background: %1").arg(expected % 2 == 0 ? "yellow" : "red"));
         EXPECT_TRUE(comesToShow(450, 150, expected % 2 == 0 ? kYellow : kRed)) << "drawing goes on";
         display.input(keys);
