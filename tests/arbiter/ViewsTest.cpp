@@ -95,6 +95,7 @@ TEST_F(ViewsTest, ADashboardReadsItsColumnsOneByOneAndFollowsTheirPrices) {
     QApplication::processEvents();  // layouts are told one after another
     EXPECT_GT(widget->sizeHint().height(), height);
 
+    EXPECT_EQ(widget->findChildren<QLabel*>()[0]->text(), "BTC") << "before the coin's picture";
     auto* const price = widget->findChildren<QLabel*>()[3];
     EXPECT_EQ(price->toolTip(), Qt::convertFromPlainText("Alpha")) << "not as markup";
     EXPECT_EQ(price->accessibleDescription(), "Alpha");
