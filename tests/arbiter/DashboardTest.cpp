@@ -138,6 +138,9 @@ TEST_F(DashboardTest, FillsAsAnswersComeAndAsksAgainOnceAnInterval) {
     setVisible(true);
     machine.advance(1s);
     EXPECT_EQ(machine.http.asked("binance.test/t"), 3);
+    machine.notifications.post(platform::kNetworkCameBack);
+    machine.advance(2s);
+    EXPECT_EQ(machine.http.asked("binance.test/t"), 4);
 
     const auto pending = machine.runLoop.pending();
     for (int minute = 0; minute < 60; ++minute) {
