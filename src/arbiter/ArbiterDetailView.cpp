@@ -2,6 +2,7 @@
 
 #include "config/Settings.h"
 #include "menubar/CoinIcons.h"
+#include "platform/DesktopEvents.h"
 #include "platform/Machine.h"
 #include "platform/Platform.h"
 #include "platform/WorkQueue.h"
@@ -22,7 +23,13 @@ constexpr auto kPricesKept = 10s;
 
 ArbiterDetailView::ArbiterDetailView(platform::Platform& platform, const platform::Graphics& graphics,
                                      std::vector<config::Coin> shownCoins, std::optional<market::MarketDataMap> quotes)
-    : coins(std::move(shownCoins)), cachedData(std::move(quotes)), platform_(platform), graphics_(graphics) {}
+    : coins(std::move(shownCoins)), cachedData(std::move(quotes)), platform_(platform), graphics_(graphics) {
+    // The requests that were under way may have gone with their connections: the next tick asks once more.
+    for (const auto name : {platform::kMachineResumed, platform::kNetworkCameBack}) {
+        wakeUps_.push_back(
+            platform.notifications.observe(name, [this] { lastKnownNextFetchTime = platform::Instant::min(); }));
+    }
+}
 
 void ArbiterDetailView::appeared() {
     isVisible = true;

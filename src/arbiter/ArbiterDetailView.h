@@ -4,6 +4,7 @@
 #include "arbiter/ArbitrageService.h"
 #include "market/MarketData.h"
 #include "platform/Lifetime.h"
+#include "platform/NotificationCenter.h"
 #include "platform/RunLoop.h"
 
 #include <functional>
@@ -20,7 +21,7 @@ struct Platform;
 namespace glintar::arbiter {
 
 /// What the dashboard shows: a column for each coin, and the footer. While it is visible it asks all sources again each
-/// time the refresh cycle has begun another interval. Main thread only.
+/// time the refresh cycle has begun another interval, and when the network came back. Main thread only.
 class ArbiterDetailView {
 public:
     /// Keeps the references. `cachedData` are the selected source's quotes at the moment of opening.
@@ -58,6 +59,7 @@ private:
     const platform::Graphics& graphics_;
     std::vector<ArbiterColumnView> columns_;
     bool isChangeTold_ = true;
+    std::vector<std::unique_ptr<platform::NotificationCenter::Observation>> wakeUps_;
     platform::Lifetime lifetime_;  // last member
 };
 

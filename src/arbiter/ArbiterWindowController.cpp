@@ -69,15 +69,23 @@ void ArbiterWindowController::makeWindow() {
         detail_.reset();
     };
     window->onMoved = [this] { isMoved_ = true; };
-    window->onFittingSizeChanged = [this] { place(); };
+    window->onFittingSizeChanged = [this] { placeIfVisible(); };
+    window->onVisibilityChanged = [this] {
+        window->isVisible() ? detail_->appeared() : detail_->disappeared();
+        placeIfVisible();
+    };
     // In the next turn of the loop, when the status bar has found its place on what screens are left.
-    window->onSurroundingsChanged = [this] { platform_.runLoop.post(lifetime_.guard([this] { place(); })); };
+    window->onSurroundingsChanged = [this] { platform_.runLoop.post(lifetime_.guard([this] { placeIfVisible(); })); };
+}
+
+/// Placing a minimized window would bring it back.
+void ArbiterWindowController::placeIfVisible() {
+    if (window && window->isVisible()) {
+        place();
+    }
 }
 
 void ArbiterWindowController::place() {
-    if (!window) {
-        return;
-    }
     const auto fitting = window->fittingSize();
     if (isMoved_) {
         const auto frame = window->frame();

@@ -46,6 +46,7 @@ private:
     void presentWindow(Anchor anchor, std::vector<config::Coin> coins,
                        std::optional<market::MarketDataMap> cachedMarketData);
     void makeWindow();
+    void placeIfVisible();
     void place();
 
     platform::Platform& platform_;

@@ -18,8 +18,8 @@ constexpr int kIcon = DashboardPictures::kCoin;
 DashboardColumnView::DashboardColumnView(DashboardPictures& pictures, QWidget* parent)
     : QWidget(parent),
       pictures_(pictures),
-      icon_(platform::plainLabel(this, font())),
       name_(platform::plainLabel(this, platform::viewFont(14, QFont::ExtraBold))),
+      icon_(platform::plainLabel(this, font())),
       divider_(platform::divider(this, Qt::Horizontal)),
       prices_(new PriceListView(pictures, this)) {
     icon_->setFixedSize(kIcon, kIcon);

@@ -20,8 +20,8 @@ public:
 
 private:
     DashboardPictures& pictures_;
+    QLabel* name_;  // is read out before its picture
     QLabel* icon_;
-    QLabel* name_;
     QWidget* divider_;
     PriceListView* prices_;
 };

@@ -63,6 +63,7 @@ public:
         all->addWidget(divider_ = platform::divider(this, Qt::Horizontal));
         all->addLayout(makeFooter());
         appearanceChanges_ = platform.notifications.observe(platform::kAppearanceChanged, [this] { restyle(); });
+        platform::onScaleChange(*this, [this] { restyle(); });
         model_.onChange = [this] { showAll(); };
         restyle();
     }
@@ -92,9 +93,6 @@ protected:
         painter.setPen(Qt::NoPen);
         painter.setBrush(platform::viewColor(style_.statusDot));
         painter.drawEllipse(QRectF(1 + kPadding, footer + (kFooter - kDot) / 2.0, kDot, kDot));
-        if (devicePixelRatioF() != shownRatio_) {  // on another screen now
-            QMetaObject::invokeMethod(this, [this] { restyle(); }, Qt::QueuedConnection);
-        }
     }
 
 private:
@@ -146,7 +144,6 @@ private:
             platform::setDividerColor(*line, style_.line);
         }
         pictures_.restyle(style_, *this);
-        shownRatio_ = devicePixelRatioF();
         update();
         showAll();
     }
@@ -182,7 +179,6 @@ private:
     QToolButton* close_ = nullptr;
     std::vector<DashboardColumnView*> shown_;
     std::vector<QWidget*> dividers_;
-    double shownRatio_ = 0;
     std::unique_ptr<platform::NotificationCenter::Observation> appearanceChanges_;
 };
 

@@ -36,7 +36,6 @@ PriceListView::Row PriceListView::makeRow() {
     const QFont gapFont = platform::viewFont(10, QFont::Bold, true);
     Row row{.icon = platform::plainLabel(this, font()),
             .price = platform::plainLabel(this, platform::viewFont(13, QFont::Bold)),
-            .arrow = platform::plainLabel(this, font()),
             .gap = platform::plainLabel(this, gapFont)};
     row.price->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     for (QLabel* const label : {row.icon, row.price, row.gap}) {
@@ -48,7 +47,7 @@ PriceListView::Row PriceListView::makeRow() {
 void PriceListView::show(const std::vector<PriceEntry>& entries, const DashboardStyle& style) {
     style_ = style;
     while (rows_.size() > entries.size()) {
-        for (QLabel* const label : {rows_.back().icon, rows_.back().price, rows_.back().arrow, rows_.back().gap}) {
+        for (QLabel* const label : {rows_.back().icon, rows_.back().price, rows_.back().gap}) {
             delete label;
         }
         rows_.pop_back();
@@ -69,15 +68,13 @@ void PriceListView::showRow(const Row& row, const PriceEntry& entry) {
     const auto name = platform::viewText(entry.platformName);
     platform::setPicture(*row.icon, pictures_.source(entry.iconName));
     row.icon->setAccessibleName(name);
-    row.icon->setToolTip(name);
+    platform::setPlainToolTip(*row.icon, name);
     row.price->setText(platform::viewText(entry.text));
-    row.price->setToolTip(name);
+    platform::setPlainToolTip(*row.price, name);
     platform::setInk(*row.price, style_.priceColor(entry.rank));
     row.gap->setVisible(entry.gap.has_value());
-    row.arrow->setVisible(entry.gap.has_value());
     row.gap->setText(platform::viewText(entry.gap.value_or("")));
     platform::setInk(*row.gap, style_.gapText);
-    platform::setPicture(*row.arrow, pictures_.arrow());
 }
 
 QSize PriceListView::sizeHint() const {
@@ -115,7 +112,6 @@ void PriceListView::place() {
         row.icon->setGeometry(inside.x(), inside.center().y() + 1 - kIcon / 2, kIcon, kIcon);
         row.price->setGeometry(inside.adjusted(kIcon + kSpacing, 0, 0, 0));
         const QRect capsule = badge(i).adjusted(kBadgeSide, kBadgePadding, -kBadgeSide, -kBadgePadding);
-        row.arrow->setGeometry(capsule.x(), capsule.y() + (capsule.height() - kArrow) / 2, kArrow, kArrow);
         row.gap->setGeometry(capsule.adjusted(kArrow + kBadgeSpacing, 0, 0, 0));
     }
 }
@@ -138,6 +134,7 @@ void PriceListView::paintEvent(QPaintEvent* /*event*/) {
     for (std::size_t i = 0; i + 1 < rows_.size(); ++i) {
         const QRectF capsule = badge(i);
         painter.drawRoundedRect(capsule, capsule.height() / 2, capsule.height() / 2);
+        painter.drawPixmap(QPointF(capsule.x() + kBadgeSide, capsule.center().y() - kArrow / 2.0), pictures_.arrow());
     }
 }
 

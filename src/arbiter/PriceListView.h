@@ -32,7 +32,6 @@ private:
     struct Row {
         QLabel* icon;
         QLabel* price;
-        QLabel* arrow;
         QLabel* gap;
     };
     Row makeRow();

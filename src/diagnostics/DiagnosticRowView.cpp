@@ -40,6 +40,7 @@ DiagnosticRowView::DiagnosticRowView(const platform::Graphics& graphics, QWidget
       mark_(platform::plainLabel(cell_, font())),
       state_(platform::plainLabel(cell_, platform::viewFont(12, QFont::Medium))) {
     setFixedHeight(kHeight);
+    spinner_->setAccessibleName(QStringLiteral("testing"));
     auto* const row = new QHBoxLayout(this);
     row->setContentsMargins(12, 0, 12, 0);
     row->addWidget(name_, 1);

@@ -49,6 +49,7 @@ public:
         all->addWidget(makeFooter());
         appearanceChanges_ =
             platform.notifications.observe(platform::kAppearanceChanged, [this] { appearanceChanged(); });
+        platform::onScaleChange(*this, [this] { appearanceChanged(); });
         manager_.onChange = [this] { showStates(); };
         appearanceChanged();
     }

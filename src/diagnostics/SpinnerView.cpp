@@ -12,7 +12,7 @@ constexpr int kMillisecondsAStep = 100;
 
 }  // namespace
 
-SpinnerView::SpinnerView(int size, QWidget* parent) : QWidget(parent) {
+SpinnerView::SpinnerView(int size, QWidget* parent) : QLabel(parent) {
     setFixedSize(size, size);
 }
 
@@ -23,12 +23,12 @@ void SpinnerView::setColor(const QColor& color) {
 
 void SpinnerView::showEvent(QShowEvent* event) {
     timer_.start(kMillisecondsAStep, this);
-    QWidget::showEvent(event);
+    QLabel::showEvent(event);
 }
 
 void SpinnerView::hideEvent(QHideEvent* event) {
     timer_.stop();
-    QWidget::hideEvent(event);
+    QLabel::hideEvent(event);
 }
 
 void SpinnerView::timerEvent(QTimerEvent* event) {

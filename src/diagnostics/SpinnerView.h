@@ -2,12 +2,12 @@
 
 #include <QBasicTimer>
 #include <QColor>
-#include <QWidget>
+#include <QLabel>
 
 namespace glintar::diagnostics {
 
-/// A wheel that turns while it is visible.
-class SpinnerView final : public QWidget {
+/// A wheel that turns while it is visible. As a label its accessible name is read out like a text.
+class SpinnerView final : public QLabel {
 public:
     SpinnerView(int size, QWidget* parent);
     void setColor(const QColor& color);

@@ -29,7 +29,7 @@ Column columnOf(const arbiter::CoinArbitrageData& row, const std::vector<std::st
         auto& cell = column.cells.emplace_back();
         if (entry != entries.end()) {
             cell = {.price = entry->text,
-                    .mark = entry->rank == arbiter::PriceRank::Highest ? "▲" : "",
+                    .mark = entry->price == entries.front().price ? "▲" : "",
                     .gap = entry->gap.value_or("")};
         }
     }

@@ -62,6 +62,8 @@ public:
     std::function<void()> onFittingSizeChanged;
     /// Runs when the user moved the window.
     std::function<void()> onMoved;
+    /// Runs when the window was minimized or restored.
+    std::function<void()> onVisibilityChanged;
     /// Runs when screens came, went or changed, or `isTranslucent` has changed.
     std::function<void()> onSurroundingsChanged;
 };

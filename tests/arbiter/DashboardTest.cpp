@@ -80,6 +80,10 @@ protected:
     void toggle() {
         controller.toggleWindow([this] { return anchor; }, coins, market::MarketDataMap{{"bitcoin", {.price = 101}}});
     }
+    void setVisible(bool isVisible) {
+        window().isVisible = isVisible;
+        window().window->onVisibilityChanged();
+    }
     platform::WindowState& window() { return *desktop.windows.windows.back(); }
     [[nodiscard]] std::vector<std::string> texts() const {
         std::vector<std::string> all;
@@ -127,6 +131,17 @@ TEST_F(DashboardTest, FillsAsAnswersComeAndAsksAgainOnceAnInterval) {
     machine.advance(9s);
     EXPECT_EQ(texts().size(), 3) << "but nothing stays for long";
 
+    setVisible(false);
+    nextFetchTime += 60s;
+    machine.advance(60s);
+    EXPECT_EQ(machine.http.asked("binance.test/t"), 2) << "nobody sees it";
+    setVisible(true);
+    machine.advance(1s);
+    EXPECT_EQ(machine.http.asked("binance.test/t"), 3);
+    machine.notifications.post(platform::kNetworkCameBack);
+    machine.advance(2s);
+    EXPECT_EQ(machine.http.asked("binance.test/t"), 4);
+
     const auto pending = machine.runLoop.pending();
     for (int minute = 0; minute < 60; ++minute) {
         nextFetchTime += 60s;
@@ -157,7 +172,10 @@ TEST_F(DashboardTest, IsPlacedAnewUntilTheUserMovesIt) {
     toggle();
     EXPECT_EQ(window().frame, (Rect{450, 571, 400, 200}));
     window().fittingSize.height = 300;
+    setVisible(false);
     window().window->onFittingSizeChanged();
+    EXPECT_EQ(window().frame, (Rect{450, 571, 400, 200})) << "not while it is minimized";
+    setVisible(true);
     EXPECT_EQ(window().frame, (Rect{450, 471, 400, 300}));
 
     anchor.reset();

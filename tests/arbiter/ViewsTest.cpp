@@ -16,6 +16,7 @@
 #include <QLabel>
 #include <QScrollArea>
 #include <QScrollBar>
+#include <QTextDocument>
 #include <gmock/gmock.h>
 
 namespace glintar {
@@ -49,8 +50,9 @@ protected:
         const std::function<void(QAccessibleInterface*)> walk = [&](QAccessibleInterface* part) {
             const auto role = part->role();
             const bool isSaid = role == QAccessible::StaticText || role == QAccessible::Button;
-            if (isSaid && !part->state().invisible) {
-                texts.push_back(part->text(QAccessible::Name).toStdString());
+            const auto name = part->text(QAccessible::Name).toStdString();
+            if (isSaid && !part->state().invisible && !name.empty()) {
+                texts.push_back(name);
             }
             for (int i = 0; i < part->childCount(); ++i) {
                 walk(part->child(i));
@@ -93,7 +95,11 @@ TEST_F(ViewsTest, ADashboardReadsItsColumnsOneByOneAndFollowsTheirPrices) {
     QApplication::processEvents();  // layouts are told one after another
     EXPECT_GT(widget->sizeHint().height(), height);
 
-    const auto highest = [&] { return widget->findChildren<QLabel*>()[3]->palette().windowText().color(); };
+    EXPECT_EQ(widget->findChildren<QLabel*>()[0]->text(), "BTC") << "before the coin's picture";
+    auto* const price = widget->findChildren<QLabel*>()[3];
+    EXPECT_EQ(price->toolTip(), Qt::convertFromPlainText("Alpha")) << "not as markup";
+    EXPECT_EQ(price->accessibleDescription(), "Alpha");
+    const auto highest = [&] { return price->palette().windowText().color(); };
     const auto inLight = highest();
     screen.events.setAppearance(platform::Appearance::Dark);
     EXPECT_NE(highest(), inLight);
@@ -121,8 +127,8 @@ TEST_F(ViewsTest, DiagnosticsReadNameAndStateAndCanBeCopied) {
     const auto* subtitle = "Check your connection to core services.";
     EXPECT_THAT(read(), ElementsAre(title, subtitle, "Alpha API", "-", "Beta API", "-", "Ready", "Copy", "Run Test"));
     press("Run Test");
-    EXPECT_THAT(read(), ElementsAre(title, subtitle, "Alpha API", "Beta API", "-", "Testing in progress...", "Copy",
-                                    "Testing..."));
+    EXPECT_THAT(read(), ElementsAre(title, subtitle, "Alpha API", "testing", "Beta API", "-", "Testing in progress...",
+                                    "Copy", "Testing..."));
     machine.advance(1s);
     EXPECT_THAT(read(),
                 ElementsAre(title, subtitle, "Alpha API", "5ms", "Beta API", "Failed", "Ready", "Copy", "Run Test"));

@@ -50,7 +50,7 @@ protected:
 constexpr auto* kTable =
     "[simulated]     BTC            LONG ONE\n"
     "Alpha         99.00                   -\n"
-    "贝塔         100.00 ▲  1.000%    0.5000\n"
+    "贝塔         100.00 ▲  1.000%    0.5000 ▲\n"
     "Gamma             -                   -\n";
 
 TEST_F(OnceCommandsTest, CompareShowsEverySourceBesideTheOthers) {

@@ -6,11 +6,11 @@
 #include "platform/qt/strip/StripItem.h"
 #include "platform/qt/strip/StripSight.h"
 #include "platform/qt/strip/TrayIcon.h"
+#include "platform/qt/views/ViewParts.h"
 #include "platform/qt/windows/QtScreens.h"
 
 #include <QCursor>
 #include <QPointer>
-#include <QTextDocument>
 
 namespace glintar::platform {
 
@@ -33,6 +33,7 @@ public:
 
     void putIntoTray(std::optional<QDBusConnection> session) {
         menu_.listenBy(*view_);
+        view_->setAccessibleName(QStringLiteral("Glintar"));  // it has no title
         tray_ = std::make_unique<TrayIcon>(connection_, std::move(session), menu_);
         tray_->onClick = [this] {
             // The menu that the click may open belongs to the icon that was clicked.
@@ -74,8 +75,7 @@ public:
 
     void setToolTip(std::string text) override {
         if (view_) {
-            // Rich text for Qt whatever it holds, so that none of it is taken for markup.
-            view_->setToolTip(Qt::convertFromPlainText(QString::fromStdString(text)));
+            setPlainToolTip(*view_, QString::fromStdString(text));
         }
         if (tray_) {
             tray_->setToolTip(text);

@@ -3,11 +3,42 @@
 #include "platform/qt/graphics/QtCanvas.h"
 #include "platform/qt/graphics/QtImage.h"
 
+#include <QEvent>
 #include <QFontDatabase>
 #include <QLabel>
 #include <QPalette>
+#include <QTextDocument>
+
+#include <utility>
 
 namespace glintar::platform {
+
+namespace {
+
+/// Belongs to its widget. This Qt tells nobody of another scale, but paints the widget again.
+class ScaleWatch final : public QObject {
+public:
+    ScaleWatch(QWidget& widget, std::function<void()> redraw)
+        : QObject(&widget), widget_(widget), redraw_(std::move(redraw)), ratio_(widget.devicePixelRatioF()) {
+        widget.installEventFilter(this);
+    }
+
+protected:
+    bool eventFilter(QObject* /*watched*/, QEvent* event) override {
+        if (event->type() == QEvent::Paint && widget_.devicePixelRatioF() != ratio_) {
+            ratio_ = widget_.devicePixelRatioF();
+            QMetaObject::invokeMethod(this, redraw_, Qt::QueuedConnection);
+        }
+        return false;
+    }
+
+private:
+    QWidget& widget_;
+    std::function<void()> redraw_;
+    double ratio_;
+};
+
+}  // namespace
 
 QColor viewColor(const Color& color) {
     return qtColor(color);
@@ -38,6 +69,11 @@ void setPicture(QLabel& label, const QPixmap& picture) {
     }
 }
 
+void setPlainToolTip(QWidget& widget, const QString& text) {
+    widget.setToolTip(Qt::convertFromPlainText(text));
+    widget.setAccessibleDescription(text);  // in place of the tool tip with its markup
+}
+
 void setInk(QWidget& widget, const Color& color) {
     QPalette palette = widget.palette();
     palette.setColor(QPalette::WindowText, viewColor(color));
@@ -62,6 +98,10 @@ QLabel* plainLabel(QWidget* parent, const QFont& font) {
     label->setTextFormat(Qt::PlainText);
     label->setFont(font);
     return label;
+}
+
+void onScaleChange(QWidget& widget, std::function<void()> redraw) {
+    new ScaleWatch(widget, std::move(redraw));
 }
 
 QWidget* divider(QWidget* parent, Qt::Orientation orientation) {

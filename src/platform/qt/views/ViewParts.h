@@ -7,6 +7,7 @@
 #include <QPixmap>
 #include <QString>
 
+#include <functional>
 #include <string_view>
 
 class QLabel;
@@ -26,6 +27,9 @@ namespace glintar::platform {
 /// Shows the picture, unless it is the one that is shown.
 void setPicture(QLabel& label, const QPixmap& picture);
 
+/// A tool tip that is shown, and read out, as it stands: whoever wrote it, none of it is markup.
+void setPlainToolTip(QWidget& widget, const QString& text);
+
 /// The text's colour.
 void setInk(QWidget& widget, const Color& color);
 
@@ -35,6 +39,10 @@ inline constexpr int kThinScrollBar = 6;
 
 /// A label on nothing, which keeps its text to itself: no markup, no shortcuts.
 [[nodiscard]] QLabel* plainLabel(QWidget* parent, const QFont& font);
+
+/// Runs `redraw` soon after the widget came to a screen of another scale, for what was drawn for the pixels of the
+/// last.
+void onScaleChange(QWidget& widget, std::function<void()> redraw);
 
 /// A line one point thick across the layout, or down it.
 [[nodiscard]] QWidget* divider(QWidget* parent, Qt::Orientation orientation);

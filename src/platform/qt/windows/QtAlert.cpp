@@ -3,6 +3,7 @@
 #include "platform/qt/windows/ManagerMessage.h"
 
 #include <QClipboard>
+#include <QDialogButtonBox>
 #include <QGuiApplication>
 #include <QLabel>
 #include <QPushButton>
@@ -27,6 +28,8 @@ QtAlert::QtAlert(const AlertText& text, std::function<void(std::size_t)> onAnswe
         const QString title = QString::fromStdString(button).replace('&', "&&");
         buttons.push_back(box_.addButton(title, QMessageBox::ActionRole));
     }
+    // The box made the text after the row of buttons, and would be read out in that order.
+    box_.findChild<QDialogButtonBox*>()->raise();
     box_.setDefaultButton(buttons.front());
     box_.setEscapeButton(buttons.back());
     // Later, since the box is not done with its own end.

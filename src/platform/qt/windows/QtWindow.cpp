@@ -76,7 +76,7 @@ public:
         if (frame_ == Frame::Titled) {
             setFixedSize(sizeHint().boundedTo(free.size() - (frameGeometry().size() - size())));
         }
-        if (isVisible()) {
+        if (isVisible() && !isMinimized()) {
             const QPoint to(std::max(std::min(x(), free.right() + 1 - frameGeometry().width()), free.x()),
                             std::max(std::min(y(), free.bottom() + 1 - frameGeometry().height()), free.y()));
             const QRect place = geometry().translated(to - pos());
@@ -160,6 +160,11 @@ protected:
         if (event->type() == QEvent::LayoutRequest && std::exchange(fittingSize_, sizeHint()) != sizeHint()) {
             fit();
             tell(&Window::onFittingSizeChanged);
+        } else if (event->type() == QEvent::WindowStateChange &&
+                   isMinimized() !=
+                       static_cast<QWindowStateChangeEvent*>(event)->oldState().testFlag(Qt::WindowMinimized)) {
+            fit();
+            tell(&Window::onVisibilityChanged);
         }
         return isHandled;
     }

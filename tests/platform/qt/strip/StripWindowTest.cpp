@@ -236,6 +236,7 @@ TEST_F(StripWindow, ShowsTheToolTipOfTheItemUnderThePointer) {
 TEST_F(StripWindow, NamesItsPartsForThoseWhoCannotSeeThem) {
     start();
     showPills();
+    line->setToolTip("a & b");
     EXPECT_THAT(property("_NET_WM_STATE"), HasSubstr("STICKY")) << "nor move it along with a desktop";
     int presses = 0;
     line->onMouseUp = [&](MouseButton) { ++presses; };
@@ -244,7 +245,9 @@ TEST_F(StripWindow, NamesItsPartsForThoseWhoCannotSeeThem) {
     ASSERT_NE(strip, widgets.end());
     auto* const window = QAccessible::queryAccessibleInterface(*strip);
     ASSERT_EQ(window->childCount(), 2);
+    EXPECT_EQ(window->child(0)->text(QAccessible::Name), "Glintar");
     auto* const seenLine = window->child(1);
+    EXPECT_EQ(seenLine->text(QAccessible::Description), "a & b");
     EXPECT_EQ(seenLine->text(QAccessible::Name), "Bitcoin, Ether");
     EXPECT_EQ(seenLine->role(), QAccessible::Button);
     std::vector<QString> pills;

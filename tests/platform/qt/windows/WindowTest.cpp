@@ -91,6 +91,14 @@ TEST_P(AnyManager, ABorderlessWindowStaysWhereItIsPutUntilItIsDraggedByItsBackgr
     display.startCompositor();
     EXPECT_TRUE(comesToShow(702, 452, kYellow));
     EXPECT_TRUE(window->isTranslucent() && isInTranslucentWindow(*content));
+    if (GetParam()) {
+        std::vector<bool> visible;
+        window->onVisibilityChanged = [&] { visible.push_back(window->isVisible()); };
+        display.input({"getactivewindow", "windowminimize"});
+        EXPECT_TRUE(soon([&] { return visible == std::vector{false}; }));
+        window->makeKeyAndOrderFront();
+        EXPECT_TRUE(soon([&] { return visible == std::vector{false, true} && hasFocus("Dashboard"); }));
+    }
 
     EXPECT_EQ(moved, 0);
     display.input({"mousemove", "750", "500", "mousedown", "1", "mousemove", "770", "500"});
@@ -119,6 +127,8 @@ TEST_P(AnyManager, AnAlertTakesTheFocusForItsAnswer) {
                 alert.reset();
             });
         ASSERT_TRUE(soon([&] { return hasFocus("Not Enough"); }));
+        const auto parts = QApplication::activeModalWidget()->findChildren<QWidget*>(Qt::FindDirectChildrenOnly);
+        EXPECT_TRUE(parts.back()->inherits("QDialogButtonBox")) << "which is read out last";
         content->setStyleSheet(QStringLiteral("background: %1").arg(expected % 2 == 0 ? "yellow" : "red"));
         EXPECT_TRUE(comesToShow(450, 150, expected % 2 == 0 ? kYellow : kRed)) << "drawing goes on";
         display.input(keys);
