@@ -2,6 +2,7 @@
 #include "platform/qt/windows/QtAlert.h"
 #include "platform/qt/windows/QtView.h"
 
+#include <QApplication>
 #include <QDBusMessage>
 #include <QDBusVirtualObject>
 #include <QLabel>
