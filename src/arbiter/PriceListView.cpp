@@ -132,9 +132,9 @@ void PriceListView::paintEvent(QPaintEvent* /*event*/) {
     painter.setPen(QPen(platform::viewColor(style_.line), 0.5));
     painter.setBrush(platform::viewColor(style_.gapPlate));
     for (std::size_t i = 0; i + 1 < rows_.size(); ++i) {
-        const QRectF capsule = badge(i);
-        painter.drawRoundedRect(capsule, capsule.height() / 2, capsule.height() / 2);
-        painter.drawPixmap(QPointF(capsule.x() + kBadgeSide, capsule.center().y() - kArrow / 2.0), pictures_.arrow());
+        const QRect capsule = badge(i);
+        painter.drawRoundedRect(capsule, capsule.height() / 2.0, capsule.height() / 2.0);
+        painter.drawPixmap(capsule.x() + kBadgeSide, capsule.y() + (capsule.height() - kArrow) / 2, pictures_.arrow());
     }
 }
 

@@ -58,6 +58,7 @@ TEST_F(DisplaySpaceTest, EachTimeItIsHiddenTheUserIsAskedOnce) {
     look(Cover::Windows);
     ASSERT_EQ(alerts().size(), 1U);
     EXPECT_EQ(alerts()[0]->text.title, "Not Enough Display Space");
+    EXPECT_THAT(alerts()[0]->text.text, testing::HasSubstr("no room for your selected content.\n\nSuggested Actions:"));
     EXPECT_THAT(alerts()[0]->text.buttons, testing::ElementsAre("Switch to Mouse Follow", "Open Settings", "OK"));
     alerts()[0]->answer(2);
     EXPECT_EQ(notices, "");
