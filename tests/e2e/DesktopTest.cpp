@@ -94,7 +94,7 @@ TEST_P(SecondStartTest, ShowsTheMenuOfTheFirstWhoseQuitEndsIt) {
     auto second = start({});
     EXPECT_EQ(second.wait(), 0) << second.errors();
     ASSERT_TRUE(eventually([&] { return visibleWindows() != before; })) << "no menu";
-    display->input({"key", "Down", "Return"});
+    display->input({"key", "Up", "Return"});
     EXPECT_EQ(first.wait(), 0);
     EXPECT_THAT(first.errors(), HasSubstr("Quit App clicked"));
     EXPECT_FALSE(std::filesystem::exists(display->home() / ".dbus")) << "a bus was started, which outlives us";
