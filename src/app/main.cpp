@@ -58,6 +58,7 @@ int main(int argc, char** argv) {
             return status;
         }
     }
+    platform::Termination::handOver();
     ::execv(program.c_str(), arguments.data());
     platform::complain("glintar: could not be started anew\n");
     return app::kFailed;

@@ -93,6 +93,11 @@ void Termination::unblock() {
     mask(SIG_UNBLOCK);
 }
 
+void Termination::handOver() {
+    mask(SIG_BLOCK);
+    startCountdown(0);
+}
+
 void Termination::setStatus(int status) {
     endStatus = status;
 }

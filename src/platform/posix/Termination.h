@@ -20,6 +20,10 @@ public:
     [[nodiscard]] bool block();
     void unblock();
 
+    /// This process is about to become another program by exec: signals wait for its `Termination`, and the time that
+    /// this one had to end does not run on in it.
+    static void handOver();
+
     /// The status to end with when there is no time to end in order. 0 before the first call.
     void setStatus(int status);
 
