@@ -6,11 +6,16 @@
 #include <QGuiApplication>
 #include <fmt/format.h>
 #include <gmock/gmock.h>
+#include <malloc.h>
 
 #include <cmath>
 #include <fstream>
 #include <limits>
 #include <thread>
+
+#ifdef __SANITIZE_ADDRESS__
+#include <sanitizer/allocator_interface.h>
+#endif
 
 namespace glintar::platform {
 namespace {
@@ -107,6 +112,26 @@ TEST_F(DrawingTest, NamesFromDocumentsNeverLeaveTheFolder) {
          {"", ".hidden", "../secret", "inner/half", "/etc/passwd", "broken", "text", "half.svg", "half\n", "missing"}) {
         EXPECT_EQ(graphics.image(name), nullptr) << name;
     }
+}
+
+std::size_t heapInUse() {
+#ifdef __SANITIZE_ADDRESS__
+    return __sanitizer_get_current_allocated_bytes();
+#else
+    return ::mallinfo2().uordblks;
+#endif
+}
+
+TEST_F(DrawingTest, TheFontThatIsSetAgainIsNotLoadedAgain) {
+    const auto change = [&](int times) {
+        for (int i = 0; i < times; ++i) {
+            graphics.setFontFamily(i % 2 == 0 ? "Cantarell" : "Noto Sans");
+            static_cast<void>(graphics.measure("64012.55", {.size = 12}));
+        }
+        return heapInUse();
+    };
+    const auto before = change(10);
+    EXPECT_LT(change(100), before + 100'000) << "bytes, after a hundred changes of appearance";
 }
 
 TEST_F(DrawingTest, SeveralThreadsAtOnceDrawWhatTheMainThreadDraws) {
