@@ -30,7 +30,7 @@ LoopbackServer::LoopbackServer(Transport transport)
       server_(authority_ ? std::make_unique<httplib::SSLServer>(authority_->serverCertificate().c_str(),
                                                                 authority_->serverKey().c_str())
                          : std::make_unique<httplib::Server>()) {
-    constexpr std::size_t kConnections = 64;
+    constexpr std::size_t kConnections = 128;  // each keeps its thread
     server_->new_task_queue = [] { return new httplib::ThreadPool(kConnections); };
     server_->set_tcp_nodelay(true);
     server_->set_keep_alive_max_count(1'000'000);
