@@ -37,10 +37,14 @@ LoopbackServer::LoopbackServer(Transport transport)
     server_->set_keep_alive_timeout(60);
     server_->Get(".*",
                  [this](const httplib::Request& request, httplib::Response& response) { answer(request, response); });
+    int listening = -1;
+    server_->set_socket_options([&listening](int socket) { listening = socket; });
     port_ = server_->bind_to_any_port("127.0.0.1");
     if (port_ < 0) {
         throw std::runtime_error("cannot listen on 127.0.0.1");
     }
+    ::listen(listening, SOMAXCONN);  // who finds the library's own queue of five full comes again a second later
+    server_->set_socket_options(nullptr);
     thread_ = std::thread([this] { server_->listen_after_bind(); });
     while (!server_->is_running()) {
         std::this_thread::yield();
