@@ -14,7 +14,7 @@
 #include <thread>
 
 #ifdef __SANITIZE_ADDRESS__
-#include <sanitizer/allocator_interface.h>
+extern "C" std::size_t __sanitizer_get_current_allocated_bytes();  // GCC ships no header for it
 #endif
 
 namespace glintar::platform {
