@@ -8,6 +8,7 @@
 #include <signal.h>
 
 #include <chrono>
+#include <ranges>
 #include <thread>
 
 namespace glintar::test {
@@ -70,14 +71,18 @@ TEST_F(LineEndTest, SignalsEndItAtOnceEvenWhileAServiceHangsOrNobodyReadsWhatItW
 }
 
 TEST_F(LineEndTest, ARefreshThatFellDueWhileItWasStoppedComesAtOnce) {
-    auto program = start({"line"});
-    ASSERT_TRUE(program.waitForErrors("检查列表更新"));  // a second before the first refresh
-    program.signal(SIGSTOP);
-    std::this_thread::sleep_for(2s);
-    const auto before = std::chrono::steady_clock::now();
-    program.signal(SIGCONT);
-    ASSERT_TRUE(program.waitForOutput("BTC "));
-    EXPECT_LT(std::chrono::steady_clock::now() - before, 700ms);
+    // A timer that starts anew costs most of a second each time, a busy machine only now and then.
+    EXPECT_TRUE(std::ranges::any_of(std::views::iota(0, 4), [this](int) {
+        auto program = start({"line"});
+        if (!program.waitForErrors("检查列表更新")) {  // a second before the first refresh
+            return false;
+        }
+        program.signal(SIGSTOP);
+        std::this_thread::sleep_for(1500ms);
+        const auto before = std::chrono::steady_clock::now();
+        program.signal(SIGCONT);
+        return program.waitForOutput("BTC ") && std::chrono::steady_clock::now() - before < 700ms;
+    }));
 }
 
 TEST_F(LineEndTest, StreamsThatCannotBeWrittenAreNoReasonToCrash) {
