@@ -36,7 +36,7 @@ sockaddr_un addressOf(const std::filesystem::path& path) {
 
 }  // namespace
 
-SingleInstance::SingleInstance(std::string busName) : busName_(QString::fromStdString(busName)) {}
+SingleInstance::SingleInstance(const std::string& busName) : busName_(QString::fromStdString(busName)) {}
 
 SingleInstance::~SingleInstance() {
     if (hasBusName_) {

@@ -22,7 +22,7 @@ class SingleInstance final : public QObject {
     Q_CLASSINFO("D-Bus Interface", "org.freedesktop.Application")
 
 public:
-    explicit SingleInstance(std::string busName);
+    explicit SingleInstance(const std::string& busName);
     ~SingleInstance() override;
 
     /// True when this is the first instance, which then hears of others through the event loop. If there is another

@@ -30,7 +30,7 @@ ArbitrageService& ArbitrageService::shared(platform::Platform& platform) {
 ArbitrageService::Rows ArbitrageService::fetchArbitrageData(const std::vector<config::Coin>& coins,
                                                             const std::optional<market::MarketDataMap>& cachedData,
                                                             std::string_view mainSourceID,
-                                                            platform::DispatchGroup requests) {
+                                                            const platform::DispatchGroup& requests) {
     Rows rows;
     for (const auto& coin : coins) {
         rows.push_back(std::make_shared<CoinArbitrageData>(platform_, coin));
@@ -73,7 +73,7 @@ void ArbitrageService::addCached(const config::SourceConfig& source, const marke
 }
 
 void ArbitrageService::requestBatch(const SourcePtr& source, const std::vector<config::Coin>& coins, const Rows& rows,
-                                    platform::DispatchGroup requests) {
+                                    const platform::DispatchGroup& requests) {
     std::string keys;
     for (const auto& coin : coins) {
         if (&coin != &coins.front()) {
@@ -94,7 +94,7 @@ void ArbitrageService::requestBatch(const SourcePtr& source, const std::vector<c
          });
 }
 
-void ArbitrageService::requestEach(const SourcePtr& source, const Rows& rows, platform::DispatchGroup requests) {
+void ArbitrageService::requestEach(const SourcePtr& source, const Rows& rows, const platform::DispatchGroup& requests) {
     for (const auto& row : rows) {
         const auto symbol = text::upper(row->coin.displayName);
         auto address = text::webAddress(
@@ -111,7 +111,7 @@ void ArbitrageService::requestEach(const SourcePtr& source, const Rows& rows, pl
 }
 
 template <class Read>
-void ArbitrageService::send(std::string address, HeldRows rows, platform::DispatchGroup requests, Read read) {
+void ArbitrageService::send(std::string address, HeldRows rows, const platform::DispatchGroup& requests, Read read) {
     requests.enter();
     platform_.http.send(
         {.url = std::move(address), .maxBodyBytes = kMostBytes},

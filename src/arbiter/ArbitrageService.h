@@ -37,7 +37,7 @@ public:
     /// `requests` is entered for every request and left once its answer is in the rows' hands. Main thread.
     Rows fetchArbitrageData(const std::vector<config::Coin>& coins,
                             const std::optional<market::MarketDataMap>& cachedData, std::string_view mainSourceID,
-                            platform::DispatchGroup requests = {});
+                            const platform::DispatchGroup& requests = {});
 
 private:
     using SourcePtr = std::shared_ptr<const config::SourceConfig>;
@@ -45,11 +45,11 @@ private:
 
     void addCached(const config::SourceConfig& source, const market::MarketDataMap& cached, const Rows& rows);
     void requestBatch(const SourcePtr& source, const std::vector<config::Coin>& coins, const Rows& rows,
-                      platform::DispatchGroup requests);
-    void requestEach(const SourcePtr& source, const Rows& rows, platform::DispatchGroup requests);
+                      const platform::DispatchGroup& requests);
+    void requestEach(const SourcePtr& source, const Rows& rows, const platform::DispatchGroup& requests);
 
     template <class Read>
-    void send(std::string address, HeldRows rows, platform::DispatchGroup requests, Read read);
+    void send(std::string address, HeldRows rows, const platform::DispatchGroup& requests, Read read);
 
     platform::Platform& platform_;
 };

@@ -40,6 +40,7 @@ std::vector<std::size_t> CoinSearch::startingWith(std::string_view prefix, std::
     const auto kept = std::min(limit, found.size());
     std::ranges::partial_sort(found, found.begin() + static_cast<std::ptrdiff_t>(kept));
     std::vector<std::size_t> places;
+    places.reserve(kept);
     for (std::size_t i = 0; i < kept; ++i) {
         places.push_back(found[i].second);
     }

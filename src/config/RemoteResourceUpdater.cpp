@@ -54,7 +54,7 @@ void RemoteResourceUpdater::fetch(std::string_view address, Read read, Then then
     using Answer = std::invoke_result_t<Read, std::string>;
     platform_.http.send(
         {.url = fmt::format("{}{}", platform_.bundle.configServer(), address)},
-        [&runLoop = platform_.runLoop, read,
+        [&runLoop = platform_.runLoop, read = std::move(read),
          then = lifetime_.guard(std::move(then))](platform::HttpResult result) mutable {
             Answer answer =
                 result ? read(std::move(result->body)) : Answer(std::unexpected(std::move(result.error().description)));

@@ -3,6 +3,8 @@
 #include "json/JsonWriter.h"
 #include "text/Unicode.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 
 namespace glintar::line {
@@ -51,11 +53,11 @@ std::size_t widest(const Range& range, Part part, std::size_t atLeast = 0) {
 void addColumn(std::vector<std::string>& lines, const Column& column) {
     const auto priceWidth = widest(column.cells, &Cell::price, text::columnCount(column.heading));
     const auto gapWidth = widest(column.cells, &Cell::gap);
-    lines[0] += "  " + padding(column.heading, priceWidth) + column.heading + std::string(gapWidth + 4, ' ');
+    lines[0] += fmt::format("  {}{}{:{}}", padding(column.heading, priceWidth), column.heading, "", gapWidth + 4);
     for (std::size_t i = 0; i < column.cells.size(); ++i) {
         const auto& [price, mark, gap] = column.cells[i];
-        lines[i + 1] += "  " + padding(price, priceWidth) + price + ' ' + mark + padding(mark, 1) + "  " +
-                        padding(gap, gapWidth) + gap;
+        lines[i + 1] += fmt::format("  {}{} {}{}  {}{}", padding(price, priceWidth), price, mark, padding(mark, 1),
+                                    padding(gap, gapWidth), gap);
     }
 }
 

@@ -242,7 +242,7 @@ std::optional<int> SettingsCommand::setKey(const Request& request) {
     if (!key->empty() && !keystore::KeychainHelper::canBeSent(*key)) {
         complain(settings::kCannotBeSent, kDone);
     }
-    const auto status = sources_->storeKey(id, *key);
+    const auto status = sources_->storeKey(id, key.value());
     if (status != SecretStatus::Done && status != SecretStatus::NotFound) {
         return complain(settings::APISettingsViewModel::noteOf(status, *key), kFailed);
     }

@@ -18,12 +18,12 @@ struct DispatchGroup::State {
 
 DispatchGroup::DispatchGroup() : state_(std::make_shared<State>()) {}
 
-void DispatchGroup::enter() {
+void DispatchGroup::enter() const {
     const std::lock_guard lock(state_->mutex);
     ++state_->underWay;
 }
 
-void DispatchGroup::leave() {
+void DispatchGroup::leave() const {
     std::vector<Task> due;
     {
         const std::lock_guard lock(state_->mutex);

@@ -17,8 +17,8 @@ class DispatchGroup {
 public:
     DispatchGroup();
 
-    void enter();
-    void leave();
+    void enter() const;
+    void leave() const;
     void notify(RunLoop& runLoop, Task task);
     void notify(WorkQueue& queue, Task task);
 

@@ -8,6 +8,7 @@
 #include <QLabel>
 #include <QPalette>
 #include <QTextDocument>
+#include <QTimer>
 
 #include <utility>
 
@@ -27,7 +28,7 @@ protected:
     bool eventFilter(QObject* /*watched*/, QEvent* event) override {
         if (event->type() == QEvent::Paint && widget_.devicePixelRatioF() != ratio_) {
             ratio_ = widget_.devicePixelRatioF();
-            QMetaObject::invokeMethod(this, redraw_, Qt::QueuedConnection);
+            QTimer::singleShot(0, this, redraw_);
         }
         return false;
     }
