@@ -82,13 +82,13 @@ void ArbitrageService::requestBatch(const SourcePtr& source, const std::vector<c
         keys += source->batch_param_type == "symbol" ? coin.displayName : coin.apiId;
     }
     const auto filled = text::replaceAll(text::replaceAll(source->url_template, "{ID}", keys), "{SYMBOL}", keys);
-    auto address = text::webAddress(filled);
+    const auto address = text::webAddress(filled);
     if (!address) {
         return;
     }
     platform_.console.log(
         {fmt::format("🚀 [Network Arbiter] 通用批量请求 {}: {}", text::oneLine(source->name), text::oneLine(filled))});
-    send(*std::move(address), HeldRows(rows.begin(), rows.end()), std::move(requests),
+    send(*address, HeldRows(rows.begin(), rows.end()), requests,
          [source, &platform = platform_](std::string body, const Rows& held) {
              parseBatchResult(std::move(body), *source, held, platform);
          });
@@ -97,24 +97,25 @@ void ArbitrageService::requestBatch(const SourcePtr& source, const std::vector<c
 void ArbitrageService::requestEach(const SourcePtr& source, const Rows& rows, const platform::DispatchGroup& requests) {
     for (const auto& row : rows) {
         const auto symbol = text::upper(row->coin.displayName);
-        auto address = text::webAddress(
+        const auto address = text::webAddress(
             text::replaceAll(text::replaceAll(source->url_template, "{ID}", row->coin.apiId), "{SYMBOL}", symbol));
         if (!address) {
             continue;
         }
         platform_.console.log({fmt::format("🚀 [Network Arbiter] 通用单次请求 {} -> {}", text::oneLine(source->name),
                                            text::oneLine(symbol))});
-        send(*std::move(address), {row}, requests, [source, &platform = platform_](std::string body, const Rows& held) {
+        send(*address, {row}, requests, [source, &platform = platform_](std::string body, const Rows& held) {
             parseSingleResult(std::move(body), *source, *held.front(), platform);
         });
     }
 }
 
 template <class Read>
-void ArbitrageService::send(std::string address, HeldRows rows, const platform::DispatchGroup& requests, Read read) {
+void ArbitrageService::send(const std::string& address, HeldRows rows, const platform::DispatchGroup& requests,
+                            Read read) {
     requests.enter();
     platform_.http.send(
-        {.url = std::move(address), .maxBodyBytes = kMostBytes},
+        {.url = address, .maxBodyBytes = kMostBytes},
         [rows = std::move(rows), requests, read = std::move(read)](platform::HttpResult result) mutable {
             Rows held;
             std::ranges::transform(rows, std::back_inserter(held), [](const auto& row) { return row.lock(); });

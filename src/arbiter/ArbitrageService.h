@@ -49,7 +49,7 @@ private:
     void requestEach(const SourcePtr& source, const Rows& rows, const platform::DispatchGroup& requests);
 
     template <class Read>
-    void send(std::string address, HeldRows rows, const platform::DispatchGroup& requests, Read read);
+    void send(const std::string& address, HeldRows rows, const platform::DispatchGroup& requests, Read read);
 
     platform::Platform& platform_;
 };

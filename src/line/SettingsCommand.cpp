@@ -242,9 +242,9 @@ std::optional<int> SettingsCommand::setKey(const Request& request) {
     if (!key->empty() && !keystore::KeychainHelper::canBeSent(*key)) {
         complain(settings::kCannotBeSent, kDone);
     }
-    const auto status = sources_->storeKey(id, key.value());
+    const auto status = sources_->storeKey(id, *key);
     if (status != SecretStatus::Done && status != SecretStatus::NotFound) {
-        return complain(settings::APISettingsViewModel::noteOf(status, *key), kFailed);
+        return complain(settings::APISettingsViewModel::noteOf(status, key), kFailed);
     }
     keyTimer_ = machine_.platform.runLoop.every(kBetweenLooks, [this, id, key = *key] { finishKey(id, key); });
     patience_ = machine_.platform.runLoop.after(
