@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <ranges>
 #include <utility>
 
 namespace glintar::app {
@@ -13,13 +14,64 @@ namespace glintar::app {
 namespace {
 
 std::expected<Format, std::string> formatNamed(std::string_view name) {
-    if (name == "text") {
-        return Format::Text;
+    for (const auto& [known, format] : {std::pair<std::string_view, Format>{"text", Format::Text},
+                                        {"json", Format::Json},
+                                        {"waybar", Format::Waybar},
+                                        {"i3bar", Format::I3bar},
+                                        {"genmon", Format::Genmon},
+                                        {"tmux", Format::Tmux},
+                                        {"polybar", Format::Polybar}}) {
+        if (name == known) {
+            return format;
+        }
     }
-    if (name == "json") {
-        return Format::Json;
+    return std::unexpected(
+        fmt::format("there is no format \"{}\"; there are text, json, waybar, i3bar, genmon, tmux and polybar",
+                    text::oneLine(name)));
+}
+
+std::expected<Fields, std::string> fieldsNamed(std::string_view names) {
+    Fields fields;
+    for (const auto part : std::views::split(names, ',')) {
+        const std::string_view name(part.begin(), part.end());
+        bool isKnown = false;
+        for (const auto& [known, field] : {std::pair<std::string_view, bool Fields::*>{"price", &Fields::price},
+                                           {"reference", &Fields::reference},
+                                           {"change", &Fields::change},
+                                           {"range", &Fields::range},
+                                           {"sparkline", &Fields::sparkline},
+                                           {"fee", &Fields::fee}}) {
+            if (name == known) {
+                fields.*field = isKnown = true;
+            }
+        }
+        if (!isKnown) {
+            return std::unexpected(
+                fmt::format("there is no field \"{}\"; there are price, reference, change, range, sparkline and fee",
+                            text::oneLine(name)));
+        }
     }
-    return std::unexpected(fmt::format("there is no format \"{}\"; there are text and json", text::oneLine(name)));
+    return fields;
+}
+
+/// Takes an option's value over into the arguments.
+std::expected<void, std::string> apply(std::string_view option, std::string_view value, Arguments& parsed) {
+    if (option == "--format") {
+        const auto format = formatNamed(value);
+        if (!format) {
+            return std::unexpected(format.error());
+        }
+        parsed.format = *format;
+    } else if (option == "--fields") {
+        const auto fields = fieldsNamed(value);
+        if (!fields) {
+            return std::unexpected(fields.error());
+        }
+        parsed.fields = *fields;
+    } else {
+        parsed.coin = value;
+    }
+    return {};
 }
 
 std::optional<Arguments::Command> commandNamed(std::string_view name) {
@@ -50,7 +102,7 @@ std::string whyNoCommand(std::string_view name, bool isDemo) {
 
 std::string_view usage() {
     return "Usage: glintar [--settings] [--demo]\n"
-           "       glintar line [--once] [--format text|json] [--demo]\n"
+           "       glintar line [--once] [--format FORMAT] [--fields LIST] [--coin ID] [--demo]\n"
            "       glintar compare [--format text|json] [--demo]\n"
            "       glintar diagnose [--format text|json] [--demo]\n"
            "       glintar coins list | search TEXT | add TEXT [--ref PRICE] | remove APIID\n"
@@ -68,7 +120,10 @@ std::string_view usage() {
            "  display          how prices are shown\n"
            "  --settings       open the settings window, of a Glintar that runs already too\n"
            "  --once           refresh once and end: status 0 with at least one price, 1 with none\n"
-           "  --format FORMAT  text (the default) or json, one value a line; for list and search too\n"
+           "  --format FORMAT  text (the default) or json, one value a line; for list and search too; for \"line\" also\n"
+           "                   waybar, i3bar, polybar, tmux and genmon (which implies --once)\n"
+           "  --fields LIST    what to show, whatever the settings say: price,reference,change,range,sparkline,fee\n"
+           "  --coin ID        show this coin alone: bitcoin\n"
            "  --demo           a simulated market and a throw-away profile; asks no real service\n"
            "  --help           this text\n"
            "  --version        the version\n"
@@ -114,17 +169,17 @@ std::expected<Arguments, std::string> parseArguments(std::span<const char* const
             parsed.opensSettings = true;
         } else if (argument == "--once") {
             parsed.once = true;
-        } else if (argument == "--format" || argument.starts_with("--format=")) {
-            const bool isJoined = argument != "--format";
+        } else if (const auto option = argument.substr(0, argument.find('='));
+                   option == "--format" || option == "--fields" || option == "--coin") {
+            const bool isJoined = option.size() < argument.size();
             if (!isJoined && ++i == arguments.size()) {
-                return std::unexpected("--format wants a format: text or json");
+                return std::unexpected(fmt::format("{} wants a value: {}=…", option, option));
             }
-            const auto format = formatNamed(isJoined ? argument.substr(argument.find('=') + 1) : arguments[i]);
-            if (!format) {
-                return std::unexpected(format.error());
+            const auto applied = apply(option, isJoined ? argument.substr(option.size() + 1) : arguments[i], parsed);
+            if (!applied) {
+                return std::unexpected(applied.error());
             }
-            parsed.format = *format;
-            hasFormat = true;
+            hasFormat = hasFormat || option == "--format";
         } else {
             return std::unexpected(fmt::format("there is no option \"{}\"", text::oneLine(argument)));
         }
@@ -137,6 +192,15 @@ std::expected<Arguments, std::string> parseArguments(std::span<const char* const
     }
     if (parsed.opensSettings && parsed.command != Arguments::Command::Desktop) {
         return std::unexpected("--settings belongs to the desktop: glintar --settings");
+    }
+    if ((parsed.fields || parsed.coin) && parsed.command != Arguments::Command::Line) {
+        return std::unexpected("--fields and --coin belong to \"line\": glintar line --coin bitcoin");
+    }
+    if (parsed.format > Format::Json && parsed.command != Arguments::Command::Line) {
+        return std::unexpected("this format is for \"line\"; there are text and json");
+    }
+    if (parsed.format == Format::Genmon) {
+        parsed.once = true;  // the plugin runs the command anew each time
     }
     return parsed;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <expected>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -11,7 +12,19 @@ namespace glintar::app {
 /// Stands before simulated prices, in both doors.
 inline constexpr const char* kSimulatedMark = "[simulated] ";
 
-enum class Format { Text, Json };
+enum class Format { Text, Json, Waybar, I3bar, Genmon, Tmux, Polybar };
+
+/// What of the line is shown, in place of what the preferences say.
+struct Fields {
+    bool price = false;
+    bool reference = false;
+    bool change = false;
+    bool range = false;
+    bool sparkline = false;
+    bool fee = false;
+
+    [[nodiscard]] bool hasCoins() const { return price || reference || change || range || sparkline; }
+};
 
 /// What the user asked the program to do.
 struct Arguments {
@@ -22,6 +35,8 @@ struct Arguments {
     bool demo = false;
     bool opensSettings = false;           ///< of the desktop program
     std::vector<std::string_view> words;  ///< of `Settings`: the command with all that follows; as long as main's
+    std::optional<Fields> fields;
+    std::optional<std::string> coin;  ///< identifier of the only one that is shown
 };
 
 /// The error is a sentence for the user.

@@ -2,9 +2,11 @@
 
 #include "config/APIConfigUpdater.h"
 #include "config/CoinListUpdater.h"
+#include "line/BarFormat.h"
 #include "platform/Console.h"
 #include "platform/Platform.h"
 #include "platform/TextOutput.h"
+#include "presenter/RefreshState.h"
 
 namespace glintar::line {
 
@@ -14,10 +16,22 @@ constexpr int kDone = 0;
 constexpr int kNoQuotes = 1;
 constexpr int kFailed = 1;
 
-TextStatusBar::Options barOptions(const app::Arguments& arguments, const platform::TextOutput& output) {
+constexpr std::int64_t kMiddleButton = 2;
+
+int passedPercentage(platform::Platform& platform) {
+    const auto& state = presenter::RefreshState::shared(platform);
+    const platform::Seconds remaining = state.nextFetchTime - platform.runLoop.now();
+    return static_cast<int>(std::clamp(100 * (1 - remaining / state.currentInterval), 0.0, 100.0));
+}
+
+TextStatusBar::Options barOptions(const app::Arguments& arguments, const platform::TextOutput& output,
+                                  platform::Platform& platform) {
     return {.format = arguments.format,
             .isLive = output.isTerminal() && arguments.format == app::Format::Text && !arguments.once,
-            .prefix = arguments.demo ? app::kSimulatedMark : ""};
+            .prefix = arguments.demo ? app::kSimulatedMark : "",
+            .fields = arguments.fields,
+            .coin = arguments.coin,
+            .percentage = [&platform] { return passedPercentage(platform); }};
 }
 
 }  // namespace
@@ -27,7 +41,7 @@ LineCommand::LineCommand(platform::Platform& platform, platform::TextOutput& out
     : platform_(platform),
       once_(arguments.once),
       finish_(std::move(finish)),
-      statusBar_(output, platform.localTime, barOptions(arguments, output)),
+      statusBar_(output, platform.localTime, barOptions(arguments, output, platform)),
       controller_(platform, statusBar_, {.displayMode = 0}) {
     output.onClosed = [this](const std::string& failure) {
         if (failure.empty()) {
@@ -55,6 +69,12 @@ void LineCommand::start() {
     } else {
         controller_.start();
         config::CoinListUpdater::shared(platform_).checkForNewVersion();
+    }
+}
+
+void LineCommand::onInput(std::string_view line) {
+    if (clickedButton(line) == kMiddleButton) {
+        refresh();
     }
 }
 

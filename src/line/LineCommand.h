@@ -5,6 +5,7 @@
 #include "presenter/StatusBarController.h"
 
 #include <functional>
+#include <string_view>
 
 namespace glintar::platform {
 struct Platform;
@@ -22,6 +23,16 @@ public:
                 std::function<void(int status)> finish);
 
     void start();
+
+    /// The user asks for a refresh now.
+    void refresh() { controller_.refreshSoon(); }
+
+    /// The bar is hidden: nothing is asked and nothing wakes us until it is seen again.
+    void hidden() { controller_.pause(); }
+    void seen() { controller_.resume(); }
+
+    /// One line that a bar has sent: a click.
+    void onInput(std::string_view line);
 
     /// The user or the reader of the output has had enough: 0, but 1 when one refresh was asked for and is not there.
     void interrupt();

@@ -1,5 +1,6 @@
 #include "line/TextStatusBar.h"
 
+#include "line/BarFormat.h"
 #include "line/LineFormat.h"
 #include "platform/TextOutput.h"
 #include "presenter/LineText.h"
@@ -17,12 +18,14 @@ TextStatusBar::TextStatusBar(platform::TextOutput& output, const platform::Local
 void TextStatusBar::start() {
     if (options_.isLive) {
         redraw();
+    } else if (options_.format == app::Format::I3bar) {
+        output_.printLine(i3barHeader());
     }
 }
 
 void TextStatusBar::showLine(const presenter::StatusLine& line, std::optional<std::string> tooltip) {
-    line_ = line;
-    text_ = options_.prefix + presenter::plainText(line);
+    line_ = selected(line, options_.fields, options_.coin);
+    text_ = options_.prefix + presenter::plainText(line_);
     if (tooltip) {
         tooltip_ = *std::move(tooltip);
     }
@@ -33,11 +36,37 @@ void TextStatusBar::showLine(const presenter::StatusLine& line, std::optional<st
 
 void TextStatusBar::refreshCompleted() {
     if (!options_.isLive) {
-        output_.printLine(options_.format == app::Format::Json ? jsonText(line_, local_, text_, tooltip_) : text_);
+        output_.printLine(printed());
     }
     if (onRefreshed) {
-        onRefreshed(!line_.coins.empty());
+        const bool showsOnlyFee = options_.fields && !options_.fields->hasCoins();
+        onRefreshed(!line_.coins.empty() || (showsOnlyFee && line_.gas));
     }
+}
+
+std::string TextStatusBar::printed() const {
+    const auto bar = [this] {
+        return BarLine{.line = line_,
+                       .prefix = options_.prefix,
+                       .tooltip = tooltip_,
+                       .percentage = options_.percentage ? options_.percentage() : 0};
+    };
+    switch (options_.format) {
+        case app::Format::Text:
+            return text_;
+        case app::Format::Json:
+            return jsonText(line_, local_, text_, tooltip_);
+        case app::Format::Waybar:
+            return waybarText(bar());
+        case app::Format::I3bar:
+            return i3barText(bar());
+        case app::Format::Genmon:
+            return genmonText(bar());
+        case app::Format::Tmux:
+        case app::Format::Polybar:
+            return escaped(options_.format, text_);
+    }
+    return text_;
 }
 
 platform::Seconds TextStatusBar::showProgress(const presenter::RefreshProgress& countdown) {

@@ -22,6 +22,9 @@ public:
         app::Format format = app::Format::Text;
         bool isLive = false;  ///< redrawn in place; wants a terminal
         std::string prefix;   ///< before every line of text
+        std::optional<app::Fields> fields = {};
+        std::optional<std::string> coin = {};
+        std::function<int()> percentage = {};  ///< of the time to the next refresh that has passed
     };
 
     TextStatusBar(platform::TextOutput& output, const platform::LocalTime& local, Options options);
@@ -44,6 +47,7 @@ public:
 
 private:
     void redraw();
+    [[nodiscard]] std::string printed() const;
 
     platform::TextOutput& output_;
     const platform::LocalTime& local_;

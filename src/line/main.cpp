@@ -1,6 +1,7 @@
 // The terminal door: `glintar`. It links nothing graphical; where there is a display it hands over to the desktop door.
 
 #include "app/Start.h"
+#include "line/BarFormat.h"
 #include "line/CompareCommand.h"
 #include "line/DiagnoseCommand.h"
 #include "line/LineCommand.h"
@@ -9,13 +10,16 @@
 #include "platform/posix/InstalledBundle.h"
 #include "platform/posix/Termination.h"
 #include "platform/posix/XdgLoginItem.h"
+#include "platform/qtcore/QtSignals.h"
 #include "platform/real/TerminalPlatform.h"
 #include "platform/terminal/SecretInput.h"
+#include "platform/terminal/TerminalInput.h"
 #include "presenter/SettingsWatch.h"
 
 #include <fmt/format.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <cstdlib>
 #include <optional>
 
@@ -50,6 +54,14 @@ int runLine(platform::TerminalPlatform& terminal, const app::Start& start) {
     if (!start.arguments.once) {
         watch.emplace(machine.platform());
         machine.watch();
+    }
+    const platform::QtSignals refresh({SIGUSR1}, [&](int) { command.refresh(); });
+    std::optional<platform::QtSignals> visibility;
+    std::optional<platform::TerminalInput> clicks;
+    if (start.arguments.format == app::Format::I3bar) {
+        visibility.emplace(std::initializer_list{line::kStopSignal, line::kContSignal},
+                           [&](int signal) { signal == line::kStopSignal ? command.hidden() : command.seen(); });
+        clicks.emplace([&](std::string_view click) { command.onInput(click); });
     }
     command.start();
     return machine.exec();

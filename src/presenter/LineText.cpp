@@ -19,7 +19,9 @@ std::string sparklineText(std::span<const double> values) {
 
 std::string plainText(const CoinPart& part) {
     std::string text = text::oneLine(text::upper(text::trimmed(part.coin.displayName)));
-    text += ' ' + part.price;
+    if (!part.price.empty()) {
+        text += ' ' + part.price;
+    }
     if (part.reference) {
         text += " (" + *part.reference + ")";
     }
@@ -39,25 +41,30 @@ std::string plainText(const GasPart& gas) {
     return (gas.network == market::GasNetwork::Bitcoin ? "₿ " : "⛽ ") + gas.text;
 }
 
-std::string plainText(const StatusLine& line) {
-    std::vector<std::string> parts;
+std::vector<LinePiece> pieces(const StatusLine& line) {
+    std::vector<LinePiece> parts;
     // What failed stands first; where some came, each that did not is marked by itself.
     const auto marked = [](bool isOld, std::string text) { return (isOld ? "⚠️ " : "") + std::move(text); };
     const bool isSaidOnce = line.failure && line.areAllCoinsOld();
     if (line.emptyText) {
-        parts.push_back(*line.emptyText);
+        parts.push_back({.text = *line.emptyText});
     } else if (isSaidOnce) {
-        parts.push_back(*line.failure);
+        parts.push_back({.text = *line.failure});
     }
     for (const auto& coin : line.coins) {
-        parts.push_back(marked(coin.quote.arrival.isOld && !isSaidOnce, plainText(coin)));
+        parts.push_back({.text = marked(coin.quote.arrival.isOld && !isSaidOnce, plainText(coin)), .coin = &coin});
     }
     if (line.gas) {
-        parts.push_back(marked(line.gas->arrival.isOld && !isSaidOnce, plainText(*line.gas)));
+        parts.push_back(
+            {.text = marked(line.gas->arrival.isOld && !isSaidOnce, plainText(*line.gas)), .gas = &*line.gas});
     }
+    return parts;
+}
+
+std::string plainText(const StatusLine& line) {
     std::string text;
-    for (const auto& part : parts) {
-        text += (text.empty() ? "" : " | ") + part;
+    for (const auto& piece : pieces(line)) {
+        text += (text.empty() ? "" : " | ") + piece.text;
     }
     return text;
 }

@@ -4,6 +4,7 @@
 
 #include <span>
 #include <string>
+#include <vector>
 
 namespace glintar::presenter {
 
@@ -19,6 +20,16 @@ namespace glintar::presenter {
 
 /// "⛽ 12G ($0.857)".
 [[nodiscard]] std::string plainText(const GasPart& gas);
+
+/// One piece of the line: of a coin, of the fee, or words of its own.
+struct LinePiece {
+    std::string text;
+    const CoinPart* coin = nullptr;
+    const GasPart* gas = nullptr;
+};
+
+/// The line's pieces, which point into it.
+[[nodiscard]] std::vector<LinePiece> pieces(const StatusLine& line);
 
 /// The parts with " | " between them. What failed stands first, before quotes of an earlier refresh: for all of them at
 /// once, else "⚠️" before each old one.

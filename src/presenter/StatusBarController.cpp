@@ -77,6 +77,7 @@ void StatusBarController::refreshOnce() {
                           "⚠️ No Price Data @ " + platform_.localTime.clockText(platform_.runLoop.wallNow()));
         surface_.refreshCompleted();
     } else {
+        expectNextFetch();
         performFetch(Scope::Everything);
     }
 }
@@ -108,6 +109,9 @@ void StatusBarController::restartTimers() {
     timer_.reset();
     state_.currentInterval = calculateRefreshInterval();
     expectNextFetch();
+    if (isPaused_) {
+        return;
+    }
     cycle_.isRunning = true;
     timer_ = platform_.runLoop.every(asDuration(state_.currentInterval), [this] { onTimer(); });
     restartProgress();
@@ -169,7 +173,22 @@ void StatusBarController::follow(const WakeUp& wakeUp) {
     }
 }
 
-/// A refresh now instead of the next one that was due.
+void StatusBarController::pause() {
+    isPaused_ = true;
+    cycle_.isRunning = false;
+    timer_.reset();
+    progressTimer_.reset();
+}
+
+void StatusBarController::resume() {
+    if (!std::exchange(isPaused_, false)) {
+        return;
+    }
+    cycle_.isRunning = true;
+    const auto remaining = cycle_.nextFetchDue - platform_.runLoop.bootNow();
+    timer_ = platform_.runLoop.after(std::max<platform::Duration>(remaining, 0s), [this] { refreshSoon(); });
+}
+
 void StatusBarController::refreshSoon() {
     restartTimers();
     pendingRequestWorkItem_ = platform_.runLoop.after(delayOfEarlyRefresh(cycle_, platform_.runLoop.now()),

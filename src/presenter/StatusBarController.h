@@ -55,6 +55,14 @@ public:
     void refreshAll(Scope scope);
     void forceFullUpdate() { refreshAll(Scope::Everything); }
 
+    /// A refresh now instead of the next one that was due, two seconds after the last at the earliest.
+    void refreshSoon();
+
+    /// From now on nobody looks: nothing is asked and no timer runs. Afterwards a refresh that fell due follows at
+    /// once.
+    void pause();
+    void resume();
+
     /// Coins, source or API key may have changed.
     void onSettingsChanged();
     void onDisplaySettingsChanged();
@@ -81,7 +89,6 @@ private:
     void onResumed();
     void onNetworkBack();
     void follow(const WakeUp& wakeUp);
-    void refreshSoon();
     platform::Seconds calculateRefreshInterval();
     void performFetch(Scope scope);
     void addPhantomCoin(std::vector<config::Coin>& coins);
@@ -105,6 +112,7 @@ private:
     CycleState cycle_;
 
     bool hasShown_ = false;  ///< anything at all
+    bool isPaused_ = false;
     bool isApiKeyInvalid_ = false;
     std::optional<market::MarketDataMap> cachedMarketData_;
     std::string cachedSource_;        ///< whose quotes they are

@@ -71,6 +71,10 @@ StatusBarController::Wish StatusBarController::wish() {
 }
 
 void StatusBarController::performFetch(Scope scope) {
+    if (isPaused_) {
+        cycle_.nextFetchDue = platform_.runLoop.bootNow();
+        return;
+    }
     if (cycle_.isFetching) {
         return;
     }

@@ -8,19 +8,6 @@ namespace glintar::presenter {
 
 namespace {
 
-CoinPart composeCoin(const ShownParts& parts, const config::Coin& coin, const market::UnifiedMarketData& quote) {
-    CoinPart part{.coin = coin, .quote = quote, .price = priceText(quote.price)};
-    part.reference = referenceText(coin.referencePrice);
-    if (quote.change24h && parts.change24h) {
-        part.change = changeText(*quote.change24h);
-    }
-    if (quote.high24h && quote.low24h && parts.highLow24h) {
-        part.highLow = highLowText(*quote.high24h, *quote.low24h);
-    }
-    part.showsSparkline = quote.sparkline && !quote.sparkline->empty() && parts.sparkline;
-    return part;
-}
-
 GasPart composeGas(const config::Settings& settings, const market::NetworkFee& fee,
                    const market::MarketDataMap& quotes) {
     GasPart part{.network = market::gasNetworkOf(settings.gasSource), .fee = fee.price, .arrival = fee.arrival};
@@ -45,6 +32,19 @@ std::vector<market::Arrival> arrivals(const StatusLine& line) {
 }
 
 }  // namespace
+
+CoinPart composeCoin(const ShownParts& parts, const config::Coin& coin, const market::UnifiedMarketData& quote) {
+    CoinPart part{.coin = coin, .quote = quote, .price = priceText(quote.price)};
+    part.reference = referenceText(coin.referencePrice);
+    if (quote.change24h && parts.change24h) {
+        part.change = changeText(*quote.change24h);
+    }
+    if (quote.high24h && quote.low24h && parts.highLow24h) {
+        part.highLow = highLowText(*quote.high24h, *quote.low24h);
+    }
+    part.showsSparkline = quote.sparkline && !quote.sparkline->empty() && parts.sparkline;
+    return part;
+}
 
 bool StatusLine::hasOld() const {
     return std::ranges::any_of(arrivals(*this), &market::Arrival::isOld);

@@ -48,6 +48,10 @@ struct ShownParts {
     bool sparkline = false;
 };
 
+/// The coin with the parts that are asked for and that its quote has.
+[[nodiscard]] CoinPart composeCoin(const ShownParts& parts, const config::Coin& coin,
+                                   const market::UnifiedMarketData& quote);
+
 /// What the last completed refresh that asked for quotes came to.
 struct Outcome {
     std::optional<std::string> error;

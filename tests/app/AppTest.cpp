@@ -158,6 +158,11 @@ TEST(ArgumentsTest, MeanWhatTheySay) {
           Row{{"line", "line"}, "refused"},
           Row{{"line", "--format"}, "refused"},
           Row{{"line", "--format", "xml"}, "refused"},
+          Row{{"line", "--format", "genmon", "--fields", "price,fee", "--coin=a,b"}, "line once price fee only a,b"},
+          Row{{"line", "--fields", "price,cost"}, "refused"},
+          Row{{"line", "--coin"}, "refused"},
+          Row{{"compare", "--format", "waybar"}, "refused"},
+          Row{{"--coin", "bitcoin"}, "refused"},
           Row{{"line", "--formatted"}, "refused"},
           Row{{""}, "refused"},
           Row{{"compare", "--format", "json"}, "compare json"},
@@ -182,6 +187,10 @@ TEST(ArgumentsTest, MeanWhatTheySay) {
             for (const auto word : parsed->words) {
                 (text += ' ') += word;
             }
+            text += parsed->fields && parsed->fields->price ? " price" : "";
+            text += parsed->fields && parsed->fields->change ? " change" : "";
+            text += parsed->fields && parsed->fields->fee ? " fee" : "";
+            text += parsed->coin ? " only " + *parsed->coin : "";
         }
         EXPECT_EQ(text, expected) << testing::PrintToString(arguments);
     }

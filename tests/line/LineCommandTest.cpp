@@ -3,6 +3,7 @@
 #include "platform/virtual/VirtualPlatform.h"
 #include "presenter/LineText.h"
 #include "support/Market.h"
+#include "text/Address.h"
 
 #include <gmock/gmock.h>
 
@@ -161,6 +162,74 @@ TEST_F(LineCommandTest, JsonHoldsTheWholeAnswer) {
         R"j("low24h":null,"sparkline":null,"image":null,"updated":"2026-01-02T03:04:05+00:00","stale":false}],)j"
         R"j("gas":{"network":"ethereum","fee":1.5,"transferCost":3.15e+16}})j";
     EXPECT_EQ(output.lines[0], expected);
+}
+
+TEST_F(LineCommandTest, EachBarIsWrittenInItsOwnMarkupWhateverACoinIsCalled) {
+    test::saveCoins(machine.preferences, {test::coin("A&B <c>\n#%{\"'", "bitcoin"), test::coin("שקל", "ethereum")});
+    machine.http.answer("gecko.test", R"([{"id":"bitcoin","current_price":2,"change":-1.5,"high":3,"low":2},)"
+                                      R"({"id":"ethereum","current_price":1.5}])");
+    using app::Format;
+    for (const auto& [format, expected] :
+         {std::pair{Format::Waybar,
+                    R"({"text":"A&amp;B &lt;C&gt;�#%{&quot;&#39; 2.00 | שקל 1.50","alt":"ok","tooltip":)"
+                    R"("A&amp;B &lt;C&gt;�#%{&quot;&#39; 2.00 -1.50% 3.0/2.0\nשקל 1.50\nLast Updated: 03:04:05",)"
+                    R"("class":["ok","down"],"percentage":0})"},
+          {Format::I3bar, R"([{"full_text":"A&B <C>�#%{\"' 2.00","short_text":"A&B <C>�#%{\"' 2.00",)"
+                          R"("color":"#ff453a","min_width":"A&B <C>�#%{\"' 0.00","name":"glintar",)"
+                          R"("instance":"bitcoin"},{"full_text":"שקל 1.50","short_text":"שקל 1.50",)"
+                          R"("min_width":"שקל 0.00","name":"glintar","instance":"ethereum"}],)"},
+          {Format::Genmon,
+           "<txt>A&amp;B &lt;C&gt;\ufffd#%{&quot;&#39; 2.00 | שקל 1.50</txt>\n<tool>A&amp;B &lt;C&gt;\ufffd"
+           "#%{&quot;&#39; 2.00 -1.50% 3.0/2.0\nשקל 1.50\nLast Updated: 03:04:05</tool>"},
+          {Format::Tmux, "A&B <C>\ufffd##%{\"' 2.00 | שקל 1.50"},
+          {Format::Polybar, "A&B <C>\ufffd#% {\"' 2.00 | שקל 1.50"}}) {
+        run({.format = format, .once = true}, 10ms);
+        EXPECT_EQ(output.lines.back(), text::replaceAll(expected, "\\ufffd", "\ufffd"));
+    }
+}
+
+TEST_F(LineCommandTest, FieldsAndCoinGoBeforeThePreferences) {
+    machine.preferences.setBoolean("showGasFee", true);
+    test::saveCoins(machine.preferences, {test::coin("btc", "bitcoin", 5), test::coin("eth", "ethereum")});
+    machine.http.answer("gecko.test", R"([{"id":"bitcoin","current_price":2,"change":1.5},)"
+                                      R"({"id":"ethereum","current_price":1}])");
+    machine.http.answer("eth.test", R"({"result":{"average":1.5}})");
+    for (const auto& [fields, coin, expected] :
+         {std::tuple<std::optional<app::Fields>, std::optional<std::string>, std::string>{{}, "ethereum", "ETH 1.0000"},
+          {app::Fields{.price = true, .change = true}, "bitcoin", "BTC 2.00 +1.50%"},
+          {app::Fields{.change = true}, {}, "BTC +1.50% | ETH"},
+          {app::Fields{.fee = true}, {}, "⛽ 1.50G ($0.000)"},
+          {{}, "dogecoin", "No Price Data"}}) {
+        run({.once = true, .fields = fields, .coin = coin}, 1s);
+        EXPECT_EQ(output.lines.back(), expected);
+        EXPECT_EQ(finished.back(), coin == "dogecoin" ? 1 : 0);
+    }
+}
+
+TEST_F(LineCommandTest, AHiddenBarAsksNothingAndAClickAsksEveryTwoSecondsAtMost) {
+    run({.format = app::Format::I3bar}, 2s);
+    EXPECT_THAT(output.lines.at(0), HasSubstr(R"("click_events":true})"));
+    command->hidden();
+    machine.advance(30s);
+    EXPECT_EQ(machine.runLoop.pending(), 0U);
+    command->seen();
+    machine.advance(1s);
+    EXPECT_EQ(machine.http.asked("gecko.test"), 1) << "none was due";
+    command->hidden();
+    machine.notifications.post(config::kCoinsUpdated);
+    machine.advance(1s);
+    EXPECT_EQ(machine.http.asked("gecko.test"), 1);
+    command->seen();
+    machine.advance(100ms);
+    EXPECT_EQ(machine.http.asked("gecko.test"), 2);
+    for (const auto* click :
+         {"[", R"({"name":"glintar","button":3})", R"(,{"button":2})", R"(,{"button":2})", "nonsense{"}) {
+        command->onInput(click);
+    }
+    machine.advance(1s);
+    EXPECT_EQ(machine.http.asked("gecko.test"), 2);
+    machine.advance(2s);
+    EXPECT_EQ(machine.http.asked("gecko.test"), 3);
 }
 
 TEST_F(LineCommandTest, ASimulatedMarketIsMarked) {
