@@ -1,8 +1,10 @@
 # Two Debian packages: `glintar` for terminals and text bars, without a graphical library, and `glintar-desktop`.
 set(CPACK_GENERATOR DEB)
+set(CPACK_PACKAGE_DIRECTORY ${CMAKE_BINARY_DIR}/packages)
 set(CPACK_PACKAGE_NAME glintar)
 set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
 set(CPACK_PACKAGE_CONTACT "${GLINTAR_MAINTAINER}")
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "")  # each package has its own
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_STRIP_FILES ON)
 set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
@@ -19,7 +21,7 @@ set(CPACK_DEBIAN_TERMINAL_PACKAGE_NAME glintar)
 set(CPACK_DEBIAN_TERMINAL_PACKAGE_SECTION utils)
 set(CPACK_DEBIAN_TERMINAL_PACKAGE_RECOMMENDS ca-certificates)
 set(CPACK_DEBIAN_TERMINAL_PACKAGE_SUGGESTS glintar-desktop)
-set(CPACK_COMPONENT_TERMINAL_DESCRIPTION "live crypto prices in a terminal or a text bar
+set(CPACK_DEBIAN_TERMINAL_DESCRIPTION "live crypto prices in a terminal or a text bar
 Glintar shows the prices of up to five coins: price, your own reference
 price, change, high, low and a sparkline, and the network fee of Bitcoin or
 Ethereum. Fourteen market-data services are built in. None needs an account.
@@ -30,7 +32,7 @@ set(CPACK_DEBIAN_DESKTOP_PACKAGE_NAME glintar-desktop)
 set(CPACK_DEBIAN_DESKTOP_PACKAGE_SECTION x11)
 set(CPACK_DEBIAN_DESKTOP_PACKAGE_DEPENDS "glintar (= ${PROJECT_VERSION})")
 set(CPACK_DEBIAN_DESKTOP_PACKAGE_RECOMMENDS "qt6-image-formats-plugins")
-set(CPACK_COMPONENT_DESKTOP_DESCRIPTION "live crypto prices in the status bar of the desktop
+set(CPACK_DEBIAN_DESKTOP_DESCRIPTION "live crypto prices in the status bar of the desktop
 Glintar shows the prices of up to five coins: price, your own reference
 price, change, high, low and a sparkline, and the network fee of Bitcoin or
 Ethereum. Fourteen market-data services are built in. None needs an account.

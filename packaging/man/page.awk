@@ -1,5 +1,6 @@
-# Fills the usage into a page of the manual. Reads first what --help says, then the page, in which @SYNOPSIS@, @OPTIONS@
-# and @VARIABLES@ stand for its three lists. The variables `version` and `date` take the place of @VERSION@ and @DATE@.
+# Fills the usage into a page of the manual. Reads first what --help says, then the page. There @SYNOPSIS@, @OPTIONS@ and
+# @VARIABLES@ stand for the three lists of --help, @ABOUT@ for its sentences, @VERSION@ and @DATE@ for the variables
+# `version` and `date`.
 
 function roff(text) {
   gsub(/\\/, "\\e", text)
@@ -21,8 +22,13 @@ FNR == NR && match($0, /^(  [a-z-]+( [A-Z]+)?|[A-Z_]+)  +/) {
     variables = variables entry
   next
 }
-FNR == NR { next }
+FNR == NR {
+  if (NF > 0)
+    about = about roff($0) "\n"
+  next
+}
 
+$0 == "@ABOUT@" { printf "%s", about; next }
 $0 == "@SYNOPSIS@" { printf "%s", synopsis; next }
 $0 == "@OPTIONS@" { printf "%s", options; next }
 $0 == "@VARIABLES@" { printf "%s", variables; next }
