@@ -1,5 +1,5 @@
-# What whoever builds Glintar for others decides. All of it is empty at first: such a program asks no server of its
-# makers, and leaves out whatever would lead to one.
+# What whoever builds Glintar for others decides. All addresses are empty at first: such a program asks no server of
+# its makers, and leaves out whatever would lead to one.
 
 # The configuration server, which offers newer versions of the two shipped documents (docs/configuration-server.md):
 # scheme, host, port, path without a slash at its end. https, or http to a loopback address. The environment variable of
@@ -20,3 +20,6 @@ set(GLINTAR_FAQ_PAGE "" CACHE STRING "Address of the FAQ page")
 # {"releases": [{"version": "1.3.0", "notes": "What is new.", "url": "https://example.org/1.3.0"}]}, in any order, versions
 # by the rules of semver.org. Without it "Check for Updates..." says that this build does not look for updates.
 set(GLINTAR_RELEASE_FEED "" CACHE STRING "Address of the release feed")
+
+# Who answers for the Debian packages: a name and a mail address. It is in the packages alone.
+set(GLINTAR_MAINTAINER "The Glintar developers <developers@glintar.invalid>" CACHE STRING "Maintainer of the packages")

@@ -16,7 +16,7 @@ std::optional<std::filesystem::path> find(const std::filesystem::path& relative)
     if (error) {
         return std::nullopt;  // never the current directory, which may be anybody's
     }
-    for (const auto& base : {folder, folder / ".." / GLINTAR_LIBRARY_FOLDER / "glintar"}) {
+    for (const auto& base : {folder, folder / ".." / GLINTAR_PRIVATE_FOLDER / "glintar"}) {
         auto path = base / relative;
         if (std::filesystem::exists(path, error)) {
             return path;

@@ -4,7 +4,7 @@
 
 namespace glintar::platform {
 
-/// What lies beside the running program in a build tree, and in the library folder of the same prefix once installed.
+/// What lies beside the running program in a build tree, and in libexec/glintar of the same prefix once installed.
 class InstalledBundle final : public Bundle {
 public:
     /// `configServer` as in `Bundle::configServer`, already checked. What lies in the folder `replacements` stands in
