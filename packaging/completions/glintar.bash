@@ -5,9 +5,12 @@ _glintar() {
   [ "$COMP_CWORD" -gt 1 ] || command=""
   [ "$COMP_CWORD" -gt 2 ] || action=""
   case "$before:$command:$action" in
+    --format:line:*) words="text json waybar i3bar polybar tmux genmon" ;;
     --format:*) words="text json" ;;
+    --fields:*) words="price reference change range sparkline fee" ;;
+    --coin:*) words=$(glintar coins list 2>/dev/null | awk '{ print $1 }') ;;
     *::) words="line compare diagnose coins source display --settings --demo --help --version" ;;
-    *:line:*) words="--once --format --demo --help" ;;
+    *:line:*) words="--once --format --fields --coin --demo --help" ;;
     *:compare:* | *:diagnose:*) words="--format --demo --help" ;;
     *:coins:) words="list search add remove --help" ;;
     *:source:) words="list use key --help" ;;
