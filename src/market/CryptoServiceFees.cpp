@@ -23,7 +23,6 @@ namespace glintar::market {
 namespace {
 
 constexpr std::size_t kShownCharacters = 200;
-constexpr std::size_t kLoggedCharacters = 2'000;  // of what comes from outside
 
 const config::GasConfig& choose(const std::vector<config::GasConfig>& configs, GasNetwork network) {
     static constexpr std::array<std::string_view, 3> kBitcoin{"btc", "bitcoin", "mempool"};
@@ -62,7 +61,7 @@ std::optional<double> readFee(platform::Console& console, const config::GasConfi
     if (!document) {
         if (isText) {
             console.print("🔍 [Gas Debug] 服务器返回的真实内容是：\n" +
-                          std::string(text::firstCharacters(body, kLoggedCharacters)));
+                          std::string(text::firstCharacters(body, platform::Console::kLongestQuotation)));
         }
         console.print("❌ [Gas Debug] JSON 解析彻底崩溃 (可能是返回了 HTML): " + document.error().text());
         return std::nullopt;

@@ -53,6 +53,11 @@ TEST_F(ArbitrageServiceTest, AsksEverySourceItsWayAndReusesTheQuotesOfTheSelecte
         EXPECT_TRUE(request.headers.empty() && request.originHeaders.empty()) << request.url;
     }
     EXPECT_EQ(machine.secrets.reads, 0);
+    for (const auto* said :
+         {"♻️ [Arbiter] CoinGecko 命中缓存，直接复用", "🚀 [Network Arbiter] 通用批量请求 Simple: https://",
+          "🚀 [Network Arbiter] 通用单次请求 Gate -> BTC"}) {
+        EXPECT_EQ(machine.console.count(said), 1) << said;
+    }
 }
 
 TEST_F(ArbitrageServiceTest, WithoutQuotesTheSelectedSourceIsAskedLikeTheOthers) {

@@ -9,6 +9,7 @@
 namespace glintar::market {
 namespace {
 
+using testing::Each;
 using testing::ElementsAre;
 using testing::Key;
 using testing::SizeIs;
@@ -51,6 +52,14 @@ TEST_F(CryptoServiceTest, WhatAUserTypedBreaksNeitherAddressNorLog) {
     fetch({test::coin("A\nB", "x/../y\r\nz")});
     EXPECT_EQ(machine.http.requests.at(0).url, "https://gate.test/t?pair=A%0AB_USDT&id=x/../y%0D%0Az");
     EXPECT_TRUE(machine.console.printed("🔗 gate | 币: x/../y\uFFFD\uFFFDz | Symbol: A\uFFFDB"));
+    std::string accents = "e";  // one character for a reader
+    for (int i = 0; i < 9000; ++i) {
+        accents += "\u0301";
+    }
+    fetch({test::coin(std::string(9000, 'A'), "a"), test::coin("B", accents)});
+    for (const auto& line : machine.console.lines) {
+        EXPECT_LT(line.text.size(), 9000);
+    }
 }
 
 TEST_F(CryptoServiceTest, PartialSuccessIsNoErrorAndTheLastFailureSpeaksForAll) {
@@ -84,25 +93,24 @@ TEST_F(CryptoServiceTest, WithoutCoinsABatchStillAsksAndSingleRequestsDoNot) {
 
 TEST_F(CryptoServiceTest, TheKeyGoesOnlyToASourceThatNamesAHeader) {
     const keystore::KeychainHelper keys(machine.platform());
+    machine.http.answer(".test", "", 503);
     struct Row {
-        std::string source, key;
-        bool isSent;
+        std::string source, key, header;
     };
-    for (const auto& row :
-         {Row{"coingecko", "CG-1", true}, Row{"coingecko", "", false}, Row{"coingecko", "a\r\nb", false},
-          Row{"coingecko", " a", false}, Row{"coingecko", "caf\xc3\xa9", false}, Row{"coingecko", "a\xff", false},
-          Row{"gate", "G-1", false}}) {
+    for (const auto& row : {Row{"coingecko", "CG-1", "x-key"}, Row{"coingecko", "", ""}, Row{"coingecko", "a\r\nb", ""},
+                            Row{"coingecko", " a", ""}, Row{"coingecko", "caf\xc3\xa9", ""},
+                            Row{"coingecko", "a\xff", ""}, Row{"gate", "G-1", ""}, Row{"binance", "B-1", "x-each"}}) {
         SCOPED_TRACE(row.source + " " + row.key);
         select(row.source);
         keys.save(row.key, "apiKey_" + row.source);
+        machine.http.requests.clear();
         fetch(btc);
-        const auto& headers = machine.http.requests.back().originHeaders;
-        if (row.isSent) {
-            EXPECT_THAT(headers, ElementsAre(platform::HttpHeader{"x-key", row.key}));
-        } else {
-            EXPECT_TRUE(headers.empty());
+        EXPECT_THAT(machine.http.requests, SizeIs(2)) << "the second is the retry";
+        for (const auto& request : machine.http.requests) {
+            EXPECT_THAT(request.originHeaders, SizeIs(row.header.empty() ? 0 : 1));
+            EXPECT_THAT(request.originHeaders, Each(platform::HttpHeader{row.header, row.key}));
+            EXPECT_THAT(request.headers, SizeIs(2));
         }
-        EXPECT_THAT(machine.http.requests.back().headers, SizeIs(2));
     }
 }
 
@@ -118,10 +126,10 @@ TEST_F(CryptoServiceTest, AStatusIsReducedToABodyOrAShortText) {
         std::vector<int> statuses;
         std::optional<std::string> error;
     };
-    for (const auto& [statuses, error] :
-         {Row{{200}, {}}, Row{{503, 200}, {}}, Row{{502, 500}, "Server Error (500)"},
-          Row{{429}, "Limit Exceeded (429)"}, Row{{503, 429}, "Limit Exceeded (429)"}, Row{{404}, "HTTP 404"},
-          Row{{401}, "HTTP 401"}, Row{{304}, "HTTP 304"}, Row{{0}, "HTTP 0"}}) {
+    for (const auto& [statuses, error] : {Row{{200}, {}}, Row{{503, 200}, {}}, Row{{502, 500}, "Server Error (500)"},
+                                          Row{{429}, "Limit Exceeded (429)"}, Row{{503, 429}, "Limit Exceeded (429)"},
+                                          Row{{404}, "HTTP 404"}, Row{{401}, "HTTP 401"}, Row{{204}, "HTTP 204"},
+                                          Row{{206}, "HTTP 206"}, Row{{304}, "HTTP 304"}, Row{{0}, "HTTP 0"}}) {
         machine.registry.clear();
         machine.http.requests.clear();
         for (const int status : statuses) {
@@ -134,13 +142,18 @@ TEST_F(CryptoServiceTest, AStatusIsReducedToABodyOrAShortText) {
     }
 }
 
-TEST_F(CryptoServiceTest, TheRetryComesASecondAfterTheServerError) {
+TEST_F(CryptoServiceTest, TheRetryComesASecondAfterTheServerErrorWhateverIsConfiguredMeanwhile) {
     machine.http.answer("gecko.test", "", 503);
-    startFetch(btc);
+    const auto outcome = startFetch(btc);
+    test::ship(machine, R"({"sources":[]})");
+    machine.notifications.post(config::kConfigUpdated);
     machine.advance(1s);
     EXPECT_EQ(machine.http.asked("gecko.test"), 1);
+    machine.notifications.post(config::kConfigUpdated);
     machine.advance(10ms);
     EXPECT_EQ(machine.http.asked("gecko.test"), 2);
+    machine.advance(1s);
+    EXPECT_EQ(outcome->error, "Server Error (503)");
 }
 
 TEST_F(CryptoServiceTest, ATransportFailureIsNotRetried) {

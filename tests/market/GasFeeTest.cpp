@@ -55,6 +55,7 @@ TEST_F(GasFeeTest, TheServiceIsChosenByAWordOfItsNetwork) {
         EXPECT_EQ(machine.http.requests.back().url, "https://" + chosen + ".test");
     }
     EXPECT_TRUE(machine.http.requests.back().headers.empty()) << "a fee request is a plain one";
+    EXPECT_TRUE(machine.http.requests.back().originHeaders.empty());
 }
 
 TEST_F(GasFeeTest, TheValueIsDividedAndReported) {
@@ -73,6 +74,7 @@ TEST_F(GasFeeTest, TheValueIsDividedAndReported) {
         EXPECT_EQ(fetch(), row.fee);
         EXPECT_TRUE(machine.console.printed("✅ [Gas Debug] 成功! " + row.line)) << row.line;
     }
+    EXPECT_EQ(machine.http.asked("eth.test"), 4) << "none was asked for twice";
     machine.registry.clear();
     shipFees(R"([{"id":"eth","name":"","url":"https://eth.test","price_path":"f","divider":1e-300}])");
     machine.http.answer("eth.test", R"({"f":1e300})");
@@ -109,7 +111,11 @@ TEST_F(GasFeeTest, EachFailureSaysWhatItWas) {
             EXPECT_EQ(machine.console.count(text), 1) << text;
         }
     }
-    EXPECT_EQ(machine.console.count("[Gas Debug] 发起请求: https://eth.test/gas"), 1);
+    machine.http.answer("eth.test", "<" + std::string(9000, 'x'));
+    EXPECT_FALSE(fetch());
+    EXPECT_EQ(machine.console.count("<" + std::string(1999, 'x')), 1);
+    EXPECT_EQ(machine.console.count(std::string(2000, 'x')), 0) << "no log grows by whole pages";
+    EXPECT_EQ(machine.console.count("[Gas Debug] 发起请求: https://eth.test/gas"), 2);
     machine.http.fail("eth.test", {platform::HttpError::Kind::Timeout, "too slow"});
     EXPECT_FALSE(fetch());
     EXPECT_TRUE(machine.console.printed("❌ [Gas Debug] 网络请求错误: too slow"));

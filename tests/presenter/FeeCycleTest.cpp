@@ -1,6 +1,7 @@
 // The network fee in the refresh cycle, and settings that another process has written.
 
 #include "presenter/RefreshCycle.h"
+#include "presenter/RefreshState.h"
 #include "presenter/SettingsWatch.h"
 
 #include <gmock/gmock.h>
@@ -62,7 +63,9 @@ TEST_F(FeeCycleTest, ChangingTheFeeSettingsCostsOneFeeRequestAndNoQuotes) {
     begin();
     showGas(0);
     surface.dashboard.clear();
+    const auto next = RefreshState::shared(machine.platform()).nextFetchTime;
     displaySettingsSaved();
+    EXPECT_EQ(RefreshState::shared(machine.platform()).nextFetchTime, next) << "the timer goes on";
     EXPECT_EQ(surface.dashboard, "Arbitrage Dashboard");
     EXPECT_TRUE(machine.console.printed("⛽️ Gas Fee Enabled -> Fetching"));
     EXPECT_TRUE(machine.console.printed("✅ [Fetch] Cache Hit (All coins found). Skipping network request."));

@@ -19,7 +19,7 @@ inline constexpr std::string_view kConfiguration = R"({"sources":[
    "response_type":"array","id_mapping_path":"id","image_path":"image","price_path":"current_price",
    "change_path":"change","high_path":"high","low_path":"low","sparkline_path":"spark.price","header":"x-key"},
   {"id":"binance","name":"Binance","supports_batch":false,"url_template":"https://binance.test/t?symbol={SYMBOL}USDT",
-   "response_type":"object","price_path":"lastPrice"},
+   "response_type":"object","price_path":"lastPrice","header":"x-each"},
   {"id":"binance_us","name":"Binance US","supports_batch":false,
    "url_template":"https://binance.test/us?symbol={SYMBOL}USDT","response_type":"object","price_path":"lastPrice"},
   {"id":"gate","name":"Gate","supports_batch":false,"url_template":"https://gate.test/t?pair={SYMBOL}_USDT&id={ID}",
