@@ -39,7 +39,8 @@ void AppDelegate::applicationDidFinishLaunching() {
         updaterController_->start();
     }
     surface_.emplace(platform_, desktop_, requests(), options_.mark);
-    statusBarController_.emplace(platform_, *surface_, presenter::StatusBarController::Options{});
+    statusBarController_.emplace(platform_, *surface_,
+                                 presenter::StatusBarController::Options{.board = options_.board});
     statusBarController_->show();
     settingsRequests_ =
         platform_.notifications.observe(menubar::kRequestOpenDisplaySettings, [this] { openDisplaySettings(); });
@@ -78,6 +79,12 @@ void AppDelegate::applicationWasReopened(bool opensSettings) {
         openSettings();
     } else if (surface_) {
         surface_->openMenu();
+    }
+}
+
+void AppDelegate::refresh() {
+    if (statusBarController_) {
+        statusBarController_->refreshForUser();
     }
 }
 

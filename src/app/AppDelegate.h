@@ -17,6 +17,7 @@
 #include <string>
 
 namespace glintar::platform {
+class Noticeboard;
 struct Desktop;
 struct Platform;
 }  // namespace glintar::platform
@@ -40,6 +41,7 @@ public:
         std::string releaseFeed;  ///< address; may be empty
         Views views;
         std::function<void()> terminate;
+        platform::Noticeboard* board = nullptr;  ///< shared with the other copies of the program
     };
 
     AppDelegate(platform::Platform& platform, platform::Desktop& desktop, Options options);
@@ -51,6 +53,9 @@ public:
 
     /// The program was started a second time: opens its settings or its menu.
     void applicationWasReopened(bool opensSettings);
+
+    /// Another copy of the program asks for a refresh.
+    void refresh();
 
     /// Shows the one settings window, made at the first time and then kept.
     void openSettings();

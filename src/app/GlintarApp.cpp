@@ -2,12 +2,15 @@
 
 #include "app/Arguments.h"
 #include "app/Deployment.h"
+#include "app/Start.h"
 #include "arbiter/DashboardView.h"
 #include "diagnostics/NetworkDiagnosticView.h"
 #include "platform/qt/DesktopPlatform.h"
 #include "settings/settingsView.h"
 
 #include <utility>
+
+#include <csignal>
 
 namespace glintar::app {
 
@@ -36,6 +39,7 @@ GlintarApp::GlintarApp(platform::DesktopPlatform& machine, const Arguments& argu
     : machine_(machine),
       opensSettings_(arguments.opensSettings),
       instance_(arguments.demo ? kDemoIdentifier : kIdentifier),
+      board_(noticeboard(arguments)),
       _appDelegate(machine.platform(), machine.desktop(),
                    {.isDemo = arguments.demo,
                     .opensSettings = arguments.opensSettings,
@@ -43,7 +47,9 @@ GlintarApp::GlintarApp(platform::DesktopPlatform& machine, const Arguments& argu
                     .contacts = contacts(),
                     .releaseFeed = deployment().releaseFeed,
                     .views = views(machine.platform(), machine.desktop()),
-                    .terminate = [&machine] { machine.exit(0); }}) {
+                    .terminate = [&machine] { machine.exit(0); },
+                    .board = board_.get()}),
+      refreshes_({SIGUSR1}, [this](int) { _appDelegate.refresh(); }) {
     machine.onTerminate([&machine] { machine.exit(0); });
     instance_.onSecondStart = [this](bool opensSettings) { _appDelegate.applicationWasReopened(opensSettings); };
 }

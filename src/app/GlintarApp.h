@@ -2,6 +2,10 @@
 
 #include "app/AppDelegate.h"
 #include "app/SingleInstance.h"
+#include "platform/Noticeboard.h"
+#include "platform/qtcore/QtSignals.h"
+
+#include <memory>
 
 namespace glintar::platform {
 class DesktopPlatform;
@@ -23,7 +27,9 @@ private:
     platform::DesktopPlatform& machine_;
     bool opensSettings_;
     SingleInstance instance_;
+    std::unique_ptr<platform::Noticeboard> board_;
     AppDelegate _appDelegate;
+    platform::QtSignals refreshes_;
 };
 
 }  // namespace glintar::app

@@ -3,6 +3,7 @@
 #include "app/Deployment.h"
 #include "platform/posix/Descriptor.h"
 #include "platform/posix/InstalledBundle.h"
+#include "platform/qtcore/QtNoticeboard.h"
 
 #include <fmt/format.h>
 #include <malloc.h>
@@ -84,6 +85,11 @@ std::expected<std::optional<demo::DemoSession>, int> prepareProcess(const Argume
         }
     }
     return session;
+}
+
+std::unique_ptr<platform::Noticeboard> noticeboard(const Arguments& arguments) {
+    const auto profile = platform::XdgDirectories::configuration();
+    return profile && !arguments.demo ? platform::QtNoticeboard::open(*profile) : nullptr;
 }
 
 platform::RealPlatform::Options platformOptions(const Start& start, const std::optional<demo::DemoSession>& session) {

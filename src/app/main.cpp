@@ -6,10 +6,12 @@
 #include "platform/posix/Termination.h"
 #include "platform/qt/DesktopPlatform.h"
 #include "platform/qt/DisplayGuard.h"
+#include "platform/qtcore/QtSignals.h"
 
 #include <fmt/format.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <vector>
@@ -31,6 +33,7 @@ End run(int argc, char** argv, const app::Start& start, const std::optional<demo
 
 int main(int argc, char** argv) {
     platform::reserveStandardStreams();
+    platform::QtSignals::block({SIGUSR1});
     const platform::Termination termination;
     // Both as they are now: Qt takes its own out of the arguments, and an update may put another program in this place.
     std::vector<char*> arguments(argv, argv + argc + 1);

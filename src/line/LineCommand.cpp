@@ -37,12 +37,12 @@ TextStatusBar::Options barOptions(const app::Arguments& arguments, const platfor
 }  // namespace
 
 LineCommand::LineCommand(platform::Platform& platform, platform::TextOutput& output, const app::Arguments& arguments,
-                         std::function<void(int status)> finish)
+                         std::function<void(int status)> finish, platform::Noticeboard* board)
     : platform_(platform),
       once_(arguments.once),
       finish_(std::move(finish)),
       statusBar_(output, platform.localTime, barOptions(arguments, output, platform)),
-      controller_(platform, statusBar_, {.displayMode = 0}) {
+      controller_(platform, statusBar_, {.displayMode = 0, .board = board}) {
     output.onClosed = [this](const std::string& failure) {
         if (failure.empty()) {
             interrupt();

@@ -8,6 +8,7 @@
 #include <string_view>
 
 namespace glintar::platform {
+class Noticeboard;
 struct Platform;
 class TextOutput;
 }  // namespace glintar::platform
@@ -18,14 +19,15 @@ namespace glintar::line {
 /// server is asked for newer documents, except with `--once` and on a simulated market.
 class LineCommand {
 public:
-    /// `finish` takes the exit status, once at most; it may come before `start` returns.
+    /// `finish` takes the exit status, once at most; it may come before `start` returns. `board` is
+    /// shared with the other copies of the program.
     LineCommand(platform::Platform& platform, platform::TextOutput& output, const app::Arguments& arguments,
-                std::function<void(int status)> finish);
+                std::function<void(int status)> finish, platform::Noticeboard* board = nullptr);
 
     void start();
 
     /// The user asks for a refresh now.
-    void refresh() { controller_.refreshSoon(); }
+    void refresh() { controller_.refreshForUser(); }
 
     /// The bar is hidden: nothing is asked and nothing wakes us until it is seen again.
     void hidden() { controller_.pause(); }

@@ -47,8 +47,9 @@ std::string_view becomeDesktop(platform::Termination& termination, char** argv) 
 
 int runLine(platform::TerminalPlatform& terminal, const app::Start& start) {
     auto& machine = terminal.machine();
-    line::LineCommand command(machine.platform(), terminal.output(), start.arguments,
-                              [&](int status) { machine.exit(status); });
+    const auto board = app::noticeboard(start.arguments);
+    line::LineCommand command(
+        machine.platform(), terminal.output(), start.arguments, [&](int status) { machine.exit(status); }, board.get());
     machine.onTerminate = [&] { command.interrupt(); };
     std::optional<presenter::SettingsWatch> watch;
     if (!start.arguments.once) {

@@ -7,13 +7,27 @@
 
 namespace glintar::platform {
 
-QtSignals::QtSignals(std::initializer_list<int> numbers, std::function<void(int signal)> onSignal) {
+namespace {
+
+sigset_t setOf(std::initializer_list<int> numbers) {
     sigset_t set;
     ::sigemptyset(&set);
     for (const int number : numbers) {
         ::sigaddset(&set, number);
     }
+    return set;
+}
+
+}  // namespace
+
+void QtSignals::block(std::initializer_list<int> numbers) {
+    const auto set = setOf(numbers);
     ::pthread_sigmask(SIG_BLOCK, &set, nullptr);
+}
+
+QtSignals::QtSignals(std::initializer_list<int> numbers, std::function<void(int signal)> onSignal) {
+    block(numbers);
+    const auto set = setOf(numbers);
     descriptor_ = Descriptor(::signalfd(-1, &set, SFD_CLOEXEC | SFD_NONBLOCK));
     notifier_.emplace(descriptor_.number(), QSocketNotifier::Read);
     QObject::connect(&*notifier_, &QSocketNotifier::activated, &*notifier_,

@@ -10,11 +10,14 @@
 
 namespace glintar::platform {
 
-/// Calls back on the main thread for each signal of the set, which does nothing else any more. Made before the first
-/// thread, after the QCoreApplication. The signals stay blocked afterwards: a late one must not end the program.
+/// Calls back on the main thread for each signal of the set, which does nothing else any more. Made after the
+/// QCoreApplication, and before the first thread unless the signals were blocked before that. The signals stay blocked
+/// afterwards: a late one must not end the program.
 class QtSignals {
 public:
     QtSignals(std::initializer_list<int> numbers, std::function<void(int signal)> onSignal);
+
+    static void block(std::initializer_list<int> numbers);
 
 private:
     Descriptor descriptor_;

@@ -1,0 +1,98 @@
+// StatusBarController: one refresh for all copies of the program.
+
+#include "config/Settings.h"
+#include "platform/Platform.h"
+#include "platform/Preferences.h"
+#include "presenter/RefreshState.h"
+#include "presenter/SharedRefresh.h"
+#include "presenter/StatusBarController.h"
+#include "presenter/StatusSurface.h"
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+namespace glintar::presenter {
+
+/// Of the key no more than that there is one.
+std::string StatusBarController::wordsOf(const Wish& wish) const {
+    const auto settings = config::Settings::load(platform_.preferences);
+    return fmt::format("{} {} {} {}", wish.source, wish.coins, wish.key.empty() ? "without key" : "with key",
+                       settings.showGasFee ? settings.gasSource : -1);
+}
+
+/// Whether nothing is asked, because another copy does or has just done so; then what it got is shown.
+bool StatusBarController::isLeftToOthers(const Wish& wish) {
+    const auto words = wordsOf(wish);
+    const bool wasPublisher = shared_->isPublisher();
+    const auto role = shared_->claim(words);
+    const bool follows = role == SharedRefresh::Role::Follows && cycle_.isRunning;
+    const bool mayTakeOver = !wasPublisher && role != SharedRefresh::Role::Alone;
+    const auto* page = follows ? shared_->answer(words) : mayTakeOver ? shared_->freshAnswer(words) : nullptr;
+    if (!follows && !page) {
+        if (std::exchange(isFollowing_, false)) {
+            restartTimers();
+        }
+        return false;
+    }
+    if (cycle_.isRunning) {
+        if (!follows) {
+            shared_->takeOver();
+        }
+        isFollowing_ = true;
+        const auto wait = follows ? shared_->untilNextClaim() : page->nextFetch - platform_.runLoop.bootNow();
+        timer_ = platform_.runLoop.after(wait, [this] { performFetch(Scope::Everything); });
+    }
+    if (page) {
+        showPublished(*page);  // last: it may end the program
+    }
+    return true;
+}
+
+void StatusBarController::showPublished(const Publication& page) {
+    const auto settings = config::Settings::load(platform_.preferences);
+    cachedSource_ = settings.selectedSourceID;
+    outcome_ = page.outcome;
+    outcomeText_ = page.tooltip;
+    cachedMarketData_ = page.quotes.empty() ? std::nullopt : std::optional(page.quotes);
+    state_.latestMarketData = page.quotes;
+    currentGasPrice_ = page.fee;
+    cycle_.hasFailed = page.outcome.error.has_value();
+    cycle_.nextFetchDue = page.nextFetch;
+    state_.currentInterval = page.interval;
+    state_.nextFetchTime = platform_.runLoop.now() + (page.nextFetch - platform_.runLoop.bootNow());
+    const bool isNew = std::exchange(shownPage_, page.made) != page.made;
+    showAll();
+    if (isNew) {
+        surface_.refreshCompleted();
+    }
+}
+
+void StatusBarController::publish() {
+    if (!shared_ || !shared_->isPublisher() || !outcome_) {
+        return;
+    }
+    const bool counts = shared_->publish({.wish = wordsOf(wish()),
+                                          .nextFetch = cycle_.nextFetchDue,
+                                          .interval = state_.currentInterval,
+                                          .outcome = *outcome_,
+                                          .tooltip = outcomeText_,
+                                          .quotes = cachedMarketData_.value_or(market::MarketDataMap{}),
+                                          .fee = currentGasPrice_});
+    if (!counts) {
+        fetchAndDisplayPrice(Urgency::Forced, Scope::Everything);  // which follows
+    }
+}
+
+void StatusBarController::onPosted() {
+    if (cycle_.isRunning && shared_->hasNews(wordsOf(wish()))) {
+        performFetch(Scope::Everything);
+    }
+}
+
+void StatusBarController::refreshForUser() {
+    if (isPaused_ || !shared_ || !shared_->askPublisher(wordsOf(wish()))) {
+        refreshSoon();
+    }
+}
+
+}  // namespace glintar::presenter
