@@ -98,6 +98,7 @@ int runSettings(platform::TerminalPlatform& terminal, const app::Start& start) {
 
 int main(int argc, char** argv) {
     platform::reserveStandardStreams();
+    platform::QtSignals::block({SIGUSR1});  // sent to all copies by name, it must not end one that is not ready for it
     platform::Termination termination;
     const auto start = app::readStart(argc, argv);
     if (!start) {

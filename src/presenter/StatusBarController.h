@@ -59,8 +59,8 @@ public:
     void refreshAll(Scope scope);
     void forceFullUpdate() { refreshAll(Scope::Everything); }
 
-    /// A refresh now instead of the next one that was due, by whoever asks the services; two seconds after the last at
-    /// the earliest.
+    /// A refresh now instead of the next one that was due, by whoever asks the services; dropped within two seconds of
+    /// the last.
     void refreshForUser();
 
     /// From now on nobody looks: nothing is asked and no timer runs. Afterwards a refresh that fell due follows at

@@ -89,7 +89,11 @@ void StatusBarController::onPosted() {
     }
 }
 
+/// A click may reach several copies, and each passes it on.
 void StatusBarController::refreshForUser() {
+    if (!delayOf(Urgency::Timer, cycle_, platform_.runLoop.now())) {
+        return;
+    }
     if (isPaused_ || !shared_ || !shared_->askPublisher(wordsOf(wish()))) {
         refreshSoon();
     }
