@@ -44,9 +44,10 @@ block() { awk -v mark="<!-- block $1 -->" '$0 == mark { seen = 1; next } seen &&
 start() { setsid "$@" >>"$out/log" 2>&1 & pids+=($!); }
 stop() { kill -- "-${pids[-1]}" 2>/dev/null; wait "${pids[-1]}" 2>/dev/null; unset 'pids[-1]'; }
 verdict() { if "${@:2}"; then echo "$1: a price is seen"; else echo "$1: NO PRICE"; failures=$((failures + 1)); fi; }
-# is_written PICTURE COPIES FORMAT: so many copies run, and the bar is more than a plain area.
+# is_written PICTURE COPIES FORMAT: so many copies run, and there is more on the bar than a plain area or a word.
 is_written() {
-  [ "$(pgrep -u "$(id -u)" -fc "^glintar line --format $3")" -eq "$2" ] && [ "$(identify -format %k "$1" 2>/dev/null || echo 0)" -gt 24 ]
+  [ "$(pgrep -u "$(id -u)" -fc "^glintar line --format $3")" -eq "$2" ] &&
+    [ "$(convert "$1" -crop 400x16+100+4 -format %k info: 2>/dev/null || echo 0)" -gt 24 ]
 }
 has_price() { grep -Eq 'A&B <C> [0-9]+\.[0-9]{2}' <<<"$1"; }
 
@@ -115,6 +116,8 @@ genmon_case() {
 </channel>
 C
   printf 'Command=%s\nUseLabel=0\nText=\nUpdatePeriod=15000\nFont=DejaVu Sans 9\n' "$(block genmon)" >"$HOME/.config/xfce4/panel/genmon-1.rc"
+  # The panel would show what the command complains of, which looks like a price.
+  verdict "genmon's text" grep -Eq '<txt>A&amp;B &lt;C&gt; [0-9]+\.' <<<"$(sh -c "$(block genmon)" 2>>"$out/log")"
   x11_case genmon 900x28+0+0 0 dbus-run-session xfce4-panel --disable-wm-check
 }
 
