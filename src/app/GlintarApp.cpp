@@ -8,9 +8,8 @@
 #include "platform/qt/DesktopPlatform.h"
 #include "settings/settingsView.h"
 
-#include <utility>
-
 #include <csignal>
+#include <utility>
 
 namespace glintar::app {
 
