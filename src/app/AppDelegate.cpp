@@ -74,9 +74,11 @@ void AppDelegate::toggleDashboard(arbiter::ArbiterWindowController::Anchor ancho
         .toggleWindow(std::move(anchor), config::loadSavedCoins(platform_), statusBarController_->cachedMarketData());
 }
 
-void AppDelegate::applicationWasReopened(bool opensSettings) {
-    if (opensSettings) {
+void AppDelegate::applicationWasReopened(Opens opens) {
+    if (opens == Opens::Settings) {
         openSettings();
+    } else if (surface_ && opens == Opens::Dashboard) {
+        requests().pricePanelClicked();
     } else if (surface_) {
         surface_->openMenu();
     }

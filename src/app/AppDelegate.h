@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/Arguments.h"
 #include "app/DesktopSurface.h"
 #include "arbiter/ArbiterWindowController.h"
 #include "diagnostics/DiagnosticsWindowController.h"
@@ -51,8 +52,8 @@ public:
     /// The loop is about to run: shows the line or the panel, and starts what is asked of the network.
     void applicationDidFinishLaunching();
 
-    /// The program was started a second time: opens its settings or its menu.
-    void applicationWasReopened(bool opensSettings);
+    /// The program was started a second time: opens what is asked for; closes the dashboard if it is open.
+    void applicationWasReopened(Opens opens);
 
     /// Another copy of the program asks for a refresh.
     void refresh();

@@ -22,13 +22,16 @@ public:
     /// Puts a page in place of the old one, whole. False when it cannot be written.
     [[nodiscard]] virtual bool post(std::string_view page) = 0;
 
-    /// Tries to take this lock, without waiting, in place of the one that is held.
+    /// Tries to take this lock, without waiting. `unlock` gives back all that are held.
     [[nodiscard]] virtual Lock lock(std::int64_t number) = 0;
     virtual void unlock() = 0;
 
-    /// This process, as others name it, and a sign to another one that it should refresh.
-    [[nodiscard]] virtual std::int64_t self() const = 0;
-    virtual void askForRefresh(std::int64_t process) = 0;
+    /// A sign to the copy that holds this lock that it should refresh. False when no other one does.
+    [[nodiscard]] virtual bool askForRefresh(std::int64_t number) = 0;
+
+    /// Tells whether two texts are the same without showing them: a fingerprint with random salt, other each time.
+    [[nodiscard]] virtual std::string seal(std::string_view text) const = 0;
+    [[nodiscard]] virtual bool isSealOf(std::string_view seal, std::string_view text) const = 0;
 
     /// Runs after a page has been posted, by whomever.
     std::function<void()> onPosted;

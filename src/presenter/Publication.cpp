@@ -106,7 +106,7 @@ void readQuote(View from, market::MarketDataMap& quotes) {
 std::string encode(const Publication& publication) {
     json::Writer writer;
     writer.beginObject().key("generation").integer(publication.generation);
-    writer.key("process").integer(publication.process).key("wish").string(publication.wish);
+    writer.key("wish").string(publication.wish);
     write(writer, "made", publication.made);
     write(writer, "next", publication.nextFetch);
     writer.key("interval").number(publication.interval.count());
@@ -132,7 +132,6 @@ std::optional<Publication> decodePublication(std::string page) {
     }
     const auto root = document->root();
     Publication publication{.generation = integer(root, "generation"),
-                            .process = integer(root, "process"),
                             .wish = text(root, "wish").value_or(""),
                             .made = point<platform::BootInstant>(root, "made"),
                             .nextFetch = point<platform::BootInstant>(root, "next"),

@@ -7,15 +7,13 @@
 #include <cstdint>
 #include <optional>
 #include <string>
-#include <string_view>
 
 namespace glintar::presenter {
 
 /// What the copy of the program that asks the services tells the others. It holds no API key.
 struct Publication {
     std::int64_t generation = 1;  ///< higher after each take-over from a copy that still holds its lock
-    std::int64_t process = 0;     ///< who asks; 0 when nobody does any more
-    std::string wish;             ///< what was asked for, in words that are compared as a whole
+    std::string wish;             ///< what was asked for, sealed
     platform::BootInstant made;
     platform::BootInstant nextFetch;
     platform::Seconds interval{};

@@ -11,6 +11,7 @@ using Lock = platform::Noticeboard::Lock;
 namespace {
 
 constexpr auto kGrace = 5s;
+constexpr platform::Duration kShortestWait = 100ms;
 
 }  // namespace
 
@@ -31,15 +32,21 @@ void SharedRefresh::read() {
     page_ = std::move(page);
 }
 
+bool SharedRefresh::isPosted(std::string_view wish) const {
+    return page_ && board_.isSealOf(page_->wish, wish);
+}
+
+void SharedRefresh::giveUpLock() {
+    held_ = 0;
+    board_.unlock();
+}
+
 SharedRefresh::Role SharedRefresh::claim(std::string_view wish) {
     read();
-    if (held_ > 0 && page_ && page_->generation > held_) {
-        held_ = 0;
-        board_.unlock();
-    }
-    if (held_ > 0) {
+    if (held_ > 0 && !isSuperseded()) {
         return Role::Publishes;
     }
+    giveUpLock();
     auto generation = page_ ? page_->generation : 1;
     auto lock = board_.lock(generation);
     if (lock == Lock::Taken && runLoop_.now() >= overdueAt_) {
@@ -47,17 +54,17 @@ SharedRefresh::Role SharedRefresh::claim(std::string_view wish) {
         overdueAt_ = runLoop_.now() + kGrace;
     }
     if (lock == Lock::Held) {
+        held_ = generation;
         read();  // another may have come first, published and given way
-        if (!page_ || page_->generation <= generation) {
-            held_ = generation;
+        if (!isSuperseded()) {
             return Role::Publishes;
         }
-        board_.unlock();
+        giveUpLock();
     }
     if (lock == Lock::Impossible) {
         return Role::Alone;
     }
-    if (!page_ || page_->wish == wish) {
+    if (!page_ || isPosted(wish)) {
         aloneAt_.reset();
         return Role::Follows;
     }
@@ -67,65 +74,54 @@ SharedRefresh::Role SharedRefresh::claim(std::string_view wish) {
     return runLoop_.now() >= *aloneAt_ ? Role::Alone : Role::Follows;
 }
 
-const Publication* SharedRefresh::answer(std::string_view wish) const {
-    return page_ && page_->wish == wish ? &*page_ : nullptr;
-}
-
-const Publication* SharedRefresh::freshAnswer(std::string_view wish) const {
-    const auto* page = answer(wish);
-    return page && runLoop_.bootNow() < page->nextFetch ? page : nullptr;
-}
-
-platform::Duration SharedRefresh::untilNextClaim() const {
-    const auto next = aloneAt_ ? std::min(*aloneAt_, overdueAt_) : overdueAt_;
-    return std::max<platform::Duration>(next - runLoop_.now(), 100ms);
+SharedRefresh::Turn SharedRefresh::take(std::string_view wish, bool runsOn) {
+    const auto before = held_;
+    const auto role = claim(wish);
+    const auto* const answer = isPosted(wish) ? &*page_ : nullptr;
+    if (role == Role::Follows && runsOn) {
+        const auto next = aloneAt_ ? std::min(*aloneAt_, overdueAt_) : overdueAt_;
+        return {.answer = answer, .wait = std::max<platform::Duration>(next - runLoop_.now(), kShortestWait)};
+    }
+    const auto untilNext = answer ? answer->nextFetch - runLoop_.bootNow() : 0s;
+    if (untilNext > 0s && (role == Role::Follows || (role == Role::Publishes && held_ != before))) {
+        return {.answer = answer, .wait = untilNext};
+    }
+    return {.asks = true};
 }
 
 bool SharedRefresh::hasNews(std::string_view wish) {
     read();
-    if (held_ > 0) {
-        return page_ && page_->generation > held_;
-    }
-    return page_ && (page_->wish == wish || page_->process == 0);
+    return held_ > 0 ? isSuperseded() : isPosted(wish);
 }
 
-bool SharedRefresh::publish(Publication publication) {
+bool SharedRefresh::publish(std::string_view wish, Publication publication) {
+    if (held_ == 0) {
+        return true;
+    }
     read();
-    if (page_ && page_->generation > held_) {
+    if (isSuperseded()) {
         return false;
     }
+    publication.generation = held_;
+    publication.wish = board_.seal(wish);
     publication.made = runLoop_.bootNow();
-    page_ = std::move(publication);
-    takeOver();
-    return true;
-}
-
-void SharedRefresh::takeOver() {
-    page_->process = board_.self();
-    page_->generation = held_;
-    if (!board_.post(encode(*page_))) {
-        held_ = 0;
-        board_.unlock();
+    if (!board_.post(encode(publication))) {
+        giveUpLock();
     }
+    return true;
 }
 
 bool SharedRefresh::askPublisher(std::string_view wish) {
-    // Only while somebody holds the lock is the process on the page the one that is meant.
-    if (claim(wish) != Role::Follows || !answer(wish) || page_->process == 0) {
-        return false;
-    }
-    board_.askForRefresh(page_->process);
-    return true;
+    return claim(wish) == Role::Follows && isPosted(wish) && board_.askForRefresh(page_->generation);
 }
 
 void SharedRefresh::leave() {
-    if (std::exchange(held_, 0) == 0) {
+    if (held_ == 0) {
         return;
     }
+    giveUpLock();
     read();
-    board_.unlock();  // first, since the page makes others try the lock
-    if (page_ && page_->process == board_.self()) {
-        page_->process = 0;
+    if (page_) {
         static_cast<void>(board_.post(encode(*page_)));
     }
 }

@@ -80,13 +80,6 @@ public:
     [[nodiscard]] const std::optional<market::MarketDataMap>& cachedMarketData() const { return cachedMarketData_; }
 
 private:
-    /// What is wanted of the services at one moment.
-    struct Wish {
-        std::string source;
-        std::vector<std::string> coins;  ///< identifiers, in the user's order
-        std::string key;
-        bool operator==(const Wish&) const = default;
-    };
     struct FetchResult;
 
     [[nodiscard]] std::int64_t displayModeNumber() const;
@@ -109,7 +102,7 @@ private:
     [[nodiscard]] std::string wordsOf(const Wish& wish) const;
     bool isLeftToOthers(const Wish& wish);
     void showPublished(const Publication& page);
-    void publish();
+    void publish(const Wish& wish);
     void onPosted();
     void handleFetchCompletion(FetchResult& result);
     void takeFee(const FetchResult& result);

@@ -50,7 +50,7 @@ struct StatusBarController::FetchResult {
     std::optional<Fee> fee;  ///< when one was asked for
 };
 
-StatusBarController::Wish StatusBarController::wish() {
+Wish StatusBarController::wish() {
     Wish wish{.source = config::Settings::load(platform_.preferences).selectedSourceID};
     for (const auto& coin : config::loadSavedCoins(platform_)) {
         wish.coins.push_back(coin.apiId);
@@ -185,7 +185,7 @@ void StatusBarController::handleFetchCompletion(FetchResult& result) {
         return;
     }
     if (result.wish == now) {
-        publish();
+        publish(now);
     }
     showAll();
     checkVisibilityAfter(500ms);

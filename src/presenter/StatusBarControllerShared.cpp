@@ -13,44 +13,33 @@
 
 namespace glintar::presenter {
 
-/// Of the key no more than that there is one.
+/// All that an answer depends on.
 std::string StatusBarController::wordsOf(const Wish& wish) const {
     const auto settings = config::Settings::load(platform_.preferences);
-    return fmt::format("{} {} {} {}", wish.source, wish.coins, wish.key.empty() ? "without key" : "with key",
-                       settings.showGasFee ? settings.gasSource : -1);
+    return fmt::format("{} {} {} {}", wish.source, wish.coins, wish.key, settings.showGasFee ? settings.gasSource : -1);
 }
 
 /// Whether nothing is asked, because another copy does or has just done so; then what it got is shown.
 bool StatusBarController::isLeftToOthers(const Wish& wish) {
-    const auto words = wordsOf(wish);
-    const bool wasPublisher = shared_->isPublisher();
-    const auto role = shared_->claim(words);
-    const bool follows = role == SharedRefresh::Role::Follows && cycle_.isRunning;
-    const bool mayTakeOver = !wasPublisher && role != SharedRefresh::Role::Alone;
-    const auto* page = follows ? shared_->answer(words) : mayTakeOver ? shared_->freshAnswer(words) : nullptr;
-    if (!follows && !page) {
+    const auto turn = shared_->take(wordsOf(wish), cycle_.isRunning);
+    if (turn.asks) {
         if (std::exchange(isFollowing_, false)) {
             restartTimers();
         }
         return false;
     }
     if (cycle_.isRunning) {
-        if (!follows) {
-            shared_->takeOver();
-        }
         isFollowing_ = true;
-        const auto wait = follows ? shared_->untilNextClaim() : page->nextFetch - platform_.runLoop.bootNow();
-        timer_ = platform_.runLoop.after(wait, [this] { performFetch(Scope::Everything); });
+        timer_ = platform_.runLoop.after(turn.wait, [this] { performFetch(Scope::Everything); });
     }
-    if (page) {
-        showPublished(*page);  // last: it may end the program
+    if (turn.answer) {
+        showPublished(*turn.answer);  // last: it may end the program
     }
     return true;
 }
 
 void StatusBarController::showPublished(const Publication& page) {
-    const auto settings = config::Settings::load(platform_.preferences);
-    cachedSource_ = settings.selectedSourceID;
+    cachedSource_ = config::Settings::load(platform_.preferences).selectedSourceID;
     outcome_ = page.outcome;
     outcomeText_ = page.tooltip;
     cachedMarketData_ = page.quotes.empty() ? std::nullopt : std::optional(page.quotes);
@@ -67,17 +56,16 @@ void StatusBarController::showPublished(const Publication& page) {
     }
 }
 
-void StatusBarController::publish() {
-    if (!shared_ || !shared_->isPublisher() || !outcome_) {
+void StatusBarController::publish(const Wish& wish) {
+    if (!shared_ || !outcome_) {
         return;
     }
-    const bool counts = shared_->publish({.wish = wordsOf(wish()),
-                                          .nextFetch = cycle_.nextFetchDue,
-                                          .interval = state_.currentInterval,
-                                          .outcome = *outcome_,
-                                          .tooltip = outcomeText_,
-                                          .quotes = cachedMarketData_.value_or(market::MarketDataMap{}),
-                                          .fee = currentGasPrice_});
+    const bool counts = shared_->publish(wordsOf(wish), {.nextFetch = cycle_.nextFetchDue,
+                                                         .interval = state_.currentInterval,
+                                                         .outcome = *outcome_,
+                                                         .tooltip = outcomeText_,
+                                                         .quotes = cachedMarketData_.value_or(market::MarketDataMap{}),
+                                                         .fee = currentGasPrice_});
     if (!counts) {
         fetchAndDisplayPrice(Urgency::Forced, Scope::Everything);  // which follows
     }

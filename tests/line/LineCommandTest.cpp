@@ -1,3 +1,4 @@
+#include "line/BarFormat.h"
 #include "line/LineCommand.h"
 #include "line/RecordedOutput.h"
 #include "platform/virtual/VirtualPlatform.h"
@@ -25,7 +26,9 @@ protected:
     }
 
     void run(const app::Arguments& arguments, platform::Duration duration) {
-        command.emplace(machine.platform(), output, arguments, [this](int status) { finished.push_back(status); });
+        command.emplace(machine.platform(), output, arguments,
+                        LineCommand::Environment{.finish = [this](int status) { finished.push_back(status); },
+                                                 .openDashboard = [this] { ++dashboards; }});
         command->start();
         machine.advance(duration);
     }
@@ -33,6 +36,7 @@ protected:
     platform::VirtualPlatform machine;
     RecordedOutput output;
     std::vector<int> finished;
+    int dashboards = 0;
     std::optional<LineCommand> command;
 };
 
@@ -209,22 +213,22 @@ TEST_F(LineCommandTest, FieldsAndCoinGoBeforeThePreferences) {
 TEST_F(LineCommandTest, AHiddenBarAsksNothingAndAClickAsksEveryTwoSecondsAtMost) {
     run({.format = app::Format::I3bar}, 2s);
     EXPECT_THAT(output.lines.at(0), HasSubstr(R"("click_events":true})"));
-    command->hidden();
+    command->onSignal(kStopSignal);
     machine.advance(30s);
     EXPECT_EQ(machine.runLoop.pending(), 0U);
-    command->seen();
+    command->onSignal(kContSignal);
     machine.advance(1s);
     EXPECT_EQ(machine.http.asked("gecko.test"), 1) << "none was due";
-    command->hidden();
+    command->onSignal(kStopSignal);
     machine.notifications.post(config::kCoinsUpdated);
     machine.advance(1s);
     EXPECT_EQ(machine.http.asked("gecko.test"), 1);
-    command->seen();
+    command->onSignal(kContSignal);
     machine.advance(100ms);
     EXPECT_EQ(machine.http.asked("gecko.test"), 2);
     const auto click = [this] {
-        for (const auto* line :
-             {"[", R"({"name":"glintar","button":3})", R"(,{"button":2})", R"(,{"button":2})", "nonsense{"}) {
+        for (const auto* line : {"[", R"({"name":"glintar","button":1})", R"(,{"button":3})", R"(,{"button":2})",
+                                 R"(,{"button":2})", "nonsense{"}) {
             command->onInput(line);
         }
         machine.advance(2100ms);
@@ -233,6 +237,7 @@ TEST_F(LineCommandTest, AHiddenBarAsksNothingAndAClickAsksEveryTwoSecondsAtMost)
     EXPECT_EQ(machine.http.asked("gecko.test"), 2) << "too soon";
     click();
     EXPECT_EQ(machine.http.asked("gecko.test"), 3);
+    EXPECT_EQ(dashboards, 2);
 }
 
 TEST_F(LineCommandTest, ASimulatedMarketIsMarked) {

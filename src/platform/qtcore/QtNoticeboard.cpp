@@ -1,8 +1,9 @@
 #include "platform/qtcore/QtNoticeboard.h"
 
+#include <QCryptographicHash>
+#include <QRandomGenerator>
 #include <fcntl.h>
 #include <fmt/format.h>
-#include <sys/file.h>
 #include <sys/inotify.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -18,6 +19,7 @@ namespace glintar::platform {
 namespace {
 
 constexpr off_t kLargestPage = 4 * 1024 * 1024;
+constexpr std::size_t kDigits = 16;
 
 // Raised when the page changes so that older programs would misread it: each version has a page of its own.
 constexpr int kVersion = 1;
@@ -29,56 +31,47 @@ bool isOwnFolder(const std::filesystem::path& path, mode_t others) {
            (status.st_mode & 077 & ~others) == 0;
 }
 
-/// FNV-1a: the same in every copy.
-std::uint64_t hash(std::string_view text) {
-    std::uint64_t value = 0xcbf29ce484222325;
-    for (const char character : text) {
-        value = (value ^ static_cast<unsigned char>(character)) * 0x100000001b3;
-    }
-    return value;
+/// The first 64 bits of its SHA-256, in hexadecimal.
+std::string fingerprint(std::string_view text) {
+    const auto bytes = QByteArray::fromRawData(text.data(), static_cast<qsizetype>(text.size()));
+    return QCryptographicHash::hash(bytes, QCryptographicHash::Sha256).toHex().left(kDigits).toStdString();
+}
+
+struct flock range(short type, std::int64_t start, std::int64_t length) {
+    return {.l_type = type, .l_whence = SEEK_SET, .l_start = start, .l_len = length, .l_pid = 0};
 }
 
 }  // namespace
 
 std::unique_ptr<QtNoticeboard> QtNoticeboard::open(const std::filesystem::path& profile) {
     const char* const runtime = std::getenv("XDG_RUNTIME_DIR");
-    if (!runtime || *runtime != '/') {
+    if (!runtime || *runtime != '/' || !isOwnFolder(runtime, 055)) {
         return nullptr;
     }
     const auto folder = std::filesystem::path(runtime) / "glintar";
-    if (!isOwnFolder(runtime, 055)) {
-        return nullptr;
-    }
     ::mkdir(folder.c_str(), 0700);
-    if (!isOwnFolder(folder, 0) || ::access(folder.c_str(), W_OK) != 0) {
+    if (!isOwnFolder(folder, 0)) {
         return nullptr;
     }
-    return std::unique_ptr<QtNoticeboard>(
-        new QtNoticeboard(folder, fmt::format("quotes-{}-{:016x}", kVersion, hash(profile.string()))));
+    const auto page = folder / fmt::format("quotes-{}-{}", kVersion, fingerprint(profile.string()));
+    Descriptor locks(::open((page.string() + ".lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
+    return locks.number() < 0 ? nullptr : std::unique_ptr<QtNoticeboard>(new QtNoticeboard(page, std::move(locks)));
 }
 
-QtNoticeboard::QtNoticeboard(const std::filesystem::path& folder, const std::string& name)
-    : page_(folder / name), watch_(::inotify_init1(IN_CLOEXEC | IN_NONBLOCK)) {
-    if (::inotify_add_watch(watch_.number(), folder.c_str(), IN_MOVED_TO | IN_ONLYDIR) >= 0) {
+QtNoticeboard::QtNoticeboard(std::filesystem::path page, Descriptor locks)
+    : page_(std::move(page)), locks_(std::move(locks)), watch_(::inotify_init1(IN_CLOEXEC | IN_NONBLOCK)) {
+    if (::inotify_add_watch(watch_.number(), page_.parent_path().c_str(), IN_MOVED_TO | IN_ONLYDIR) >= 0) {
         changes_.emplace(watch_.number(), QSocketNotifier::Read);
         QObject::connect(&*changes_, &QSocketNotifier::activated, &*changes_, [this] { onChange(); });
     }
 }
 
+/// Whatever is moved there is a page, nearly always this one.
 void QtNoticeboard::onChange() {
-    alignas(inotify_event) std::array<char, 4096> buffer;
-    bool isOurs = false;
-    ssize_t count = 0;
-    while ((count = ::read(watch_.number(), buffer.data(), buffer.size())) > 0) {
-        for (std::size_t at = 0; at < static_cast<std::size_t>(count);) {
-            inotify_event event{};
-            std::memcpy(&event, buffer.data() + at, sizeof event);
-            isOurs = isOurs || (event.mask & IN_Q_OVERFLOW) != 0 ||
-                     (event.len > 0 && page_.filename() == buffer.data() + at + sizeof event);
-            at += sizeof event + event.len;
-        }
+    std::array<char, 4096> events;
+    while (::read(watch_.number(), events.data(), events.size()) > 0) {
     }
-    if (isOurs && onPosted) {
+    if (onPosted) {
         onPosted();
     }
 }
@@ -87,7 +80,7 @@ std::optional<std::string> QtNoticeboard::read() const {
     const Descriptor file(::open(page_.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
     struct stat status{};
     if (file.number() < 0 || ::fstat(file.number(), &status) != 0 || !S_ISREG(status.st_mode) ||
-        status.st_uid != ::getuid() || status.st_size > kLargestPage) {
+        status.st_size > kLargestPage) {
         return std::nullopt;
     }
     std::string page(static_cast<std::size_t>(status.st_size), '\0');
@@ -108,28 +101,32 @@ bool QtNoticeboard::post(std::string_view page) {
 }
 
 Noticeboard::Lock QtNoticeboard::lock(std::int64_t number) {
-    const auto path = fmt::format("{}.lock.{}", page_.string(), number);
-    Descriptor file(::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
-    if (file.number() < 0) {
-        return Lock::Impossible;
+    auto wanted = range(F_WRLCK, number, 1);
+    if (::fcntl(locks_.number(), F_SETLK, &wanted) == 0) {
+        return Lock::Held;
     }
-    if (::flock(file.number(), LOCK_EX | LOCK_NB) != 0) {
-        return errno == EWOULDBLOCK ? Lock::Taken : Lock::Impossible;
-    }
-    lock_ = std::move(file);
-    // The page may still be of the generation before this one, whose lock others try.
-    ::unlink(fmt::format("{}.lock.{}", page_.string(), number - 2).c_str());
-    return Lock::Held;
+    return errno == EACCES || errno == EAGAIN ? Lock::Taken : Lock::Impossible;
 }
 
-std::int64_t QtNoticeboard::self() const {
-    return ::getpid();
+void QtNoticeboard::unlock() {
+    auto all = range(F_UNLCK, 0, 0);
+    ::fcntl(locks_.number(), F_SETLK, &all);
 }
 
-void QtNoticeboard::askForRefresh(std::int64_t process) {
-    if (process > 1) {
-        ::kill(static_cast<pid_t>(process), SIGUSR1);
-    }
+bool QtNoticeboard::askForRefresh(std::int64_t number) {
+    auto holder = range(F_WRLCK, number, 1);
+    return ::fcntl(locks_.number(), F_GETLK, &holder) == 0 && holder.l_type != F_UNLCK && holder.l_pid > 0 &&
+           ::kill(holder.l_pid, SIGUSR1) == 0;
+}
+
+std::string QtNoticeboard::seal(std::string_view text) const {
+    const auto salt = fmt::format("{:016x}", QRandomGenerator::system()->generate64());
+    return salt + fingerprint(salt + std::string(text));
+}
+
+bool QtNoticeboard::isSealOf(std::string_view seal, std::string_view text) const {
+    const auto salt = std::string(seal.substr(0, kDigits));
+    return seal == salt + fingerprint(salt + std::string(text));
 }
 
 }  // namespace glintar::platform

@@ -11,27 +11,28 @@
 
 namespace glintar::platform {
 
-/// The noticeboard in the user's runtime directory: `$XDG_RUNTIME_DIR/glintar/`, for nobody else to read. Locks are
-/// flock's, the watch is inotify's.
+/// The noticeboard in the user's runtime directory: files in `$XDG_RUNTIME_DIR/glintar/`, for nobody else to read. A
+/// lock is fcntl's, on one byte of a file, since the kernel tells who holds it; the watch is inotify's.
 class QtNoticeboard final : public Noticeboard {
 public:
     /// For the profile whose preferences are in that folder. None without a runtime directory that is the user's own
-    /// and can be written. Needs a QCoreApplication.
+    /// and can be written. One a process and profile; needs a QCoreApplication.
     [[nodiscard]] static std::unique_ptr<QtNoticeboard> open(const std::filesystem::path& profile);
 
     std::optional<std::string> read() const override;
     bool post(std::string_view page) override;
     Lock lock(std::int64_t number) override;
-    void unlock() override { lock_ = Descriptor(); }
-    std::int64_t self() const override;
-    void askForRefresh(std::int64_t process) override;
+    void unlock() override;
+    bool askForRefresh(std::int64_t number) override;
+    std::string seal(std::string_view text) const override;
+    bool isSealOf(std::string_view seal, std::string_view text) const override;
 
 private:
-    QtNoticeboard(const std::filesystem::path& folder, const std::string& name);
+    QtNoticeboard(std::filesystem::path page, Descriptor locks);
     void onChange();
 
     std::filesystem::path page_;
-    Descriptor lock_;
+    Descriptor locks_;
     Descriptor watch_;
     std::optional<QSocketNotifier> changes_;
 };
