@@ -177,14 +177,16 @@ TEST_F(LineCommandTest, EachBarIsWrittenInItsOwnMarkupWhateverACoinIsCalled) {
          {std::pair{Format::Waybar,
                     R"({"text":"A&amp;B &lt;C&gt;�#%{&quot;&#39; 2.00 | שקל 1.50","alt":"ok","tooltip":)"
                     R"("A&amp;B &lt;C&gt;�#%{&quot;&#39; 2.00 -1.50% 3.0/2.0\nשקל 1.50\nLast Updated: 03:04:05",)"
-                    R"("class":["ok","down"],"percentage":0})"},
+                    R"("class":["ok","down"],"percentage":0,"time":"03:04:05",)"
+                    R"("updated":"2026-01-02T03:04:05+00:00","stale":false})"},
           {Format::I3bar, R"([{"full_text":"A&B <C>�#%{\"' 2.00","short_text":"A&B <C>�#%{\"' 2.00",)"
                           R"("color":"#ff453a","min_width":"A&B <C>�#%{\"' 0.00","name":"glintar",)"
                           R"("instance":"bitcoin"},{"full_text":"שקל 1.50","short_text":"שקל 1.50",)"
                           R"("min_width":"שקל 0.00","name":"glintar","instance":"ethereum"}],)"},
           {Format::Genmon,
            "<txt>A&amp;B &lt;C&gt;\ufffd#%{&quot;&#39; 2.00 | שקל 1.50</txt>\n<tool>A&amp;B &lt;C&gt;\ufffd"
-           "#%{&quot;&#39; 2.00 -1.50% 3.0/2.0\nשקל 1.50\nLast Updated: 03:04:05</tool>"},
+           "#%{&quot;&#39; 2.00 -1.50% 3.0/2.0\nשקל 1.50\nLast Updated: 03:04:05</tool>\n<txtclick>glintar "
+           "--dashboard</txtclick>"},
           {Format::Tmux, "A&B <C>\ufffd##%{\"' 2.00 | שקל 1.50"},
           {Format::Polybar, "A&B <C>\ufffd#% {\"' 2.00 | שקל 1.50"}}) {
         run({.format = format, .once = true}, 10ms);
