@@ -40,6 +40,9 @@ struct Start {
 /// Made after Qt's application object.
 [[nodiscard]] std::unique_ptr<platform::Noticeboard> noticeboard(const Arguments& arguments);
 
+/// The dashboard of the desktop program, if that runs. Another process does it, and nobody waits for it.
+void openDashboard();
+
 /// What the machine is made with; `session` is that of a demonstration.
 [[nodiscard]] platform::RealPlatform::Options platformOptions(const Start& start,
                                                               const std::optional<demo::DemoSession>& session);

@@ -16,7 +16,6 @@
 #include "platform/terminal/TerminalInput.h"
 #include "presenter/SettingsWatch.h"
 
-#include <QProcess>
 #include <fmt/format.h>
 #include <unistd.h>
 
@@ -48,24 +47,13 @@ std::string_view becomeDesktop(platform::Termination& termination, char** argv) 
     return "glintar-desktop is not installed";
 }
 
-/// Another process does it, so that the line goes on meanwhile.
-void openDashboard() {
-    QProcess desktop;
-    desktop.setStandardInputFile(QProcess::nullDevice());
-    desktop.setStandardOutputFile(QProcess::nullDevice());
-    if (const auto program = platform::InstalledBundle::program("glintar-desktop")) {
-        desktop.setProgram(QString::fromStdString(program->string()));
-        desktop.setArguments({"--dashboard"});
-        desktop.startDetached();
-    }
-}
-
 int runLine(platform::TerminalPlatform& terminal, const app::Start& start) {
     auto& machine = terminal.machine();
     const auto board = app::noticeboard(start.arguments);
-    line::LineCommand command(
-        machine.platform(), terminal.output(), start.arguments,
-        {.finish = [&](int status) { machine.exit(status); }, .board = board.get(), .openDashboard = openDashboard});
+    line::LineCommand command(machine.platform(), terminal.output(), start.arguments,
+                              {.finish = [&](int status) { machine.exit(status); },
+                               .board = board.get(),
+                               .openDashboard = app::openDashboard});
     machine.onTerminate = [&] { command.interrupt(); };
     std::optional<presenter::SettingsWatch> watch;
     if (!start.arguments.once) {
