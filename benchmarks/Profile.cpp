@@ -84,6 +84,9 @@ Profile::Profile(support::LoopbackServer::Transport transport, Choices choices)
                {.headers = {{"Content-Type", "application/json"}}, .body = answer(choices.coins, icon)});
     writeSources();
     writePreferences(0);
+    if (!choices.isShared) {
+        write(folder_.path() / "glintar", "in place of the folder that copies share");
+    }
     if (isTls_) {
         writeAuthorities();
     }
@@ -97,9 +100,13 @@ void Profile::setReferencePrice(double price) {
     writePreferences(price);
 }
 
-void Profile::waitForRefreshes(std::size_t count) const {
+std::size_t Profile::refreshes() const {
     const auto isRefresh = [](const support::LoopbackRequest& request) { return request.target.contains("?ids="); };
-    for (int i = 0; std::ranges::count_if(server_.requests(), isRefresh) < static_cast<std::ptrdiff_t>(count); ++i) {
+    return static_cast<std::size_t>(std::ranges::count_if(server_.requests(), isRefresh));
+}
+
+void Profile::waitForRefreshes(std::size_t count) const {
+    for (int i = 0; refreshes() < count; ++i) {
         if (i > 1000) {
             fmt::print(stderr, "bench: the program does not refresh\n");
             std::exit(1);
@@ -153,8 +160,9 @@ std::vector<std::string> Profile::command(const std::string& program, std::vecto
     // No proxy and no authorities of the user's own: the program alone is measured.
     std::vector<std::string> words{"env", "-u", "SSL_CERT_FILE", "-u", "http_proxy", "-u", "https_proxy"};
     if (!keepBus) {
-        words.insert(words.end(), {"-u", "DBUS_SESSION_BUS_ADDRESS", "XDG_RUNTIME_DIR=" + place});
+        words.insert(words.end(), {"-u", "DBUS_SESSION_BUS_ADDRESS"});
     }
+    words.push_back("XDG_RUNTIME_DIR=" + place);
     for (const auto* folder : {"CONFIG", "DATA", "CACHE"}) {
         words.push_back(fmt::format("XDG_{}_HOME={}/{}", folder, place, folder));
     }

@@ -18,6 +18,7 @@ public:
         std::size_t coins = 2;
         bool hasIcons = false;
         int displayMode = 0;
+        bool isShared = false;  ///< copies of the program share what they get; otherwise each asks for itself
     };
 
     explicit Profile(support::LoopbackServer::Transport transport) : Profile(transport, Choices{}) {}
@@ -26,7 +27,8 @@ public:
     /// Saves a reference price for every coin, which has a running program refresh at once.
     void setReferencePrice(double price);
 
-    /// Waits until the program has asked so many times since there is this profile.
+    /// How often programs have asked since there is this profile; waits until it is so often.
+    [[nodiscard]] std::size_t refreshes() const;
     void waitForRefreshes(std::size_t count) const;
 
     [[nodiscard]] std::string url() const;

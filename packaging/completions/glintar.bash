@@ -9,7 +9,7 @@ _glintar() {
     --format:*) words="text json" ;;
     --fields:*) words="price reference change range sparkline fee" ;;
     --coin:*) words=$(glintar coins list 2>/dev/null | awk '{ print $1 }') ;;
-    *::) words="line compare diagnose coins source display --settings --demo --help --version" ;;
+    *::) words="line compare diagnose coins source display --settings --dashboard --demo --help --version" ;;
     *:line:*) words="--once --format --fields --coin --demo --help" ;;
     *:compare:* | *:diagnose:*) words="--format --demo --help" ;;
     *:coins:) words="list search add remove --help" ;;
@@ -22,7 +22,7 @@ _glintar() {
     set:display:*) words=$(glintar display list 2>/dev/null | awk '{ print $1 }') ;;
     *:display:set) words="true false" ;;
     *:list | search:coins:*) words="--format" ;;
-    *:--*) words="--settings --demo --help --version" ;;
+    *:--*) words="--settings --dashboard --demo --help --version" ;;
   esac
   # shellcheck disable=SC2207
   COMPREPLY=($(compgen -W "$words" -- "$word"))

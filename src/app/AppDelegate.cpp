@@ -39,7 +39,8 @@ void AppDelegate::applicationDidFinishLaunching() {
         updaterController_->start();
     }
     surface_.emplace(platform_, desktop_, requests(), options_.mark);
-    statusBarController_.emplace(platform_, *surface_, presenter::StatusBarController::Options{});
+    statusBarController_.emplace(platform_, *surface_,
+                                 presenter::StatusBarController::Options{.board = options_.board});
     statusBarController_->show();
     settingsRequests_ =
         platform_.notifications.observe(menubar::kRequestOpenDisplaySettings, [this] { openDisplaySettings(); });
@@ -73,11 +74,19 @@ void AppDelegate::toggleDashboard(arbiter::ArbiterWindowController::Anchor ancho
         .toggleWindow(std::move(anchor), config::loadSavedCoins(platform_), statusBarController_->cachedMarketData());
 }
 
-void AppDelegate::applicationWasReopened(bool opensSettings) {
-    if (opensSettings) {
+void AppDelegate::applicationWasReopened(Opens opens) {
+    if (opens == Opens::Settings) {
         openSettings();
+    } else if (surface_ && opens == Opens::Dashboard) {
+        requests().pricePanelClicked();
     } else if (surface_) {
         surface_->openMenu();
+    }
+}
+
+void AppDelegate::refresh() {
+    if (statusBarController_) {
+        statusBarController_->refreshForUser();
     }
 }
 

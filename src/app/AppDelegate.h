@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/Arguments.h"
 #include "app/DesktopSurface.h"
 #include "arbiter/ArbiterWindowController.h"
 #include "diagnostics/DiagnosticsWindowController.h"
@@ -17,6 +18,7 @@
 #include <string>
 
 namespace glintar::platform {
+class Noticeboard;
 struct Desktop;
 struct Platform;
 }  // namespace glintar::platform
@@ -40,6 +42,7 @@ public:
         std::string releaseFeed;  ///< address; may be empty
         Views views;
         std::function<void()> terminate;
+        platform::Noticeboard* board = nullptr;  ///< shared with the other copies of the program
     };
 
     AppDelegate(platform::Platform& platform, platform::Desktop& desktop, Options options);
@@ -49,8 +52,11 @@ public:
     /// The loop is about to run: shows the line or the panel, and starts what is asked of the network.
     void applicationDidFinishLaunching();
 
-    /// The program was started a second time: opens its settings or its menu.
-    void applicationWasReopened(bool opensSettings);
+    /// The program was started a second time: opens what is asked for; closes the dashboard if it is open.
+    void applicationWasReopened(Opens opens);
+
+    /// Another copy of the program asks for a refresh.
+    void refresh();
 
     /// Shows the one settings window, made at the first time and then kept.
     void openSettings();

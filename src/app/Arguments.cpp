@@ -101,7 +101,7 @@ std::string whyNoCommand(std::string_view name, bool isDemo) {
 }  // namespace
 
 std::string_view usage() {
-    return "Usage: glintar [--settings] [--demo]\n"
+    return "Usage: glintar [--settings | --dashboard] [--demo]\n"
            "       glintar line [--once] [--format FORMAT] [--fields LIST] [--coin ID] [--demo]\n"
            "       glintar compare [--format text|json] [--demo]\n"
            "       glintar diagnose [--format text|json] [--demo]\n"
@@ -119,6 +119,7 @@ std::string_view usage() {
            "  source           the service that is asked, and your key for it, read from standard input\n"
            "  display          how prices are shown\n"
            "  --settings       open the settings window, of a Glintar that runs already too\n"
+           "  --dashboard      open or close the dashboard of a Glintar that runs; for a bar's click\n"
            "  --once           refresh once and end: status 0 with at least one price, 1 with none\n"
            "  --format FORMAT  text or json; of \"line\" also waybar, i3bar, polybar, tmux, genmon (once)\n"
            "  --fields LIST    what to show, whatever the settings say: price,reference,change,range,sparkline,fee\n"
@@ -165,7 +166,9 @@ std::expected<Arguments, std::string> parseArguments(std::span<const char* const
         } else if (argument == "--demo") {
             parsed.demo = true;
         } else if (argument == "--settings") {
-            parsed.opensSettings = true;
+            parsed.opens = Opens::Settings;
+        } else if (argument == "--dashboard") {
+            parsed.opens = Opens::Dashboard;
         } else if (argument == "--once") {
             parsed.once = true;
         } else if (const auto option = argument.substr(0, argument.find('='));
@@ -189,8 +192,8 @@ std::expected<Arguments, std::string> parseArguments(std::span<const char* const
     if (hasFormat && parsed.command == Arguments::Command::Desktop) {
         return std::unexpected("--format belongs to a command: glintar line --format");
     }
-    if (parsed.opensSettings && parsed.command != Arguments::Command::Desktop) {
-        return std::unexpected("--settings belongs to the desktop: glintar --settings");
+    if (parsed.opens != Opens::Menu && parsed.command != Arguments::Command::Desktop) {
+        return std::unexpected("--settings and --dashboard belong to the desktop: glintar --settings");
     }
     if ((parsed.fields || parsed.coin) && parsed.command != Arguments::Command::Line) {
         return std::unexpected("--fields and --coin belong to \"line\": glintar line --coin bitcoin");

@@ -26,6 +26,9 @@ struct Fields {
     [[nodiscard]] bool hasCoins() const { return price || reference || change || range || sparkline; }
 };
 
+/// What of the desktop program is opened, of one that runs already too. The dashboard only of such a one.
+enum class Opens { Menu, Settings, Dashboard };
+
 /// What the user asked the program to do.
 struct Arguments {
     enum class Command { Desktop, Line, Compare, Diagnose, Settings, Help, Version };
@@ -33,7 +36,7 @@ struct Arguments {
     Format format = Format::Text;
     bool once = false;
     bool demo = false;
-    bool opensSettings = false;           ///< of the desktop program
+    Opens opens = Opens::Menu;
     std::vector<std::string_view> words;  ///< of `Settings`: the command with all that follows; as long as main's
     std::optional<Fields> fields;
     std::optional<std::string> coin;  ///< identifier of the only one that is shown

@@ -1,7 +1,7 @@
 #include "app/GlintarApp.h"
 
-#include "app/Arguments.h"
 #include "app/Deployment.h"
+#include "app/Start.h"
 #include "arbiter/DashboardView.h"
 #include "diagnostics/NetworkDiagnosticView.h"
 #include "platform/qt/DesktopPlatform.h"
@@ -34,22 +34,29 @@ AppDelegate::Views views(platform::Platform& platform, platform::Desktop& deskto
 
 GlintarApp::GlintarApp(platform::DesktopPlatform& machine, const Arguments& arguments)
     : machine_(machine),
-      opensSettings_(arguments.opensSettings),
+      opens_(arguments.opens),
       instance_(arguments.demo ? kDemoIdentifier : kIdentifier),
+      board_(noticeboard(arguments)),
       _appDelegate(machine.platform(), machine.desktop(),
                    {.isDemo = arguments.demo,
-                    .opensSettings = arguments.opensSettings,
+                    .opensSettings = arguments.opens == Opens::Settings,
                     .mark = arguments.demo ? kSimulatedMark : "",
                     .contacts = contacts(),
                     .releaseFeed = deployment().releaseFeed,
                     .views = views(machine.platform(), machine.desktop()),
-                    .terminate = [&machine] { machine.exit(0); }}) {
+                    .terminate = [&machine] { machine.exit(0); },
+                    .board = board_.get()}),
+      refreshes_([this](int) { _appDelegate.refresh(); }) {
     machine.onTerminate([&machine] { machine.exit(0); });
-    instance_.onSecondStart = [this](bool opensSettings) { _appDelegate.applicationWasReopened(opensSettings); };
+    instance_.onSecondStart = [this](Opens opens) { _appDelegate.applicationWasReopened(opens); };
 }
 
 int GlintarApp::run() {
-    if (!instance_.claim(opensSettings_)) {
+    if (opens_ == Opens::Dashboard) {
+        instance_.ask(opens_);
+        return 0;
+    }
+    if (!instance_.claim(opens_)) {
         return 0;
     }
     machine_.watch();

@@ -12,8 +12,6 @@
 #include <sys/un.h>
 #include <unistd.h>
 
-#include <filesystem>
-
 namespace glintar::app {
 
 namespace {
@@ -21,6 +19,7 @@ namespace {
 constexpr const char* kInterface = "org.freedesktop.Application";
 constexpr int kAnswerWithin = 1000;  // ms
 constexpr QLatin1String kSettingsAction("settings");
+constexpr QLatin1String kDashboardAction("dashboard");
 
 /// As the Desktop Entry standard derives it from the application's name.
 QString objectPathOf(QString busName) {
@@ -28,9 +27,9 @@ QString objectPathOf(QString busName) {
 }
 
 /// Longer paths than it holds are cut off, and lead nowhere.
-sockaddr_un addressOf(const std::filesystem::path& path) {
+sockaddr_un addressOf(const std::string& path) {
     sockaddr_un address{.sun_family = AF_UNIX, .sun_path = {}};
-    path.string().copy(address.sun_path, sizeof address.sun_path - 1);
+    path.copy(address.sun_path, sizeof address.sun_path - 1);
     return address;
 }
 
@@ -48,12 +47,19 @@ SingleInstance::~SingleInstance() {
     }
 }
 
-bool SingleInstance::claim(bool opensSettings) {
-    return platform::sessionBusAddress() && QDBusConnection::sessionBus().isConnected() ? claimBusName(opensSettings)
-                                                                                        : claimLock(opensSettings);
+bool SingleInstance::hasBus() {
+    return platform::sessionBusAddress() && QDBusConnection::sessionBus().isConnected();
 }
 
-bool SingleInstance::claimBusName(bool opensSettings) {
+bool SingleInstance::claim(Opens opens) {
+    const bool isFirst = hasBus() ? claimBusName() : claimLock();
+    if (!isFirst) {
+        ask(opens);
+    }
+    return isFirst;
+}
+
+bool SingleInstance::claimBusName() {
     auto bus = QDBusConnection::sessionBus();
     // The object first: whoever sees the name may call it.
     bus.registerObject(objectPathOf(busName_), this, QDBusConnection::ExportAllSlots);
@@ -62,66 +68,77 @@ bool SingleInstance::claimBusName(bool opensSettings) {
     hasBusName_ = !reply.isValid() || reply.value() == QDBusConnectionInterface::ServiceRegistered;
     if (!hasBusName_) {
         bus.unregisterObject(objectPathOf(busName_));
-        auto call = QDBusMessage::createMethodCall(busName_, objectPathOf(busName_), kInterface,
-                                                   opensSettings ? "ActivateAction" : "Activate");
-        if (opensSettings) {
-            call << QString(kSettingsAction) << QVariantList();
-        }
-        call << QVariantMap();
-        bus.call(call, QDBus::Block, kAnswerWithin);
     }
     return hasBusName_;
 }
 
-bool SingleInstance::claimLock(bool opensSettings) {
-    const auto folder = environment("XDG_RUNTIME_DIR");
-    if (!folder) {
+bool SingleInstance::claimLock() {
+    const auto base = basePath();
+    if (base.empty()) {
         return true;
     }
-    const auto base = std::filesystem::path(*folder) / busName_.toStdString();
-    lock_ = platform::Descriptor(::open((base.string() + ".lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600));
-    socketPath_ = base.string() + ".socket";
-    socket_ = platform::Descriptor(::socket(AF_UNIX, SOCK_DGRAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
+    lock_ = platform::Descriptor(::open((base + ".lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600));
     // Where no lock can be made there is nothing that tells of others.
     if (lock_.number() >= 0 && ::flock(lock_.number(), LOCK_EX | LOCK_NB) != 0) {
-        const auto address = addressOf(socketPath_);
-        ::sendto(socket_.number(), opensSettings ? "s" : "", 1, MSG_NOSIGNAL,
-                 reinterpret_cast<const sockaddr*>(&address), sizeof address);
-        socketPath_.clear();
         return false;
     }
-    listen();
+    listen(base + ".socket");
     return true;
 }
 
-void SingleInstance::listen() {
-    const auto address = addressOf(socketPath_);
-    ::unlink(socketPath_.c_str());  // of one that could not tidy up
+void SingleInstance::ask(Opens opens) {
+    if (!hasBus()) {
+        const auto address = addressOf(basePath() + ".socket");
+        const platform::Descriptor socket(::socket(AF_UNIX, SOCK_DGRAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
+        const auto knock = static_cast<char>(opens);
+        ::sendto(socket.number(), &knock, sizeof knock, MSG_NOSIGNAL, reinterpret_cast<const sockaddr*>(&address),
+                 sizeof address);
+        return;
+    }
+    const bool isAction = opens != Opens::Menu;
+    auto call = QDBusMessage::createMethodCall(busName_, objectPathOf(busName_), kInterface,
+                                               isAction ? "ActivateAction" : "Activate");
+    if (isAction) {
+        call << QString(opens == Opens::Settings ? kSettingsAction : kDashboardAction) << QVariantList();
+    }
+    call << QVariantMap();
+    call.setAutoStartService(false);
+    QDBusConnection::sessionBus().call(call, QDBus::Block, kAnswerWithin);
+}
+
+std::string SingleInstance::basePath() const {
+    const auto folder = environment("XDG_RUNTIME_DIR");
+    return folder ? std::string(*folder) + '/' + busName_.toStdString() : "";
+}
+
+void SingleInstance::listen(const std::string& path) {
+    socketPath_ = path;
+    socket_ = platform::Descriptor(::socket(AF_UNIX, SOCK_DGRAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
+    const auto address = addressOf(path);
+    ::unlink(path.c_str());  // of one that could not tidy up
     if (::bind(socket_.number(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
         return;
     }
     knocks_ = std::make_unique<QSocketNotifier>(socket_.number(), QSocketNotifier::Read);
     connect(knocks_.get(), &QSocketNotifier::activated, this, [this] {
-        bool opensSettings = false;
         for (char knock = 0; ::recv(socket_.number(), &knock, sizeof knock, 0) >= 0;) {
-            opensSettings = opensSettings || knock == 's';
+            tell(static_cast<Opens>(knock));
         }
-        tell(opensSettings);
     });
 }
 
 void SingleInstance::Activate(const QVariantMap& /*platformData*/) {
-    tell(false);
+    tell(Opens::Menu);
 }
 
 void SingleInstance::ActivateAction(const QString& name, const QVariantList& /*parameter*/,
                                     const QVariantMap& /*platformData*/) {
-    tell(name == kSettingsAction);
+    tell(name == kSettingsAction ? Opens::Settings : name == kDashboardAction ? Opens::Dashboard : Opens::Menu);
 }
 
-void SingleInstance::tell(bool opensSettings) {
+void SingleInstance::tell(Opens opens) {
     if (onSecondStart) {
-        onSecondStart(opensSettings);
+        onSecondStart(opens);
     }
 }
 

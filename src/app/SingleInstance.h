@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/Arguments.h"
 #include "platform/posix/Descriptor.h"
 
 #include <QObject>
@@ -8,7 +9,6 @@
 #include <QVariantList>
 #include <QVariantMap>
 
-#include <filesystem>
 #include <functional>
 #include <memory>
 #include <string>
@@ -26,12 +26,14 @@ public:
     ~SingleInstance() override;
 
     /// True when this is the first instance, which then hears of others through the event loop. If there is another
-    /// one, it has been asked to open its settings (`opensSettings`) or its menu. Call it once. Blocks for a round trip
-    /// to the bus.
-    [[nodiscard]] bool claim(bool opensSettings);
+    /// one, it has been asked to open this. Call it once. Blocks for a round trip to the bus.
+    [[nodiscard]] bool claim(Opens opens);
+
+    /// Asks an instance that runs to open this, if there is one.
+    void ask(Opens opens);
 
     /// Runs when the program was started a second time.
-    std::function<void(bool opensSettings)> onSecondStart;
+    std::function<void(Opens opens)> onSecondStart;
 
 public slots:  // the Application interface of the Desktop Entry standard
     // NOLINTBEGIN(readability-identifier-naming): names on the bus
@@ -40,15 +42,17 @@ public slots:  // the Application interface of the Desktop Entry standard
     // NOLINTEND(readability-identifier-naming)
 
 private:
-    bool claimBusName(bool opensSettings);
-    bool claimLock(bool opensSettings);
-    void tell(bool opensSettings);
-    void listen();
+    [[nodiscard]] static bool hasBus();
+    bool claimBusName();
+    bool claimLock();
+    [[nodiscard]] std::string basePath() const;
+    void listen(const std::string& path);
+    void tell(Opens opens);
 
     QString busName_;
     bool hasBusName_ = false;
     platform::Descriptor lock_;
-    std::filesystem::path socketPath_;  ///< other instances without a bus knock here; empty without a lock of ours
+    std::string socketPath_;  ///< other instances without a bus knock here; empty without a lock of ours
     platform::Descriptor socket_;
     std::unique_ptr<QSocketNotifier> knocks_;
 };

@@ -3,7 +3,9 @@
 #include "app/Deployment.h"
 #include "platform/posix/Descriptor.h"
 #include "platform/posix/InstalledBundle.h"
+#include "platform/qtcore/QtNoticeboard.h"
 
+#include <QProcess>
 #include <fmt/format.h>
 #include <malloc.h>
 #include <unistd.h>
@@ -84,6 +86,22 @@ std::expected<std::optional<demo::DemoSession>, int> prepareProcess(const Argume
         }
     }
     return session;
+}
+
+std::unique_ptr<platform::Noticeboard> noticeboard(const Arguments& arguments) {
+    const auto profile = platform::XdgDirectories::configuration();
+    return profile && !arguments.demo ? platform::QtNoticeboard::open(*profile) : nullptr;
+}
+
+void openDashboard() {
+    QProcess desktop;
+    desktop.setStandardInputFile(QProcess::nullDevice());
+    desktop.setStandardOutputFile(QProcess::nullDevice());
+    if (const auto program = platform::InstalledBundle::program("glintar-desktop")) {
+        desktop.setProgram(QString::fromStdString(program->string()));
+        desktop.setArguments({"--dashboard"});
+        desktop.startDetached();
+    }
 }
 
 platform::RealPlatform::Options platformOptions(const Start& start, const std::optional<demo::DemoSession>& session) {

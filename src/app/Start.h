@@ -2,9 +2,11 @@
 
 #include "app/Arguments.h"
 #include "demo/DemoSession.h"
+#include "platform/Noticeboard.h"
 #include "platform/real/RealPlatform.h"
 
 #include <expected>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -33,6 +35,13 @@ struct Start {
 /// profile the process is turned and which ends with what is returned. The error is the status to end with; why has
 /// been said.
 [[nodiscard]] std::expected<std::optional<demo::DemoSession>, int> prepareProcess(const Arguments& arguments);
+
+/// What the copies of the program for this profile share; none for a demonstration, and where there is no place for it.
+/// Made after Qt's application object.
+[[nodiscard]] std::unique_ptr<platform::Noticeboard> noticeboard(const Arguments& arguments);
+
+/// The dashboard of the desktop program, if that runs. Another process does it, and nobody waits for it.
+void openDashboard();
 
 /// What the machine is made with; `session` is that of a demonstration.
 [[nodiscard]] platform::RealPlatform::Options platformOptions(const Start& start,

@@ -6,10 +6,12 @@
 #include "platform/posix/Termination.h"
 #include "platform/qt/DesktopPlatform.h"
 #include "platform/qt/DisplayGuard.h"
+#include "platform/qtcore/QtSignals.h"
 
 #include <fmt/format.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <vector>
@@ -32,6 +34,7 @@ End run(int argc, char** argv, const app::Start& start, const std::optional<demo
 int main(int argc, char** argv) {
     platform::reserveStandardStreams();
     const platform::Termination termination;
+    platform::QtSignals::take({SIGUSR1});
     // Both as they are now: Qt takes its own out of the arguments, and an update may put another program in this place.
     std::vector<char*> arguments(argv, argv + argc + 1);
     std::error_code error;
@@ -45,6 +48,9 @@ int main(int argc, char** argv) {
         return app::kWrongUsage;
     }
     if (const auto problem = platform::displayProblem()) {
+        if (start->arguments.opens == app::Opens::Dashboard) {
+            return EXIT_SUCCESS;  // nothing runs that has one
+        }
         platform::complain(fmt::format("glintar: {}\n", *problem));
         return app::kFailed;
     }
@@ -59,6 +65,7 @@ int main(int argc, char** argv) {
         }
     }
     platform::Termination::handOver();
+    platform::QtSignals::hold({SIGUSR1});
     ::execv(program.c_str(), arguments.data());
     platform::complain("glintar: could not be started anew\n");
     return app::kFailed;

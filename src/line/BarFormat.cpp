@@ -154,12 +154,16 @@ std::string waybarText(const BarLine& bar) {
     if (change.value_or(0) != 0) {
         writer.string(*change > 0 ? "up" : "down");
     }
-    writer.endArray().key("percentage").integer(bar.percentage).endObject();
+    writer.endArray().key("percentage").integer(bar.percentage).key("time").string(bar.line.time);
+    writer.key("updated");
+    bar.updated ? writer.string(*bar.updated) : writer.null();
+    writer.key("stale").boolean(bar.line.hasOld()).endObject();
     return std::string(writer.text());
 }
 
 std::string genmonText(const BarLine& bar) {
-    return fmt::format("<txt>{}</txt>\n<tool>{}</tool>", markup(textOf(bar)), details(bar));
+    return fmt::format("<txt>{}</txt>\n<tool>{}</tool>\n<txtclick>glintar --dashboard</txtclick>", markup(textOf(bar)),
+                       details(bar));
 }
 
 std::string i3barHeader() {

@@ -14,9 +14,10 @@ namespace glintar::line {
 /// What a text bar is given.
 struct BarLine {
     presenter::StatusLine line;
-    std::string prefix;   ///< before the text
-    std::string tooltip;  ///< how the last refresh ended
-    int percentage = 0;   ///< of the time to the next refresh that has passed
+    std::string prefix;                       ///< before the text
+    std::string tooltip;                      ///< how the last refresh ended
+    std::optional<std::string> updated = {};  ///< when the newest price came, by RFC 3339
+    int percentage = 0;                       ///< of the time to the next refresh that has passed
 };
 
 /// The line without what the user did not ask for. Parts that the preferences hide are shown when they are asked for;
@@ -29,9 +30,10 @@ struct BarLine {
 
 /// One object for Waybar's custom module (waybar-custom(5), "json"): text and tooltip are Pango markup. "class" holds
 /// "ok", "stale" (older prices are shown) or "error" (there is none), then "up" or "down" by the first coin's change.
+/// The bar passes over the other members, which are those of our own JSON.
 [[nodiscard]] std::string waybarText(const BarLine& bar);
 
-/// What xfce4-genmon reads, in its tags.
+/// What xfce4-genmon reads, in its tags. A click opens the dashboard of the desktop program.
 [[nodiscard]] std::string genmonText(const BarLine& bar);
 
 // The i3bar protocol (i3wm.org/docs/i3bar-protocol.html): the header, then one line of blocks a refresh.

@@ -16,6 +16,7 @@ constexpr int kDone = 0;
 constexpr int kNoQuotes = 1;
 constexpr int kFailed = 1;
 
+constexpr std::int64_t kLeftButton = 1;
 constexpr std::int64_t kMiddleButton = 2;
 
 int passedPercentage(platform::Platform& platform) {
@@ -37,18 +38,18 @@ TextStatusBar::Options barOptions(const app::Arguments& arguments, const platfor
 }  // namespace
 
 LineCommand::LineCommand(platform::Platform& platform, platform::TextOutput& output, const app::Arguments& arguments,
-                         std::function<void(int status)> finish)
+                         Environment environment)
     : platform_(platform),
       once_(arguments.once),
-      finish_(std::move(finish)),
+      environment_(std::move(environment)),
       statusBar_(output, platform.localTime, barOptions(arguments, output, platform)),
-      controller_(platform, statusBar_, {.displayMode = 0}) {
+      controller_(platform, statusBar_, {.displayMode = 0, .board = environment_.board}) {
     output.onClosed = [this](const std::string& failure) {
         if (failure.empty()) {
             interrupt();
         } else {
             platform_.console.print("⚠️ [Line] " + failure);
-            finish_(kFailed);
+            environment_.finish(kFailed);
         }
     };
     if (arguments.once || arguments.demo) {
@@ -58,7 +59,7 @@ LineCommand::LineCommand(platform::Platform& platform, platform::TextOutput& out
         config::CoinListUpdater::shared(platform).skipCheck();
     }
     if (once_) {
-        statusBar_.onRefreshed = [this](bool hasQuotes) { finish_(hasQuotes ? kDone : kNoQuotes); };
+        statusBar_.onRefreshed = [this](bool hasQuotes) { environment_.finish(hasQuotes ? kDone : kNoQuotes); };
     }
 }
 
@@ -72,14 +73,27 @@ void LineCommand::start() {
     }
 }
 
+void LineCommand::onSignal(int number) {
+    if (number == kStopSignal) {
+        controller_.pause();
+    } else if (number == kContSignal) {
+        controller_.resume();
+    } else if (!once_) {
+        controller_.refreshForUser();
+    }
+}
+
 void LineCommand::onInput(std::string_view line) {
-    if (clickedButton(line) == kMiddleButton) {
-        refresh();
+    const auto button = clickedButton(line);
+    if (button == kLeftButton) {
+        environment_.openDashboard();
+    } else if (button == kMiddleButton) {
+        controller_.refreshForUser();
     }
 }
 
 void LineCommand::interrupt() {
-    finish_(once_ ? kNoQuotes : kDone);
+    environment_.finish(once_ ? kNoQuotes : kDone);
 }
 
 }  // namespace glintar::line

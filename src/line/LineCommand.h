@@ -8,6 +8,7 @@
 #include <string_view>
 
 namespace glintar::platform {
+class Noticeboard;
 struct Platform;
 class TextOutput;
 }  // namespace glintar::platform
@@ -18,18 +19,19 @@ namespace glintar::line {
 /// server is asked for newer documents, except with `--once` and on a simulated market.
 class LineCommand {
 public:
-    /// `finish` takes the exit status, once at most; it may come before `start` returns.
+    struct Environment {
+        std::function<void(int status)> finish;    ///< once at most; it may come before `start` returns
+        platform::Noticeboard* board = nullptr;    ///< shared with the other copies of the program, if there is one
+        std::function<void()> openDashboard = {};  ///< that of the desktop program, if it runs
+    };
+
     LineCommand(platform::Platform& platform, platform::TextOutput& output, const app::Arguments& arguments,
-                std::function<void(int status)> finish);
+                Environment environment);
 
     void start();
 
-    /// The user asks for a refresh now.
-    void refresh() { controller_.refreshSoon(); }
-
-    /// The bar is hidden: nothing is asked and nothing wakes us until it is seen again.
-    void hidden() { controller_.pause(); }
-    void seen() { controller_.resume(); }
+    /// SIGUSR1, by which the user asks for a refresh, or one of those by which i3bar tells that it is hidden or seen.
+    void onSignal(int number);
 
     /// One line that a bar has sent: a click.
     void onInput(std::string_view line);
@@ -40,7 +42,7 @@ public:
 private:
     platform::Platform& platform_;
     const bool once_;
-    std::function<void(int)> finish_;
+    Environment environment_;
     TextStatusBar statusBar_;
     presenter::StatusBarController controller_;
 };

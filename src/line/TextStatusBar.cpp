@@ -2,6 +2,7 @@
 
 #include "line/BarFormat.h"
 #include "line/LineFormat.h"
+#include "platform/Machine.h"
 #include "platform/TextOutput.h"
 #include "presenter/LineText.h"
 
@@ -46,9 +47,11 @@ void TextStatusBar::refreshCompleted() {
 
 std::string TextStatusBar::printed() const {
     const auto bar = [this] {
+        const auto newest = line_.newest();
         return BarLine{.line = line_,
                        .prefix = options_.prefix,
                        .tooltip = tooltip_,
+                       .updated = newest ? std::optional(local_.timestamp(newest->time)) : std::nullopt,
                        .percentage = options_.percentage ? options_.percentage() : 0};
     };
     switch (options_.format) {

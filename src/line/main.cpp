@@ -39,7 +39,9 @@ std::string_view becomeDesktop(platform::Termination& termination, char** argv) 
         if (!termination.block()) {
             std::exit(EXIT_SUCCESS);  // nothing has begun that would have to be ended
         }
+        platform::QtSignals::hold({SIGUSR1});
         ::execv(desktop->c_str(), argv);
+        platform::QtSignals::take({SIGUSR1});
         termination.unblock();
     }
     return "glintar-desktop is not installed";
@@ -47,20 +49,21 @@ std::string_view becomeDesktop(platform::Termination& termination, char** argv) 
 
 int runLine(platform::TerminalPlatform& terminal, const app::Start& start) {
     auto& machine = terminal.machine();
+    const auto board = app::noticeboard(start.arguments);
     line::LineCommand command(machine.platform(), terminal.output(), start.arguments,
-                              [&](int status) { machine.exit(status); });
+                              {.finish = [&](int status) { machine.exit(status); },
+                               .board = board.get(),
+                               .openDashboard = app::openDashboard});
     machine.onTerminate = [&] { command.interrupt(); };
     std::optional<presenter::SettingsWatch> watch;
     if (!start.arguments.once) {
         watch.emplace(machine.platform());
         machine.watch();
     }
-    const platform::QtSignals refresh({SIGUSR1}, [&](int) { command.refresh(); });
-    std::optional<platform::QtSignals> visibility;
+    const platform::QtSignals requests([&](int number) { command.onSignal(number); });
     std::optional<platform::TerminalInput> clicks;
     if (start.arguments.format == app::Format::I3bar) {
-        visibility.emplace(std::initializer_list{line::kStopSignal, line::kContSignal},
-                           [&](int signal) { signal == line::kStopSignal ? command.hidden() : command.seen(); });
+        platform::QtSignals::take({line::kStopSignal, line::kContSignal});
         clicks.emplace([&](std::string_view click) { command.onInput(click); });
     }
     command.start();
@@ -98,13 +101,17 @@ int runSettings(platform::TerminalPlatform& terminal, const app::Start& start) {
 int main(int argc, char** argv) {
     platform::reserveStandardStreams();
     platform::Termination termination;
+    platform::QtSignals::take({SIGUSR1});  // sent to all copies by name, it must not end one that is not ready for it
     const auto start = app::readStart(argc, argv);
     if (!start) {
         return start.error();
     }
     if (start->arguments.command == app::Arguments::Command::Desktop) {
-        platform::complain(fmt::format("glintar: {}; showing the prices in this terminal (glintar line)\n",
-                                       becomeDesktop(termination, argv)));
+        const auto why = becomeDesktop(termination, argv);
+        if (start->arguments.opens == app::Opens::Dashboard) {
+            return EXIT_SUCCESS;  // nothing runs that has one
+        }
+        platform::complain(fmt::format("glintar: {}; showing the prices in this terminal (glintar line)\n", why));
     }
     termination.setStatus(start->arguments.once ? app::kFailed : 0);
     const auto session = app::prepareProcess(start->arguments);

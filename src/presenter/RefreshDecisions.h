@@ -3,6 +3,8 @@
 #include "platform/RunLoop.h"
 
 #include <optional>
+#include <string>
+#include <vector>
 
 namespace glintar::presenter {
 
@@ -43,6 +45,14 @@ struct WakeUp {
 
 /// A fetch that may well succeed is left alone.
 [[nodiscard]] WakeUp afterNetworkCameBack(CycleState& state);
+
+/// What is wanted of the services at one moment.
+struct Wish {
+    std::string source;
+    std::vector<std::string> coins;  ///< identifiers, in the user's order
+    std::string key;
+    bool operator==(const Wish&) const = default;
+};
 
 /// How a fetch ended, beside what is wanted now.
 struct FetchEnd {

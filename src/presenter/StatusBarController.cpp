@@ -10,6 +10,7 @@
 #include "platform/Preferences.h"
 #include "platform/Registry.h"
 #include "presenter/RefreshState.h"
+#include "presenter/SharedRefresh.h"
 #include "presenter/StatusSurface.h"
 #include "text/Unicode.h"
 
@@ -56,9 +57,17 @@ StatusBarController::StatusBarController(platform::Platform& platform, StatusSur
     observe(platform::kActiveApplicationChanged, &StatusBarController::onActiveAppChanged);
     observe(platform::kMachineResumed, &StatusBarController::onResumed);
     observe(platform::kNetworkCameBack, &StatusBarController::onNetworkBack);
+    if (options.board) {
+        shared_ = std::make_unique<SharedRefresh>(*options.board, platform.runLoop);
+        options.board->onPosted = [this] { onPosted(); };
+    }
 }
 
-StatusBarController::~StatusBarController() = default;
+StatusBarController::~StatusBarController() {
+    if (options_.board) {
+        options_.board->onPosted = nullptr;
+    }
+}
 
 void StatusBarController::show() {
     surface_.show(currentDisplayMode_);
@@ -176,6 +185,9 @@ void StatusBarController::follow(const WakeUp& wakeUp) {
 void StatusBarController::pause() {
     isPaused_ = true;
     cycle_.isRunning = false;
+    if (shared_) {
+        shared_->leave();
+    }
     timer_.reset();
     progressTimer_.reset();
 }

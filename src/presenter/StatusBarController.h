@@ -15,13 +15,16 @@
 #include <vector>
 
 namespace glintar::platform {
+class Noticeboard;
 struct Platform;
-}
+}  // namespace glintar::platform
 
 namespace glintar::presenter {
 
 enum class DisplayMode;
+class SharedRefresh;
 class StatusSurface;
+struct Publication;
 struct RefreshProgress;
 struct RefreshState;
 
@@ -34,6 +37,7 @@ public:
 
     struct Options {
         std::optional<std::int64_t> displayMode;  ///< whatever the preferences say
+        platform::Noticeboard* board = nullptr;   ///< shared with the other copies of the program, if there is one
     };
 
     StatusBarController(platform::Platform& platform, StatusSurface& surface, Options options);
@@ -55,8 +59,9 @@ public:
     void refreshAll(Scope scope);
     void forceFullUpdate() { refreshAll(Scope::Everything); }
 
-    /// A refresh now instead of the next one that was due, two seconds after the last at the earliest.
-    void refreshSoon();
+    /// A refresh now instead of the next one that was due, by whoever asks the services; dropped within two seconds of
+    /// the last.
+    void refreshForUser();
 
     /// From now on nobody looks: nothing is asked and no timer runs. Afterwards a refresh that fell due follows at
     /// once.
@@ -75,7 +80,6 @@ public:
     [[nodiscard]] const std::optional<market::MarketDataMap>& cachedMarketData() const { return cachedMarketData_; }
 
 private:
-    struct Wish;
     struct FetchResult;
 
     [[nodiscard]] std::int64_t displayModeNumber() const;
@@ -89,11 +93,17 @@ private:
     void onResumed();
     void onNetworkBack();
     void follow(const WakeUp& wakeUp);
+    void refreshSoon();
     platform::Seconds calculateRefreshInterval();
     void performFetch(Scope scope);
     void addPhantomCoin(std::vector<config::Coin>& coins);
     bool isAnsweredByCache(const std::vector<config::Coin>& coins);
     [[nodiscard]] Wish wish();
+    [[nodiscard]] std::string wordsOf(const Wish& wish) const;
+    bool isLeftToOthers(const Wish& wish);
+    void showPublished(const Publication& page);
+    void publish(const Wish& wish);
+    void onPosted();
     void handleFetchCompletion(FetchResult& result);
     void takeFee(const FetchResult& result);
     void takeQuotes(FetchResult& result);
@@ -113,6 +123,8 @@ private:
 
     bool hasShown_ = false;  ///< anything at all
     bool isPaused_ = false;
+    bool isFollowing_ = false;  ///< the timer waits for what another copy is to publish
+    std::optional<platform::BootInstant> shownPage_;
     bool isApiKeyInvalid_ = false;
     std::optional<market::MarketDataMap> cachedMarketData_;
     std::string cachedSource_;        ///< whose quotes they are
@@ -120,6 +132,7 @@ private:
     std::string outcomeText_;         ///< the same in the tooltip's words, which drawing again does not change
     std::optional<market::NetworkFee> currentGasPrice_;
     DisplayMode currentDisplayMode_;
+    std::unique_ptr<SharedRefresh> shared_;
     std::int64_t lastGasSource_ = 0;
     bool lastShowGasFee_ = false;
 

@@ -8,6 +8,7 @@
 #include "platform/Platform.h"
 #include "platform/Preferences.h"
 #include "presenter/RefreshState.h"
+#include "presenter/SharedRefresh.h"
 #include "presenter/StatusBarController.h"
 #include "presenter/StatusSurface.h"
 #include "text/Unicode.h"
@@ -34,14 +35,6 @@ bool namesCoinsBySymbol(std::string_view source) {
 
 }  // namespace
 
-/// What is wanted of the services at one moment.
-struct StatusBarController::Wish {
-    std::string source;
-    std::vector<std::string> coins;  ///< identifiers, in the user's order
-    std::string key;
-    bool operator==(const Wish&) const = default;
-};
-
 /// What one fetch brings. The engine's callbacks fill their own fields, each before it leaves the group; the completion
 /// reads them after the group has emptied.
 struct StatusBarController::FetchResult {
@@ -57,7 +50,7 @@ struct StatusBarController::FetchResult {
     std::optional<Fee> fee;  ///< when one was asked for
 };
 
-StatusBarController::Wish StatusBarController::wish() {
+Wish StatusBarController::wish() {
     Wish wish{.source = config::Settings::load(platform_.preferences).selectedSourceID};
     for (const auto& coin : config::loadSavedCoins(platform_)) {
         wish.coins.push_back(coin.apiId);
@@ -84,6 +77,9 @@ void StatusBarController::performFetch(Scope scope) {
         return;
     }
     result->wish = wish();
+    if (shared_ && isLeftToOthers(result->wish)) {
+        return;
+    }
     cycle_.isFetching = true;
     cycle_.isStale = cycle_.isDoubtful = false;
     cycle_.lastRequestTime = platform_.runLoop.now();
@@ -187,6 +183,9 @@ void StatusBarController::handleFetchCompletion(FetchResult& result) {
     }
     if (!after.isShown) {
         return;
+    }
+    if (result.wish == now) {
+        publish(now);
     }
     showAll();
     checkVisibilityAfter(500ms);

@@ -85,7 +85,7 @@ TEST(AppDelegateTest, ThereIsOneSettingsWindowWhichKeepsWhatItShowed) {
     const auto& windows = program.desktop.windows.windows;
     program.machine.notifications.post("SwitchToDisplayTab");
     EXPECT_TRUE(windows.empty());
-    program.delegate.applicationWasReopened(true);
+    program.delegate.applicationWasReopened(Opens::Settings);
     ASSERT_EQ(windows.size(), 1U);
     EXPECT_EQ(windows[0]->title, "Settings");
     EXPECT_EQ(program.settings->selectedTab, "coins");
@@ -170,6 +170,7 @@ TEST(ArgumentsTest, MeanWhatTheySay) {
           Row{{"compare", "--once"}, "refused"},
           Row{{"--format", "json"}, "refused"},
           Row{{"--settings"}, "desktop settings"},
+          Row{{"--dashboard"}, "desktop dashboard"},
           Row{{"compare", "--settings"}, "refused"},
           Row{{"--demo", "coins", "list"}, "refused"},
           Row{{"--", "line"}, "line"},
@@ -183,7 +184,9 @@ TEST(ArgumentsTest, MeanWhatTheySay) {
             text += parsed->format == Format::Json ? " json" : "";
             text += parsed->once ? " once" : "";
             text += parsed->demo ? " demo" : "";
-            text += parsed->opensSettings ? " settings" : "";
+            text += parsed->opens == Opens::Settings    ? " settings"
+                    : parsed->opens == Opens::Dashboard ? " dashboard"
+                                                        : "";
             for (const auto word : parsed->words) {
                 (text += ' ') += word;
             }

@@ -65,11 +65,16 @@ TEST_F(DesktopTest, TheDesktopTurnsDarkAndThePillsWithIt) {
 
 class SecondStartTest : public DesktopTest, public testing::WithParamInterface<Display::Bus> {};
 
-TEST_P(SecondStartTest, ShowsTheMenuOfTheFirstWhoseQuitEndsIt) {
+TEST_P(SecondStartTest, ShowsDashboardOrMenuOfTheFirstWhoseQuitEndsIt) {
     showScreen(GetParam());
     display->startManager(Display::Manager::Openbox);
+    EXPECT_EQ(start({"--dashboard"}).wait(), 0) << "there is none";
     auto first = start({});
     ASSERT_TRUE(showsPills(kLightPill, kPillsOfTheProfile)) << first.errors();
+    for (const bool isOpen : {true, false}) {
+        EXPECT_EQ(start({"--dashboard"}).wait(), 0);
+        EXPECT_TRUE(eventually([&] { return placeOf("Glintar dashboard").has_value() == isOpen; }));
+    }
     const auto before = visibleWindows();
     auto second = start({});
     EXPECT_EQ(second.wait(), 0) << second.errors();

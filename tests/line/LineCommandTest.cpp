@@ -1,3 +1,4 @@
+#include "line/BarFormat.h"
 #include "line/LineCommand.h"
 #include "line/RecordedOutput.h"
 #include "platform/virtual/VirtualPlatform.h"
@@ -25,7 +26,9 @@ protected:
     }
 
     void run(const app::Arguments& arguments, platform::Duration duration) {
-        command.emplace(machine.platform(), output, arguments, [this](int status) { finished.push_back(status); });
+        command.emplace(machine.platform(), output, arguments,
+                        LineCommand::Environment{.finish = [this](int status) { finished.push_back(status); },
+                                                 .openDashboard = [this] { ++dashboards; }});
         command->start();
         machine.advance(duration);
     }
@@ -33,6 +36,7 @@ protected:
     platform::VirtualPlatform machine;
     RecordedOutput output;
     std::vector<int> finished;
+    int dashboards = 0;
     std::optional<LineCommand> command;
 };
 
@@ -173,14 +177,16 @@ TEST_F(LineCommandTest, EachBarIsWrittenInItsOwnMarkupWhateverACoinIsCalled) {
          {std::pair{Format::Waybar,
                     R"({"text":"A&amp;B &lt;C&gt;�#%{&quot;&#39; 2.00 | שקל 1.50","alt":"ok","tooltip":)"
                     R"("A&amp;B &lt;C&gt;�#%{&quot;&#39; 2.00 -1.50% 3.0/2.0\nשקל 1.50\nLast Updated: 03:04:05",)"
-                    R"("class":["ok","down"],"percentage":0})"},
+                    R"("class":["ok","down"],"percentage":0,"time":"03:04:05",)"
+                    R"("updated":"2026-01-02T03:04:05+00:00","stale":false})"},
           {Format::I3bar, R"([{"full_text":"A&B <C>�#%{\"' 2.00","short_text":"A&B <C>�#%{\"' 2.00",)"
                           R"("color":"#ff453a","min_width":"A&B <C>�#%{\"' 0.00","name":"glintar",)"
                           R"("instance":"bitcoin"},{"full_text":"שקל 1.50","short_text":"שקל 1.50",)"
                           R"("min_width":"שקל 0.00","name":"glintar","instance":"ethereum"}],)"},
           {Format::Genmon,
            "<txt>A&amp;B &lt;C&gt;\ufffd#%{&quot;&#39; 2.00 | שקל 1.50</txt>\n<tool>A&amp;B &lt;C&gt;\ufffd"
-           "#%{&quot;&#39; 2.00 -1.50% 3.0/2.0\nשקל 1.50\nLast Updated: 03:04:05</tool>"},
+           "#%{&quot;&#39; 2.00 -1.50% 3.0/2.0\nשקל 1.50\nLast Updated: 03:04:05</tool>\n<txtclick>glintar "
+           "--dashboard</txtclick>"},
           {Format::Tmux, "A&B <C>\ufffd##%{\"' 2.00 | שקל 1.50"},
           {Format::Polybar, "A&B <C>\ufffd#% {\"' 2.00 | שקל 1.50"}}) {
         run({.format = format, .once = true}, 10ms);
@@ -209,27 +215,31 @@ TEST_F(LineCommandTest, FieldsAndCoinGoBeforeThePreferences) {
 TEST_F(LineCommandTest, AHiddenBarAsksNothingAndAClickAsksEveryTwoSecondsAtMost) {
     run({.format = app::Format::I3bar}, 2s);
     EXPECT_THAT(output.lines.at(0), HasSubstr(R"("click_events":true})"));
-    command->hidden();
+    command->onSignal(kStopSignal);
     machine.advance(30s);
     EXPECT_EQ(machine.runLoop.pending(), 0U);
-    command->seen();
+    command->onSignal(kContSignal);
     machine.advance(1s);
     EXPECT_EQ(machine.http.asked("gecko.test"), 1) << "none was due";
-    command->hidden();
+    command->onSignal(kStopSignal);
     machine.notifications.post(config::kCoinsUpdated);
     machine.advance(1s);
     EXPECT_EQ(machine.http.asked("gecko.test"), 1);
-    command->seen();
+    command->onSignal(kContSignal);
     machine.advance(100ms);
     EXPECT_EQ(machine.http.asked("gecko.test"), 2);
-    for (const auto* click :
-         {"[", R"({"name":"glintar","button":3})", R"(,{"button":2})", R"(,{"button":2})", "nonsense{"}) {
-        command->onInput(click);
-    }
-    machine.advance(1s);
-    EXPECT_EQ(machine.http.asked("gecko.test"), 2);
-    machine.advance(2s);
+    const auto click = [this] {
+        for (const auto* line : {"[", R"({"name":"glintar","button":1})", R"(,{"button":3})", R"(,{"button":2})",
+                                 R"(,{"button":2})", "nonsense{"}) {
+            command->onInput(line);
+        }
+        machine.advance(2100ms);
+    };
+    click();
+    EXPECT_EQ(machine.http.asked("gecko.test"), 2) << "too soon";
+    click();
     EXPECT_EQ(machine.http.asked("gecko.test"), 3);
+    EXPECT_EQ(dashboards, 2);
 }
 
 TEST_F(LineCommandTest, ASimulatedMarketIsMarked) {

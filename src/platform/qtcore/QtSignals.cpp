@@ -1,28 +1,62 @@
 #include "platform/qtcore/QtSignals.h"
 
-#include <sys/signalfd.h>
+#include <fcntl.h>
 #include <unistd.h>
 
+#include <array>
+#include <cerrno>
 #include <csignal>
 
 namespace glintar::platform {
 
-QtSignals::QtSignals(std::initializer_list<int> numbers, std::function<void(int signal)> onSignal) {
+namespace {
+
+// Both ends of a pipe that lives as long as the process: a handler may run at any moment.
+std::array<int, 2> noted{-1, -1};
+
+void note(int number) {
+    const int error = errno;
+    const auto byte = static_cast<char>(number);
+    if (::write(noted[1], &byte, 1) < 0) {
+        // Full: enough of them wait already.
+    }
+    errno = error;
+}
+
+void mask(int how, std::initializer_list<int> numbers) {
     sigset_t set;
     ::sigemptyset(&set);
     for (const int number : numbers) {
         ::sigaddset(&set, number);
     }
-    ::pthread_sigmask(SIG_BLOCK, &set, nullptr);
-    descriptor_ = Descriptor(::signalfd(-1, &set, SFD_CLOEXEC | SFD_NONBLOCK));
-    notifier_.emplace(descriptor_.number(), QSocketNotifier::Read);
-    QObject::connect(&*notifier_, &QSocketNotifier::activated, &*notifier_,
-                     [fd = descriptor_.number(), onSignal = std::move(onSignal)] {
-                         signalfd_siginfo info{};
-                         while (::read(fd, &info, sizeof info) == sizeof info) {
-                             onSignal(static_cast<int>(info.ssi_signo));
-                         }
-                     });
+    ::pthread_sigmask(how, &set, nullptr);
+}
+
+}  // namespace
+
+void QtSignals::take(std::initializer_list<int> numbers) {
+    if (noted[0] < 0 && ::pipe2(noted.data(), O_CLOEXEC | O_NONBLOCK) != 0) {
+        return;
+    }
+    struct sigaction action{};
+    action.sa_handler = note;
+    action.sa_flags = SA_RESTART;
+    for (const int number : numbers) {
+        ::sigaction(number, &action, nullptr);
+    }
+    mask(SIG_UNBLOCK, numbers);
+}
+
+void QtSignals::hold(std::initializer_list<int> numbers) {
+    mask(SIG_BLOCK, numbers);
+}
+
+QtSignals::QtSignals(std::function<void(int signal)> onSignal) : notifier_(noted[0], QSocketNotifier::Read) {
+    QObject::connect(&notifier_, &QSocketNotifier::activated, &notifier_, [onSignal = std::move(onSignal)] {
+        for (char number = 0; ::read(noted[0], &number, 1) == 1;) {
+            onSignal(number);
+        }
+    });
 }
 
 }  // namespace glintar::platform

@@ -1,24 +1,27 @@
 #pragma once
 
-#include "platform/posix/Descriptor.h"
-
 #include <QSocketNotifier>
 
 #include <functional>
 #include <initializer_list>
-#include <optional>
 
 namespace glintar::platform {
 
-/// Calls back on the main thread for each signal of the set, which does nothing else any more. Made before the first
-/// thread, after the QCoreApplication. The signals stay blocked afterwards: a late one must not end the program.
+/// Signals that are asked of the program while it runs, told on the main thread. They have a handler rather than being
+/// blocked: programs that this one starts have neither.
 class QtSignals {
 public:
-    QtSignals(std::initializer_list<int> numbers, std::function<void(int signal)> onSignal);
+    /// From now on these signals wait to be told. First in main, but for `Termination`.
+    static void take(std::initializer_list<int> numbers);
+
+    /// Holds them back for the program that this one is about to become by exec, which takes them.
+    static void hold(std::initializer_list<int> numbers);
+
+    /// Made after the QCoreApplication; one a process, and only after `take`.
+    explicit QtSignals(std::function<void(int signal)> onSignal);
 
 private:
-    Descriptor descriptor_;
-    std::optional<QSocketNotifier> notifier_;
+    QSocketNotifier notifier_;
 };
 
 }  // namespace glintar::platform
