@@ -23,6 +23,7 @@ RING = """printf test | gnome-keyring-daemon --unlock --components=secrets --for
 trap "kill $!" EXIT
 gdbus wait --session --timeout 20 org.freedesktop.secrets
 printf a-key | ( {} )
+secret-tool lookup service apiKey_coingecko account GlintarUser | grep -x a-key
 printf '\\n' | glintar source key coingecko
 ! secret-tool lookup service apiKey_coingecko account GlintarUser"""
 
