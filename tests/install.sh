@@ -78,6 +78,17 @@ try_release() {
   check "version" test "$(project_version)" = "$version"
 }
 
+# Everything that README and guide show, as it stands there.
+try_documents() { python3 "$root/tests/docs.py" "$1" "$root/README.md" "$root/docs/guide.md"; }
+
+test_docs() {
+  local scratch
+  scratch=$(mktemp -d)
+  # shellcheck disable=SC2064
+  trap "rm -rf '$scratch'" EXIT
+  build_preset release && cmake --install "$root/build/release" --prefix "$scratch" >/dev/null && try_documents "$scratch"
+}
+
 test_install() {
   local failed=0 scratch version package
   scratch=$(mktemp -d)
@@ -100,6 +111,7 @@ test_install() {
   check "metainfo" appstreamcli validate --no-net "$scratch"/packages/usr/share/metainfo/*.xml
   check "metainfo: version" grep -F "version=\"$version\"" "$scratch"/packages/usr/share/metainfo/*.xml
   try_release
+  check "documents" try_documents "$scratch/root/opt/glintar"
   [ "$failed" -eq 0 ] && say "the packages are in ${packages#"$root/"}"
   return "$failed"
 }
