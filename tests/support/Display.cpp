@@ -1,6 +1,7 @@
 #include "support/Display.h"
 
 #include "platform/xcb/SelectionWatch.h"
+#include "support/MessageBus.h"
 
 #include <fmt/format.h>
 #include <xcb/shape.h>
@@ -164,13 +165,7 @@ void Display::startTray() {
 
 void Display::startPanel() {
     panel_ = Child({"xfce4-panel", "--disable-wm-check"});
-    await(
-        [] {
-            return outputOf({"dbus-send", "--session", "--print-reply", "--dest=org.freedesktop.DBus", "/",
-                             "org.freedesktop.DBus.NameHasOwner", "string:org.kde.StatusNotifierWatcher"})
-                .contains("true");
-        },
-        "the panel does not start");
+    await([] { return isOnSessionBus("org.kde.StatusNotifierWatcher"); }, "the panel does not start");
 }
 
 /// In a window that is as large as the screen: there it has the screen's pointer, and shows what it composes.
