@@ -98,7 +98,7 @@ int VirtualConsole::count(std::string_view part) const {
 void VirtualEntropy::fill(std::span<std::byte> bytes) {
     ++next_;
     for (std::size_t i = 0; i < bytes.size(); ++i) {
-        bytes[i] = static_cast<std::byte>(next_ * 31 + i);
+        bytes[i] = static_cast<std::byte>(std::size_t{next_} * 31 + i);
     }
 }
 

@@ -16,6 +16,8 @@
 
 namespace glintar::test {
 
+inline constexpr Pixel kRed{255, 0, 0}, kBlue{0, 0, 255}, kBlack{0, 0, 0}, kOrange{255, 128, 0};
+
 /// The one screen of the test program, on which main made the QApplication.
 inline Display* theDisplay = nullptr;
 inline Display& display() {
