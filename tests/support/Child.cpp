@@ -26,33 +26,24 @@ std::vector<std::string> dyingWithTheTest(std::vector<std::string> command) {
     return command;
 }
 
-struct Pipe {
-    Pipe() {
-        if (::pipe2(ends.data(), O_CLOEXEC) != 0) {
-            throw std::runtime_error("no pipe");
-        }
+/// What comes out of a pipe that only a child writes to from now on: all of it, or one line.
+std::string told(const std::array<int, 2>& pipe, bool isOneLine) {
+    ::close(pipe[1]);
+    std::string text;
+    for (char byte = 0; ::read(pipe[0], &byte, 1) == 1 && !(isOneLine && byte == '\n');) {
+        text += byte;
     }
-    ~Pipe() {
-        closeWriting();
-        ::close(ends[0]);
+    ::close(pipe[0]);
+    return text;
+}
+
+std::array<int, 2> makePipe() {
+    std::array<int, 2> ends{};
+    if (::pipe2(ends.data(), O_CLOEXEC) != 0) {
+        throw std::runtime_error("no pipe");
     }
-    void closeWriting() {
-        if (ends[1] >= 0) {
-            ::close(std::exchange(ends[1], -1));
-        }
-    }
-    /// To the end, or to the end of the line.
-    std::string read(bool isOneLine) {
-        closeWriting();
-        std::string text;
-        char byte = 0;
-        while (::read(ends[0], &byte, 1) == 1 && !(isOneLine && byte == '\n')) {
-            text += byte;
-        }
-        return text;
-    }
-    std::array<int, 2> ends{-1, -1};
-};
+    return ends;
+}
 
 }  // namespace
 
@@ -104,17 +95,17 @@ bool eventually(const std::function<bool()>& condition, const std::function<void
 }
 
 std::string outputOf(const std::vector<std::string>& command) {
-    Pipe pipe;
-    const pid_t child = spawn(command, {{pipe.ends[1], STDOUT_FILENO}});
-    auto text = pipe.read(false);
+    const auto pipe = makePipe();
+    const pid_t child = spawn(command, {{pipe[1], STDOUT_FILENO}});
+    auto text = told(pipe, false);
     ::waitpid(child, nullptr, 0);
     return text;
 }
 
 std::pair<Child, std::string> startTelling(const std::vector<std::string>& command) {
-    Pipe pipe;
-    Child child(command, pipe.ends[1]);
-    auto word = pipe.read(true);
+    const auto pipe = makePipe();
+    Child child(command, pipe[1]);
+    auto word = told(pipe, true);
     if (word.empty()) {
         throw std::runtime_error(command.front() + " does not start");
     }
@@ -133,7 +124,9 @@ void Child::stop() {
 }
 
 void Child::signal(int number) const {
-    ::kill(id_, number);
+    if (id_ > 0) {
+        ::kill(id_, number);
+    }
 }
 
 void Child::terminate() {
