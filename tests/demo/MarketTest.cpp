@@ -1,8 +1,8 @@
 #include "config/AppConfig.h"
 #include "config/Coin.h"
+#include "demo/DemoSession.h"
 #include "demo/Market.h"
 #include "demo/MarketDocument.h"
-#include "demo/MarketOptions.h"
 #include "demo/MarketServer.h"
 #include "json/Json.h"
 #include "market/Extraction.h"
@@ -63,45 +63,18 @@ TEST(MarketTest, TellsOneStoryInAllItsFigures) {
     EXPECT_TRUE(std::equal(now.week.begin() + 1, now.week.end() - 1, later.begin())) << "the past does not change";
 }
 
-std::expected<MarketOptions, std::string> parse(std::vector<std::string> words) {
-    words.insert(words.begin(), "glintar-demo-market");
-    std::vector<char*> arguments;
-    for (std::string& word : words) {
-        arguments.push_back(word.data());
-    }
-    return parseMarketOptions(arguments);
-}
-
-TEST(MarketOptionsTest, ReadsWhatItUnderstandsAndRefusesTheRest) {
-    const auto options = parse({"--port", "8080", "--seed", "9", "--step", "0.25", "--fault", "429:gate:2"});
-    ASSERT_TRUE(options) << options.error();
-    EXPECT_EQ(options->server.port, 8080);
-    EXPECT_EQ(options->server.seed, 9);
-    EXPECT_EQ(options->server.step, std::chrono::milliseconds{250});
-    EXPECT_EQ(options->faults, std::vector<std::string>{"429:gate:2"});
-    EXPECT_FALSE(parse({"--step", "per-request"})->server.step);
-
-    const std::vector<std::vector<std::string>> wrong = {
-        {"--port", "65536"}, {"--port", "-1"},       {"--port", "80x"},          {"--seed"},
-        {"--step", "0"},     {"--fault", "418"},     {"--fault", "429:gate:no"}, {"--colour", "red"},
-        {"--seed", "1.5"},   {"--remove-at-end", ""}};
-    for (const auto& words : wrong) {
-        EXPECT_FALSE(parse(words)) << testing::PrintToString(words);
-    }
-}
-
-TEST(MarketOptionsTest, RemovesOnlyADirectoryMadeForADemonstration) {
+TEST(DemoDirectoryTest, RemovesOnlyADirectoryMadeForADemonstration) {
     const test::TemporaryFolder folder;
     const auto& root = folder.path();
     std::filesystem::create_directory(root / "glintar-demo-abc");
     std::filesystem::create_directory(root / "precious");
     std::filesystem::create_directory_symlink(root / "precious", root / "glintar-demo-link");
 
-    EXPECT_TRUE(parse({"--remove-at-end", root / "glintar-demo-abc"}));
-    EXPECT_FALSE(parse({"--remove-at-end", root / "precious"}));
-    EXPECT_FALSE(parse({"--remove-at-end", root / "glintar-demo-link"}));
-    EXPECT_FALSE(parse({"--remove-at-end", root / "glintar-demo-abc/.."}));
-    EXPECT_FALSE(parse({"--remove-at-end", root / "glintar-demo-missing"}));
+    EXPECT_TRUE(isDemoDirectory(root / "glintar-demo-abc"));
+    EXPECT_FALSE(isDemoDirectory(root / "precious"));
+    EXPECT_FALSE(isDemoDirectory(root / "glintar-demo-link"));
+    EXPECT_FALSE(isDemoDirectory(root / "glintar-demo-abc/.."));
+    EXPECT_FALSE(isDemoDirectory(root / "glintar-demo-missing"));
 }
 
 using namespace std::chrono_literals;
@@ -191,39 +164,6 @@ TEST_F(MarketServerTest, LogsRequestsAndKeysButNotItsOwnControl) {
     EXPECT_EQ(get("/nowhere").status, 404);
     EXPECT_EQ(get("/control/log").body,
               "/coingecko/api/v3/coins/markets?vs_currency=usd&ids=a%7Cb CG-1\nHEAD /nowhere/at/all\n/nowhere\n");
-}
-
-TEST_F(MarketServerTest, FailsWhereAndAsOftenAsItIsTold) {
-    const auto fees = [&] { return get("/mempool/api/v1/fees/recommended").status; };
-    get("/control/fault?service=mempool&count=1&kind=503");
-    EXPECT_TRUE(binance().contains("lastPrice"));
-    EXPECT_EQ(fees(), 503);
-    EXPECT_EQ(fees(), 200);
-    EXPECT_EQ(get("/control/fault?kind=418").status, 400);
-    EXPECT_EQ(get("/control/fault?kind=429&count=many").status, 400);
-
-    get("/control/fault?service=mempool&kind=429");
-    get("/control/fault?kind=500");
-    EXPECT_EQ(fees(), 500) << "all services are meant";
-    get("/control/fault?kind=off");
-    EXPECT_EQ(fees(), 200);
-}
-
-TEST_F(MarketServerTest, DelaysOneServiceWithoutHoldingUpOthers) {
-    get("/control/fault?service=binance&kind=slow&ms=60000");
-    httplib::Client impatient(server->address());
-    impatient.set_read_timeout(100ms);
-    EXPECT_EQ(impatient.Get("/binance/api/v3/ticker/24hr?symbol=BTCUSDT").error(), httplib::Error::Read);
-    EXPECT_EQ(get("/gate/api/v4/spot/tickers?currency_pair=BTC_USDT").status, 200);
-    get("/control/fault?service=binance&kind=slow&ms=50");
-    const auto asked = std::chrono::steady_clock::now();
-    EXPECT_TRUE(binance().contains("lastPrice"));
-    EXPECT_GE(std::chrono::steady_clock::now() - asked, 50ms);
-}
-
-TEST_F(MarketServerTest, TellsThatItsPortIsTaken) {
-    const auto port = wholeNumber(server->address().substr(server->address().rfind(':') + 1));
-    EXPECT_FALSE(MarketServer::start({.port = static_cast<int>(port.value())}));
 }
 
 }  // namespace

@@ -60,7 +60,7 @@ command, *words = sys.argv[1:]
 if command == "write":
     write(*words)
 elif command == "count":
-    print(len(service().SearchItems(dbus.Dictionary({"service": words[0]}, signature="ss"))[0]))
+    print("." * len(service().SearchItems(dbus.Dictionary({"service": words[0]}, signature="ss"))[0]), end="")
 elif command == "lock":
     service().Lock([LOGIN])
 elif command == "unlock":
