@@ -68,20 +68,18 @@ void sendHuge(httplib::Response& response) {
 }  // namespace
 
 struct MarketServer::Parts {
-    explicit Parts(const Options& from) : options(from), market(from.seed) {}
+    explicit Parts(std::chrono::milliseconds minute) : step(minute) {}
 
     void handle(const httplib::Request& request, httplib::Response& response);
     void handleControl(const httplib::Request& request, httplib::Response& response);
     void answer(const std::string& kind, const Answer& good, httplib::Response& response);
     void log(const httplib::Request& request);
-    Step nextStep();
 
-    const Options options;
-    const Market market;
+    const std::chrono::milliseconds step;
+    const Market market{1};
     std::string address;
     std::optional<MarketAnswers> answers;
     const std::chrono::steady_clock::time_point start = std::chrono::steady_clock::now();
-    std::atomic<Step> requests{0};
 
     std::mutex mutex;
     std::condition_variable stopped;
@@ -93,13 +91,6 @@ struct MarketServer::Parts {
     std::atomic<bool> hasEnded{false};
     std::jthread thread;  // last member: uses all others
 };
-
-Step MarketServer::Parts::nextStep() {
-    if (!options.step) {
-        return requests++;
-    }
-    return static_cast<Step>((std::chrono::steady_clock::now() - start) / *options.step);
-}
 
 void MarketServer::Parts::log(const httplib::Request& request) {
     std::string line = request.method == "HEAD" ? "HEAD " + request.target : request.target;
@@ -132,7 +123,8 @@ void MarketServer::Parts::handle(const httplib::Request& request, httplib::Respo
         const std::scoped_lock lock(mutex);
         return fault;
     }();
-    answer(kind, answers->answer(question, nextStep(), std::chrono::system_clock::now()), response);
+    const auto now = static_cast<Step>((std::chrono::steady_clock::now() - start) / step);
+    answer(kind, answers->answer(question, now, std::chrono::system_clock::now()), response);
 }
 
 void MarketServer::Parts::answer(const std::string& kind, const Answer& good, httplib::Response& response) {
@@ -171,8 +163,8 @@ void MarketServer::Parts::handleControl(const httplib::Request& request, httplib
     response.set_content("{}", kJson);
 }
 
-std::expected<std::unique_ptr<MarketServer>, std::string> MarketServer::start(const Options& options) {
-    auto parts = std::make_unique<Parts>(options);
+std::expected<std::unique_ptr<MarketServer>, std::string> MarketServer::start(std::chrono::milliseconds step) {
+    auto parts = std::make_unique<Parts>(step);
     httplib::Server& server = parts->server;
     server.new_task_queue = [] { return new httplib::ThreadPool(kConnections); };
     server.set_tcp_nodelay(true);

@@ -1,10 +1,8 @@
 #pragma once
 
 #include <chrono>
-#include <cstdint>
 #include <expected>
 #include <memory>
-#include <optional>
 #include <string>
 
 namespace glintar::demo {
@@ -18,13 +16,10 @@ namespace glintar::demo {
 /// behind them a blank and the API key where one came.
 class MarketServer {
 public:
-    struct Options {
-        std::uint64_t seed = 1;
-        std::optional<std::chrono::milliseconds> step = std::chrono::seconds{1};  ///< none: with every request
-    };
-
-    /// Connections are taken from now on, by threads of its own; the error says why they cannot be.
-    [[nodiscard]] static std::expected<std::unique_ptr<MarketServer>, std::string> start(const Options& options);
+    /// Connections are taken from now on, by threads of its own; the error says why they cannot be. Prices move once
+    /// in every `step`.
+    [[nodiscard]] static std::expected<std::unique_ptr<MarketServer>, std::string> start(
+        std::chrono::milliseconds step = std::chrono::seconds{1});
 
     /// Waits for the answers under way, but not for those that hang. A connection that a client keeps open
     /// can hold it up for some seconds.

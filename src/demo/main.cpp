@@ -74,7 +74,7 @@ int main(int argc, char** argv) {
     const int signals = catchEndSignals();
     prctl(PR_SET_PDEATHSIG, SIGTERM);
     std::signal(SIGPIPE, SIG_IGN);  // a parent that has gone already must not keep the folder from being removed
-    const auto server = demo::MarketServer::start({});
+    const auto server = demo::MarketServer::start();
     const auto written = server ? writeDocument(argv[1], (*server)->address()) : std::unexpected(server.error());
     if (!written) {
         platform::complain(fmt::format("glintar-demo-market: {}\n", written.error()));

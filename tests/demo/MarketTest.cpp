@@ -53,14 +53,6 @@ TEST(MarketTest, TellsOneStoryInAllItsFigures) {
     }
     EXPECT_EQ(now.high, high);
     EXPECT_EQ(now.low, low);
-
-    ASSERT_EQ(now.week.size(), 168);
-    EXPECT_EQ(now.week.back(), now.price);
-    EXPECT_EQ(now.week[166], market.byId("solana", kNow - 20).price) << "the last full hour, step 1980";
-    EXPECT_EQ(now.week[165], market.byId("solana", kNow - 80).price);
-
-    const auto later = market.byId("solana", kNow + 60).week;
-    EXPECT_TRUE(std::equal(now.week.begin() + 1, now.week.end() - 1, later.begin())) << "the past does not change";
 }
 
 TEST(DemoDirectoryTest, RemovesOnlyADirectoryMadeForADemonstration) {
@@ -77,30 +69,8 @@ TEST(DemoDirectoryTest, RemovesOnlyADirectoryMadeForADemonstration) {
     EXPECT_FALSE(isDemoDirectory(root / "glintar-demo-missing"));
 }
 
-using namespace std::chrono_literals;
-
-class MarketServerTest : public testing::Test {
-protected:
-    void SetUp() override {
-        auto started = MarketServer::start({.step = std::nullopt});
-        ASSERT_TRUE(started) << started.error();
-        server = std::move(*started);
-    }
-
-    /// Without an answer its status is -1.
-    httplib::Response get(const std::string& path) {
-        httplib::Client client(server->address());
-        client.set_read_timeout(5s);
-        const auto result = client.Get(path);
-        return result ? *result : httplib::Response();
-    }
-    std::string binance() { return get("/binance/api/v3/ticker/24hr?symbol=BTCUSDT").body; }
-
-    std::unique_ptr<MarketServer> server;
-};
-
-TEST_F(MarketServerTest, TellsNearlyOnePriceInEveryShapeThatItsDocumentDescribes) {
-    const auto still = MarketServer::start({.step = 1h}).value();
+TEST(MarketServerTest, TellsNearlyOnePriceInEveryShapeThatItsDocumentDescribes) {
+    const auto still = MarketServer::start(std::chrono::hours{1}).value();
     const std::string shipped = test::readFile(GLINTAR_RESOURCES "/api_endpoints.json");
     const auto document = config::decodeAppConfig(marketDocument(shipped, still->address()).value());
     ASSERT_TRUE(document) << document.error();
@@ -143,27 +113,6 @@ TEST_F(MarketServerTest, TellsNearlyOnePriceInEveryShapeThatItsDocumentDescribes
         const auto value = market::valueAtPath(fee.pricePath, body->root());
         EXPECT_GT(value.value().number().value_or(0), 0) << fee.id;
     }
-}
-
-TEST_F(MarketServerTest, MovesWithEveryRequestAsItsSeedSays) {
-    const auto price = [](const std::string& body) { return body.substr(body.find("lastPrice"), 30); };
-    const auto first = price(binance());
-    const auto second = price(binance());
-    EXPECT_NE(first, second);
-    SetUp();
-    EXPECT_EQ(price(binance()), first);
-    EXPECT_EQ(price(binance()), second);
-    server = MarketServer::start({.seed = 2, .step = std::nullopt}).value();
-    EXPECT_NE(price(binance()), first);
-}
-
-TEST_F(MarketServerTest, LogsRequestsAndKeysButNotItsOwnControl) {
-    httplib::Client client(server->address());
-    client.Get("/coingecko/api/v3/coins/markets?vs_currency=usd&ids=a%7Cb", {{"x-cg-demo-api-key", "CG-1"}});
-    client.Head("/nowhere/at/all");
-    EXPECT_EQ(get("/nowhere").status, 404);
-    EXPECT_EQ(get("/control/log").body,
-              "/coingecko/api/v3/coins/markets?vs_currency=usd&ids=a%7Cb CG-1\nHEAD /nowhere/at/all\n/nowhere\n");
 }
 
 }  // namespace

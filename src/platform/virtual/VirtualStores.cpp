@@ -1,6 +1,6 @@
 #include "platform/virtual/VirtualStores.h"
 
-#include <fmt/format.h>
+#include <fmt/chrono.h>
 
 #include <algorithm>
 
@@ -103,15 +103,11 @@ void VirtualEntropy::fill(std::span<std::byte> bytes) {
 }
 
 std::string VirtualLocalTime::clockText(WallTime time) const {
-    const std::chrono::hh_mm_ss ofDay{
-        std::chrono::floor<std::chrono::seconds>(time - std::chrono::floor<std::chrono::days>(time))};
-    return fmt::format("{:02}:{:02}:{:02}", ofDay.hours().count(), ofDay.minutes().count(), ofDay.seconds().count());
+    return fmt::format("{:%T}", fmt::gmtime(std::chrono::system_clock::to_time_t(time)));
 }
 
 std::string VirtualLocalTime::timestamp(WallTime time) const {
-    const std::chrono::year_month_day day{std::chrono::floor<std::chrono::days>(time)};
-    return fmt::format("{:04}-{:02}-{:02}T{}+00:00", static_cast<int>(day.year()), static_cast<unsigned>(day.month()),
-                       static_cast<unsigned>(day.day()), clockText(time));
+    return fmt::format("{:%FT%T}+00:00", fmt::gmtime(std::chrono::system_clock::to_time_t(time)));
 }
 
 }  // namespace glintar::platform
