@@ -2,7 +2,7 @@
 
 #include "platform/Geometry.h"
 #include "platform/xcb/XcbConnection.h"
-#include "support/Child.h"
+#include "support/Program.h"
 #include "support/TemporaryFolder.h"
 
 #include <signal.h>

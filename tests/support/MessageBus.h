@@ -1,6 +1,6 @@
 #pragma once
 
-#include "support/Child.h"
+#include "support/Program.h"
 #include "support/TemporaryFolder.h"
 
 #include <string>

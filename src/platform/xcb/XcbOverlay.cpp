@@ -92,12 +92,12 @@ void XcbOverlay::describe(std::string_view title) {
 }
 
 void XcbOverlay::setShape(std::span<const xcb_rectangle_t> parts) {
-    xcb_shape_rectangles(connection_.get(), XCB_SHAPE_SO_SET, XCB_SHAPE_SK_BOUNDING, XCB_CLIP_ORDERING_YX_SORTED,
-                         window_, 0, 0, static_cast<std::uint32_t>(parts.size()), parts.data());
-}
-
-void XcbOverlay::removeShape() {
-    xcb_shape_mask(connection_.get(), XCB_SHAPE_SO_SET, XCB_SHAPE_SK_BOUNDING, window_, 0, 0, XCB_NONE);
+    if (parts.empty()) {
+        xcb_shape_mask(connection_.get(), XCB_SHAPE_SO_SET, XCB_SHAPE_SK_BOUNDING, window_, 0, 0, XCB_NONE);
+    } else {
+        xcb_shape_rectangles(connection_.get(), XCB_SHAPE_SO_SET, XCB_SHAPE_SK_BOUNDING, XCB_CLIP_ORDERING_YX_SORTED,
+                             window_, 0, 0, static_cast<std::uint32_t>(parts.size()), parts.data());
+    }
 }
 
 /// As the window's background, which the X server paints wherever the window comes to light.

@@ -40,10 +40,9 @@ public:
     /// Makes the window as large as the picture, in the same step as it moves. Nothing is done for no pixels.
     void setPicture(const Pixels& pixels, PixelPoint topLeft);
 
-    /// What lies outside these parts of the picture, from the top and from the left, is no part of the window. Seen
-    /// with the next picture.
+    /// What lies outside these parts of the picture, from the top and from the left, is no part of the window; nothing
+    /// does where there are none. Seen with the next picture.
     void setShape(std::span<const xcb_rectangle_t> parts);
-    void removeShape();
 
     void move(PixelPoint topLeft);
 

@@ -82,7 +82,8 @@ std::expected<QImage, std::string> readByQt(std::string_view bytes, std::string_
     QBuffer buffer(&data);
     buffer.open(QIODevice::ReadOnly);
     QImageReader reader(&buffer, QByteArray(format.data(), static_cast<qsizetype>(format.size())));
-    QImageReader::setAllocationLimit(kMegabytes);  // what a file says of its size before its pixels come can be wrong
+    // What a file says of its size before its pixels come can be wrong.
+    [[maybe_unused]] static const int once = (QImageReader::setAllocationLimit(kMegabytes), 0);
     // Otherwise Qt tries every reader it has, SVG among them.
     reader.setAutoDetectImageFormat(false);
     if (format == "ico") {

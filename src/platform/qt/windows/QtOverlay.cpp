@@ -134,7 +134,7 @@ void QtOverlay::cutOut(const QRegion& opaque) {
         parts.push_back({static_cast<std::int16_t>(part.x()), static_cast<std::int16_t>(part.y()),
                          static_cast<std::uint16_t>(part.width()), static_cast<std::uint16_t>(part.height())});
     }
-    parts.empty() ? overlay_.removeShape() : overlay_.setShape(parts);
+    overlay_.setShape(parts);
 }
 
 /// Without a compositor there is no opacity but this.
