@@ -23,7 +23,9 @@ public:
     /// What another program does (ring.py); what it printed.
     std::string elsewhere(std::vector<std::string> words) const;
 
-    [[nodiscard]] std::size_t itemCount(const std::string& service) const { return elsewhere({"count", service}).size(); }
+    [[nodiscard]] std::size_t itemCount(const std::string& service) const {
+        return elsewhere({"count", service}).size();
+    }
 
     /// Owns a name and answers no call, or refuses each.
     [[nodiscard]] test::Child standIn(const std::string& manner, const std::string& name);
