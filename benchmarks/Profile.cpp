@@ -1,7 +1,5 @@
 #include "benchmarks/Profile.h"
 
-#include "support/TestAuthority.h"
-
 #include <QBuffer>
 #include <QImage>
 #include <QPainter>

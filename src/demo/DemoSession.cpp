@@ -202,7 +202,7 @@ Outcome DemoSession::Parts::launch(const std::filesystem::path& program, const s
         return std::unexpected(std::strerror(errno));
     }
     const std::string document = folder / kDownloaded;
-    std::vector<std::string> words = {program, "--with-parent", "--write-config", document, "--remove-at-end", folder};
+    std::vector<std::string> words = {program, document, folder};
     std::vector<char*> arguments;
     arguments.reserve(words.size() + 1);
     for (std::string& word : words) {

@@ -6,12 +6,20 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <system_error>
 
 namespace glintar::demo {
 
 /// How the market says that it can be asked, before its address; and how the folders begin that it may remove.
 inline constexpr std::string_view kMarketReady = "listening on ";
 inline constexpr std::string_view kDemoDirectoryPrefix = "glintar-demo-";
+
+/// Only a directory that was made for a demonstration may be removed whole.
+[[nodiscard]] inline bool isDemoDirectory(const std::filesystem::path& path) {
+    std::error_code error;
+    return path.is_absolute() && path.filename().string().starts_with(kDemoDirectoryPrefix) &&
+           std::filesystem::symlink_status(path, error).type() == std::filesystem::file_type::directory;
+}
 
 /// A simulated market and a throw-away profile that asks it, so that the program can be seen without a network and
 /// without touching the user's own settings.

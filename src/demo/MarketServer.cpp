@@ -4,6 +4,7 @@
 #include "demo/Market.h"
 #include "demo/MarketAnswers.h"
 #include "json/JsonWriter.h"
+#include "text/Number.h"
 
 #include <fmt/format.h>
 #include <httplib.h>
@@ -12,7 +13,6 @@
 #include <atomic>
 #include <condition_variable>
 #include <deque>
-#include <functional>
 #include <mutex>
 #include <thread>
 #include <utility>
@@ -24,35 +24,8 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr auto kJson = "application/json; charset=utf-8";
+constexpr std::size_t kConnections = 64;  // each keeps its thread, so that one which hangs holds up no other
 constexpr std::size_t kLogLines = 10'000;
-
-/// A thread for each connection, so that one which hangs holds up no other.
-class ConnectionThreads final : public httplib::TaskQueue {
-public:
-    /// Newer versions of the library want to know whether the task was taken.
-    using Enqueued = decltype(std::declval<httplib::TaskQueue&>().enqueue({}));
-
-    Enqueued enqueue(std::function<void()> task) override {
-        const std::scoped_lock lock(mutex_);
-        ++running_;
-        std::thread([this, task = std::move(task)] {
-            task();
-            const std::scoped_lock ending(mutex_);
-            --running_;
-            ended_.notify_all();
-        }).detach();
-        return Enqueued(true);
-    }
-    void shutdown() override {
-        std::unique_lock lock(mutex_);
-        ended_.wait(lock, [this] { return running_ == 0; });
-    }
-
-private:
-    std::mutex mutex_;
-    std::condition_variable ended_;
-    int running_ = 0;
-};
 
 std::string message(std::string_view text) {
     json::Writer writer;
@@ -95,44 +68,29 @@ void sendHuge(httplib::Response& response) {
 }  // namespace
 
 struct MarketServer::Parts {
-    explicit Parts(const Options& from) : options(from), market(from.seed) {}
+    explicit Parts(std::chrono::milliseconds minute) : step(minute) {}
 
     void handle(const httplib::Request& request, httplib::Response& response);
     void handleControl(const httplib::Request& request, httplib::Response& response);
-    void answer(const Fault& fault, const Answer& good, httplib::Response& response);
+    void answer(const std::string& kind, const Answer& good, httplib::Response& response);
     void log(const httplib::Request& request);
-    Step nextStep();
 
-    /// Until the time has passed or the server is being stopped.
-    void wait(std::chrono::milliseconds time) {
-        std::unique_lock lock(mutex);
-        stopped.wait_for(lock, time, [this] { return isStopping; });
-    }
-
-    const Options options;
-    const Market market;
+    const std::chrono::milliseconds step;
+    const Market market{1};
     std::string address;
     std::optional<MarketAnswers> answers;
-    MarketFaults faults;
     const std::chrono::steady_clock::time_point start = std::chrono::steady_clock::now();
-    std::atomic<Step> requests{0};
 
     std::mutex mutex;
     std::condition_variable stopped;
     bool isStopping = false;
     std::deque<std::string> lines;
+    std::string fault;
 
     httplib::Server server;
     std::atomic<bool> hasEnded{false};
     std::jthread thread;  // last member: uses all others
 };
-
-Step MarketServer::Parts::nextStep() {
-    if (!options.step) {
-        return requests++;
-    }
-    return static_cast<Step>((std::chrono::steady_clock::now() - start) / *options.step);
-}
 
 void MarketServer::Parts::log(const httplib::Request& request) {
     std::string line = request.method == "HEAD" ? "HEAD " + request.target : request.target;
@@ -161,84 +119,65 @@ void MarketServer::Parts::handle(const httplib::Request& request, httplib::Respo
                       .path = std::string(path.substr(slash)),
                       .parameters = {}};
     question.parameters.insert(request.params.begin(), request.params.end());
-    const Fault fault = faults.take(question.service);
-    answer(fault, answers->answer(question, nextStep(), std::chrono::system_clock::now()), response);
+    const auto kind = [this] {
+        const std::scoped_lock lock(mutex);
+        return fault;
+    }();
+    const auto now = static_cast<Step>((std::chrono::steady_clock::now() - start) / step);
+    answer(kind, answers->answer(question, now, std::chrono::system_clock::now()), response);
 }
 
-void MarketServer::Parts::answer(const Fault& fault, const Answer& good, httplib::Response& response) {
+void MarketServer::Parts::answer(const std::string& kind, const Answer& good, httplib::Response& response) {
     response.status = good.status;
-    switch (fault.kind) {
-        case Fault::Kind::Slow:
-            wait(fault.delay);
-            [[fallthrough]];
-        case Fault::Kind::Off:
-            return response.set_content(good.body, kJson);
-        case Fault::Kind::Status:
-            response.status = fault.status;
-            return response.set_content(message(fmt::format("Refused with status {}", fault.status)), kJson);
-        case Fault::Kind::Hang:
-            return wait(24h);
-        case Fault::Kind::Truncated:
-            return sendHalf(response, good.body);
-        case Fault::Kind::Html:
-            return response.set_content("<!DOCTYPE html>\n<title>Checking your browser</title><p>One moment, please.\n",
-                                        "text/html; charset=utf-8");
-        case Fault::Kind::Wrong:
-            return response.set_content(R"({"ok":true,"result":[{"quote":{"value":"1"}}]})", kJson);
-        case Fault::Kind::Huge:
-            return sendHuge(response);
-        case Fault::Kind::Deep:
-            return response.set_content(std::string(100'000, '['), kJson);
-        case Fault::Kind::BadUtf8:
-            return response.set_content(withBadUtf8(good.body), kJson);
+    if (kind == "hang") {
+        std::unique_lock lock(mutex);
+        stopped.wait(lock, [this] { return isStopping; });
+    } else if (kind == "truncated") {
+        sendHalf(response, good.body);
+    } else if (kind == "html") {
+        response.set_content("<!DOCTYPE html>\n<title>Checking your browser</title><p>One moment, please.\n",
+                             "text/html; charset=utf-8");
+    } else if (kind == "wrong") {
+        response.set_content(R"({"ok":true,"result":[{"quote":{"value":"1"}}]})", kJson);
+    } else if (kind == "huge") {
+        sendHuge(response);
+    } else if (kind == "deep") {
+        response.set_content(std::string(100'000, '['), kJson);
+    } else if (kind == "badutf8") {
+        response.set_content(withBadUtf8(good.body), kJson);
+    } else if (const auto status = text::parseDecimal(kind)) {
+        response.status = static_cast<int>(*status);
+        response.set_content(message(fmt::format("Refused with status {}", response.status)), kJson);
+    } else {
+        response.set_content(good.body, kJson);
     }
 }
 
 void MarketServer::Parts::handleControl(const httplib::Request& request, httplib::Response& response) {
     response.status = 200;
+    const std::scoped_lock lock(mutex);
     if (request.path == "/control/log") {
-        const std::scoped_lock lock(mutex);
         return response.set_content(lines.empty() ? "" : fmt::format("{}\n", fmt::join(lines, "\n")), "text/plain");
     }
-    if (request.path != "/control/fault") {
-        response.status = 404;
-        return response.set_content(message("Not found"), kJson);
-    }
-    auto fault = Fault::named(request.get_param_value("kind"));
-    const auto number = [&](const char* name) { return wholeNumber(request.get_param_value(name)); };
-    const auto count = number("count");
-    const auto delay = number("ms");
-    if (!fault || (request.has_param("count") && !count) || (request.has_param("ms") && !delay)) {
-        response.status = 400;
-        return response.set_content(message("Which fault?"), kJson);
-    }
-    fault->delay = delay ? std::chrono::milliseconds{*delay} : fault->delay;
-    faults.set(request.get_param_value("service"), *fault, count);
+    fault = request.get_param_value("kind");
     response.set_content("{}", kJson);
 }
 
-std::expected<std::unique_ptr<MarketServer>, std::string> MarketServer::start(const Options& options) {
-    auto parts = std::make_unique<Parts>(options);
+std::expected<std::unique_ptr<MarketServer>, std::string> MarketServer::start(std::chrono::milliseconds step) {
+    auto parts = std::make_unique<Parts>(step);
     httplib::Server& server = parts->server;
-    server.new_task_queue = [] { return new ConnectionThreads; };
+    server.new_task_queue = [] { return new httplib::ThreadPool(kConnections); };
     server.set_tcp_nodelay(true);
     server.set_keep_alive_max_count(100'000);
-    // The default would also let a second server in at the same port.
     int listening = -1;
-    server.set_socket_options([&listening](int socket) {
-        const int yes = 1;
-        setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
-        listening = socket;
-    });
+    server.set_socket_options([&listening](int socket) { listening = socket; });
     server.set_pre_routing_handler([&all = *parts](const httplib::Request& request, httplib::Response& response) {
         all.handle(request, response);
         return httplib::Server::HandlerResponse::Handled;
     });
-    int port = options.port;
-    const bool isBound =
-        port == 0 ? (port = server.bind_to_any_port("127.0.0.1")) > 0 : server.bind_to_port("127.0.0.1", port);
-    if (!isBound) {
-        return std::unexpected(fmt::format("cannot listen on port {} of 127.0.0.1", options.port));
+    const int port = server.bind_to_any_port("127.0.0.1");
+    if (port < 0) {
+        return std::unexpected("cannot listen on 127.0.0.1");
     }
     // The library's own queue of five is full at once when all services are asked together; whoever finds it full comes
     // again a second later.
@@ -270,10 +209,6 @@ MarketServer::~MarketServer() {
 
 const std::string& MarketServer::address() const {
     return parts_->address;
-}
-
-MarketFaults& MarketServer::faults() {
-    return parts_->faults;
 }
 
 }  // namespace glintar::demo

@@ -1,5 +1,5 @@
+#include "demo/DemoSession.h"
 #include "demo/MarketDocument.h"
-#include "demo/MarketOptions.h"
 #include "demo/MarketServer.h"
 #include "platform/posix/Descriptor.h"
 #include "platform/posix/InstalledBundle.h"
@@ -31,10 +31,10 @@ int catchEndSignals() {
     return signalfd(-1, &signals, SFD_CLOEXEC);
 }
 
-/// Returns when a signal came or, with `input`, when that has reached its end.
-void waitForEnd(int signals, int input) {
+/// Returns when a signal came or standard input has reached its end, which is that of whoever started us.
+void waitForEnd(int signals) {
     std::array<pollfd, 2> watched = {
-        {{.fd = signals, .events = POLLIN, .revents = 0}, {.fd = input, .events = POLLIN, .revents = 0}}};
+        {{.fd = signals, .events = POLLIN, .revents = 0}, {.fd = STDIN_FILENO, .events = POLLIN, .revents = 0}}};
     while (true) {
         if (poll(watched.data(), watched.size(), -1) < 0 && errno != EINTR) {
             return;
@@ -43,16 +43,9 @@ void waitForEnd(int signals, int input) {
             return;
         }
         std::array<char, 512> ignored{};
-        if (watched[1].revents != 0 && read(input, ignored.data(), ignored.size()) <= 0) {
+        if (watched[1].revents != 0 && read(STDIN_FILENO, ignored.data(), ignored.size()) <= 0) {
             return;
         }
-    }
-}
-
-void removeFolder(const demo::MarketOptions& options) {
-    if (demo::isDemoDirectory(options.removeAtEnd)) {
-        std::error_code ignored;
-        std::filesystem::remove_all(options.removeAtEnd, ignored);
     }
 }
 
@@ -68,52 +61,30 @@ std::expected<void, std::string> writeDocument(const std::filesystem::path& file
     return document ? files.replace(file, *document) : std::unexpected(document.error());
 }
 
-int run(const demo::MarketOptions& options, int signals) {
-    const auto server = demo::MarketServer::start(options.server);
-    if (!server) {
-        platform::complain(fmt::format("glintar-demo-market: {}\n", server.error()));
-        return 1;
-    }
-    for (const std::string& fault : options.faults) {
-        if (const auto set = (*server)->faults().setFrom(fault); !set) {
-            platform::complain(fmt::format("glintar-demo-market: {}\n", set.error()));
-            return 2;
-        }
-    }
-    if (!options.configFile.empty()) {
-        if (const auto written = writeDocument(options.configFile, (*server)->address()); !written) {
-            platform::complain(
-                fmt::format("glintar-demo-market: {}: {}\n", options.configFile.string(), written.error()));
-            return 1;
-        }
-    }
-    const auto ready = fmt::format("{}{}\n", demo::kMarketReady, (*server)->address());
-    if (platform::writeAll(STDOUT_FILENO, ready) != 0) {
-        return 1;
-    }
-    waitForEnd(signals, options.isWithParent ? STDIN_FILENO : -1);
-    removeFolder(options);
-    _exit(0);  // clients that keep their connections open would hold up an orderly end
-}
-
 }  // namespace
 
+/// Called by `DemoSession`, with where the source configuration is to be written and the folder that is to be removed
+/// at the end.
 int main(int argc, char** argv) {
     platform::reserveStandardStreams();
-    const auto options = demo::parseMarketOptions({argv, static_cast<std::size_t>(argc)});
-    if (!options || options->isHelp) {
-        if (options) {
-            return platform::writeAll(STDOUT_FILENO, demo::kMarketUsage) == 0 ? 0 : 1;
-        }
-        platform::complain(fmt::format("{}\n{}", options.error(), demo::kMarketUsage));
+    if (argc != 3) {
+        platform::complain("glintar-demo-market is started by glintar --demo\n");
         return 2;
     }
     const int signals = catchEndSignals();
-    if (options->isWithParent) {
-        prctl(PR_SET_PDEATHSIG, SIGTERM);
-    }
+    prctl(PR_SET_PDEATHSIG, SIGTERM);
     std::signal(SIGPIPE, SIG_IGN);  // a parent that has gone already must not keep the folder from being removed
-    const int status = run(*options, signals);
-    removeFolder(*options);
-    return status;
+    const auto server = demo::MarketServer::start();
+    const auto written = server ? writeDocument(argv[1], (*server)->address()) : std::unexpected(server.error());
+    if (!written) {
+        platform::complain(fmt::format("glintar-demo-market: {}\n", written.error()));
+    } else if (platform::writeAll(STDOUT_FILENO, fmt::format("{}{}\n", demo::kMarketReady, (*server)->address())) ==
+               0) {
+        waitForEnd(signals);
+    }
+    if (demo::isDemoDirectory(argv[2])) {
+        std::error_code ignored;
+        std::filesystem::remove_all(argv[2], ignored);
+    }
+    _exit(written ? 0 : 1);  // clients that keep their connections open would hold up an orderly end
 }

@@ -70,8 +70,8 @@ void LineRenderer::render(std::shared_ptr<const presenter::StatusLine> line, Com
 
 /// Takes the finished picture, or has it drawn. Part and picture belong to the render.
 template <class Part>
-void LineRenderer::renderPart(const std::shared_ptr<Render>& render, platform::DispatchGroup group, const Part& part,
-                              const std::string& key, platform::ImagePtr& picture) {
+void LineRenderer::renderPart(const std::shared_ptr<Render>& render, const platform::DispatchGroup& group,
+                              const Part& part, const std::string& key, platform::ImagePtr& picture) {
     picture = painter_->finishedPill(key);
     if (picture) {
         return;

@@ -51,7 +51,7 @@ private:
     struct Render;
 
     template <class Part>
-    void renderPart(const std::shared_ptr<Render>& render, platform::DispatchGroup group, const Part& part,
+    void renderPart(const std::shared_ptr<Render>& render, const platform::DispatchGroup& group, const Part& part,
                     const std::string& key, platform::ImagePtr& picture);
     void finish(const std::shared_ptr<Render>& render);
 

@@ -28,7 +28,7 @@ struct Color {
 
 /// The desktop's font in one size.
 struct Font {
-    enum class Weight { Regular, Medium, Semibold, Bold, Black };
+    enum class Weight { Regular = 400, Medium = 500, Semibold = 600, Bold = 700, Black = 900 };  ///< as in OpenType
     enum class Digits { AsDesigned, EqualWidth, Monospaced };  ///< the last: all characters are equally wide
     double size = 12;                                          ///< points of an em
     Weight weight = Weight::Regular;

@@ -22,6 +22,7 @@ GasPart composeGas(const config::Settings& settings, const market::NetworkFee& f
 
 std::vector<market::Arrival> arrivals(const StatusLine& line) {
     std::vector<market::Arrival> all;
+    all.reserve(line.coins.size() + 1);
     for (const auto& part : line.coins) {
         all.push_back(part.quote.arrival);
     }

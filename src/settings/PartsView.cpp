@@ -179,7 +179,7 @@ SymbolView::SymbolView(const platform::Graphics& graphics, std::string name, dou
     setFixedSize(side, side);
 }
 
-SymbolView::SymbolView(const platform::Graphics& graphics, platform::ImagePtr image, QSize box, QWidget* parent)
+SymbolView::SymbolView(const platform::Graphics& graphics, const platform::ImagePtr& image, QSize box, QWidget* parent)
     : QWidget(parent), graphics_(graphics) {
     image_ = graphics.fitted(image, {static_cast<double>(box.width()), static_cast<double>(box.height())});
     setFixedSize(qCeil(image_->size().width), qCeil(image_->size().height));

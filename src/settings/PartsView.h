@@ -78,7 +78,8 @@ public:
     SymbolView(const platform::Graphics& graphics, std::string name, double fontSize, Tone tone,
                QWidget* parent = nullptr);
     /// An image that fits into the box.
-    SymbolView(const platform::Graphics& graphics, platform::ImagePtr image, QSize box, QWidget* parent = nullptr);
+    SymbolView(const platform::Graphics& graphics, const platform::ImagePtr& image, QSize box,
+               QWidget* parent = nullptr);
 
 protected:
     void paintEvent(QPaintEvent* event) override;

@@ -241,6 +241,7 @@ void coinsSettingsView::showSuggestions() {
 
 void coinsSettingsView::showRows() {
     std::vector<std::string> wanted;
+    wanted.reserve(model_.coins.size());
     for (const auto& coin : model_.coins) {
         wanted.push_back(coin.id + coinsSettingsViewModel::rowText(coin) +
                          coinsSettingsViewModel::badgeText(coin).value_or(""));

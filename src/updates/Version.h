@@ -18,7 +18,7 @@ public:
     [[nodiscard]] bool isPreRelease() const { return !preRelease_.empty(); }
 
     [[nodiscard]] std::weak_ordering operator<=>(const Version& other) const;
-    [[nodiscard]] bool operator==(const Version& other) const { return *this <=> other == 0; }
+    [[nodiscard]] bool operator==(const Version& other) const { return (*this <=> other) == 0; }
 
 private:
     std::vector<std::string> numbers_, preRelease_;

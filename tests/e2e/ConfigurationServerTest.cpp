@@ -2,7 +2,6 @@
 
 #include "e2e/ProgramTest.h"
 #include "support/LoopbackServer.h"
-#include "support/TestAuthority.h"
 #include "support/TestFiles.h"
 
 #include <fmt/format.h>

@@ -50,19 +50,6 @@ TEST_P(DesktopsTest, PillsStandInTheCornerAndTheIconInTheTray) {
 
 INSTANTIATE_TEST_SUITE_P(Desktops, DesktopsTest, testing::Bool());
 
-TEST_F(DesktopTest, TheDesktopTurnsDarkAndThePillsWithIt) {
-    showScreen(Display::Manager::Openbox);
-    preferences(fiveCoins());
-    auto portal = startPortal();
-    ASSERT_TRUE(portal.waitForOutput("ready")) << portal.output();
-    auto program = start({});
-    ASSERT_TRUE(showsPills(kLightPill)) << program.errors();
-    portal.type("dark\n");
-    EXPECT_TRUE(showsPills(kDarkPill));
-    portal.type("light\n");
-    EXPECT_TRUE(showsPills(kLightPill));
-}
-
 class SecondStartTest : public DesktopTest, public testing::WithParamInterface<Display::Bus> {};
 
 TEST_P(SecondStartTest, ShowsDashboardOrMenuOfTheFirstWhoseQuitEndsIt) {

@@ -181,7 +181,7 @@ TEST_F(LineTest, OnlyTheDemonstrationLeavesTheUsersKeyRingAlone) {
 TEST_F(LineTest, TheKeyOfTheUsersKeyRingGoesToItsService) {
     platform::PrivateBus bus;
     bus.startKeyRing(platform::PrivateBus::Ring::Open);
-    bus.writeElsewhere("apiKey_coingecko", "GlintarUser", "CG-e2e");
+    bus.elsewhere({"write", "apiKey_coingecko", "GlintarUser", "CG-e2e"});
     auto program = start({"line", "--once"}, {{"DBUS_SESSION_BUS_ADDRESS", bus.address()}});
     EXPECT_EQ(program.wait(), 0) << program.errors();
     EXPECT_THAT(log(), HasSubstr(" CG-e2e"));

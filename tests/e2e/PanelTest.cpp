@@ -40,6 +40,8 @@ TEST_F(PanelTest, ItFollowsThePointerAndTheDesktopsColours) {
 
     portal.type("dark\n");
     EXPECT_TRUE(eventually([&] { return brightness(300 + 28, 200 + 28) < 60; }));
+    preferences(fiveCoins() + "displayMode=0\n");
+    EXPECT_TRUE(showsPills(kDarkPill));
 }
 
 TEST_F(PanelTest, TheModeChangesWhileItRuns) {

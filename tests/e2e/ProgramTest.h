@@ -1,7 +1,6 @@
 #pragma once
 
 #include "demo/DemoSession.h"
-#include "support/Child.h"
 #include "support/Program.h"
 
 #include <fmt/format.h>

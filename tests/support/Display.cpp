@@ -1,6 +1,7 @@
 #include "support/Display.h"
 
 #include "platform/xcb/SelectionWatch.h"
+#include "support/MessageBus.h"
 
 #include <fmt/format.h>
 #include <xcb/shape.h>
@@ -86,7 +87,6 @@ Display::Display(const std::string& screen, Bus bus) {
 }
 
 Display::~Display() {
-    wall_.reset();
     for (Child* const child : {&panel_, &tray_, &compositor_, &manager_, &bus_}) {
         child->stop();
     }
@@ -164,13 +164,7 @@ void Display::startTray() {
 
 void Display::startPanel() {
     panel_ = Child({"xfce4-panel", "--disable-wm-check"});
-    await(
-        [] {
-            return outputOf({"dbus-send", "--session", "--print-reply", "--dest=org.freedesktop.DBus", "/",
-                             "org.freedesktop.DBus.NameHasOwner", "string:org.kde.StatusNotifierWatcher"})
-                .contains("true");
-        },
-        "the panel does not start");
+    await([] { return isOnSessionBus("org.kde.StatusNotifierWatcher"); }, "the panel does not start");
 }
 
 /// In a window that is as large as the screen: there it has the screen's pointer, and shows what it composes.
@@ -209,22 +203,7 @@ void Display::unsplit() {
 }
 
 void Display::paintWall(Pixel color) {
-    auto connection = connect();
-    xcb_connection_t* const xcb = connection->get();
-    const auto root = connection->root();
-    const xcb_pixmap_t wall = xcb_generate_id(xcb);
-    xcb_create_pixmap(xcb, connection->screen().root_depth, wall, root, 1, 1);
-    const xcb_gcontext_t pen = xcb_generate_id(xcb);
-    const auto foreground = static_cast<std::uint32_t>(color[0] << 16 | color[1] << 8 | color[2]);
-    xcb_create_gc(xcb, pen, wall, XCB_GC_FOREGROUND, &foreground);
-    const xcb_rectangle_t all{0, 0, 1, 1};
-    xcb_poly_fill_rectangle(xcb, wall, pen, 1, &all);
-    xcb_change_property(xcb, XCB_PROP_MODE_REPLACE, root, connection->atom("_XROOTPMAP_ID"), XCB_ATOM_PIXMAP, 32, 1,
-                        &wall);
-    xcb_change_window_attributes(xcb, root, XCB_CW_BACK_PIXMAP, &wall);
-    xcb_clear_area(xcb, 0, root, 0, 0, 0, 0);
-    connection->flush();
-    wall_ = std::move(connection);
+    outputOf({"hsetroot", "-solid", fmt::format("#{:02x}{:02x}{:02x}", color[0], color[1], color[2])});
 }
 
 std::optional<SeenWindow> Display::window(const std::string& title) {

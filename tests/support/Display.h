@@ -2,7 +2,7 @@
 
 #include "platform/Geometry.h"
 #include "platform/xcb/XcbConnection.h"
-#include "support/Child.h"
+#include "support/Program.h"
 #include "support/TemporaryFolder.h"
 
 #include <signal.h>
@@ -60,7 +60,7 @@ public:
     void unsplit();
 
     /// Behind all windows, also for compositors, which take the wallpaper by a name of its own.
-    void paintWall(Pixel color);
+    static void paintWall(Pixel color);
 
     /// What other programs see of the window with that title on $DISPLAY; none while it is not shown.
     [[nodiscard]] static std::optional<SeenWindow> window(const std::string& title);
@@ -86,7 +86,6 @@ private:
     std::string name_;
     int width_ = 0;
     int height_ = 0;
-    std::unique_ptr<platform::XcbConnection> wall_;
     Child bus_, server_, wayland_, manager_, compositor_, tray_, panel_;
 };
 

@@ -4,6 +4,12 @@
 
 namespace glintar::test {
 
+bool isOnSessionBus(const std::string& name) {
+    return outputOf({"dbus-send", "--session", "--print-reply", "--dest=org.freedesktop.DBus", "/",
+                     "org.freedesktop.DBus.NameHasOwner", "string:" + name})
+        .contains("true");
+}
+
 MessageBus::MessageBus() {
     std::ofstream(folder() / "bus.conf") << "<busconfig><type>session</type><listen>" << address() << "</listen>"
                                          << R"(<policy context="default"><allow send_destination="*"/>

@@ -1,11 +1,14 @@
 #pragma once
 
-#include "support/Child.h"
+#include "support/Program.h"
 #include "support/TemporaryFolder.h"
 
 #include <string>
 
 namespace glintar::test {
+
+/// Whether somebody owns the name on the bus of the environment.
+[[nodiscard]] bool isOnSessionBus(const std::string& name);
 
 /// A message bus of one test's own, which starts no service by itself. Always at the same address.
 class MessageBus {

@@ -1,6 +1,6 @@
 #include "platform/posix/PosixMachine.h"
 
-#include <fmt/format.h>
+#include <fmt/chrono.h>
 #include <sys/random.h>
 
 #include <cstdlib>
@@ -30,15 +30,13 @@ std::tm localParts(WallTime time) {
 }  // namespace
 
 std::string ZoneLocalTime::clockText(WallTime time) const {
-    const std::tm parts = localParts(time);
-    return fmt::format("{:02}:{:02}:{:02}", parts.tm_hour, parts.tm_min, parts.tm_sec);
+    return fmt::format("{:%T}", localParts(time));
 }
 
 std::string ZoneLocalTime::timestamp(WallTime time) const {
     const std::tm parts = localParts(time);
     const long minutes = std::abs(parts.tm_gmtoff) / 60;
-    return fmt::format("{:04}-{:02}-{:02}T{}{}{:02}:{:02}", parts.tm_year + 1900, parts.tm_mon + 1, parts.tm_mday,
-                       clockText(time), parts.tm_gmtoff < 0 ? '-' : '+', minutes / 60, minutes % 60);
+    return fmt::format("{:%FT%T}{}{:02}:{:02}", parts, parts.tm_gmtoff < 0 ? '-' : '+', minutes / 60, minutes % 60);
 }
 
 }  // namespace glintar::platform

@@ -94,14 +94,6 @@ bool QtPreferences::boolean(std::string_view key) const {
     return stored.toBool() && word != u"no" && word != u"off";  // people write these into the file, and mean them
 }
 
-std::int64_t QtPreferences::integer(std::string_view key) const {
-    return value(key).toLongLong();
-}
-
-double QtPreferences::real(std::string_view key) const {
-    return value(key).toDouble();
-}
-
 std::optional<std::string> QtPreferences::string(std::string_view key) const {
     const auto found = value(key);
     return found.canConvert<QString>() ? std::optional(found.toString().toStdString()) : std::nullopt;
@@ -112,28 +104,12 @@ std::optional<std::string> QtPreferences::data(std::string_view key) const {
     return found.canConvert<QByteArray>() ? std::optional(found.toByteArray().toStdString()) : std::nullopt;
 }
 
-bool QtPreferences::setBoolean(std::string_view key, bool value) {
-    return set(key, value);
-}
-
-bool QtPreferences::setInteger(std::string_view key, std::int64_t value) {
-    return set(key, static_cast<qlonglong>(value));
-}
-
-bool QtPreferences::setReal(std::string_view key, double value) {
-    return set(key, value);
-}
-
 bool QtPreferences::setString(std::string_view key, std::string_view value) {
     return set(key, keyOf(value));
 }
 
 bool QtPreferences::setData(std::string_view key, std::string_view bytes) {
     return set(key, QByteArray(bytes.data(), static_cast<qsizetype>(bytes.size())));
-}
-
-bool QtPreferences::remove(std::string_view key) {
-    return set(key, QVariant());
 }
 
 bool QtPreferences::set(std::string_view key, const QVariant& value) {

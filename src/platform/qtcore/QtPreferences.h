@@ -25,17 +25,17 @@ public:
     ~QtPreferences() override;
 
     bool boolean(std::string_view key) const override;
-    std::int64_t integer(std::string_view key) const override;
-    double real(std::string_view key) const override;
+    std::int64_t integer(std::string_view key) const override { return value(key).toLongLong(); }
+    double real(std::string_view key) const override { return value(key).toDouble(); }
     std::optional<std::string> string(std::string_view key) const override;
     std::optional<std::string> data(std::string_view key) const override;
 
-    bool setBoolean(std::string_view key, bool value) override;
-    bool setInteger(std::string_view key, std::int64_t value) override;
-    bool setReal(std::string_view key, double value) override;
+    bool setBoolean(std::string_view key, bool value) override { return set(key, value); }
+    bool setInteger(std::string_view key, std::int64_t value) override { return set(key, qlonglong{value}); }
+    bool setReal(std::string_view key, double value) override { return set(key, value); }
     bool setString(std::string_view key, std::string_view value) override;
     bool setData(std::string_view key, std::string_view bytes) override;
-    bool remove(std::string_view key) override;
+    bool remove(std::string_view key) override { return set(key, QVariant()); }
 
     /// From now on `onExternalChange` runs when the file changes.
     void watch();

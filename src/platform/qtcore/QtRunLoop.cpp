@@ -60,18 +60,10 @@ TimerHandle QtRunLoop::every(Duration interval, std::function<void()> tick) {
     return std::make_unique<QtTimer>(interval, false, std::move(tick));
 }
 
-Instant QtRunLoop::now() const {
-    return std::chrono::steady_clock::now();
-}
-
 BootInstant QtRunLoop::bootNow() const {
     timespec time{};
     ::clock_gettime(CLOCK_BOOTTIME, &time);
     return BootInstant(std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec));
-}
-
-WallTime QtRunLoop::wallNow() const {
-    return std::chrono::system_clock::now();
 }
 
 /// What waits now; what it posts has to wait for timers and events.

@@ -21,9 +21,9 @@ public:
     void postAfter(Duration delay, Task task) override;
     TimerHandle after(Duration delay, Task task) override;
     TimerHandle every(Duration interval, std::function<void()> tick) override;
-    Instant now() const override;
+    Instant now() const override { return std::chrono::steady_clock::now(); }
     BootInstant bootNow() const override;
-    WallTime wallNow() const override;
+    WallTime wallNow() const override { return std::chrono::system_clock::now(); }
 
 private:
     void runPosted();

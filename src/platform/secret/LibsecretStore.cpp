@@ -30,14 +30,6 @@ LibsecretStore::~LibsecretStore() {
     thread_.join();
 }
 
-SecretLookup LibsecretStore::find(std::string_view service, std::string_view account) {
-    return look(service, account, Wait::Briefly);
-}
-
-SecretLookup LibsecretStore::peek(std::string_view service, std::string_view account) {
-    return look(service, account, Wait::No);
-}
-
 bool LibsecretStore::isWriting() const {
     const std::lock_guard lock(mutex_);
     return cache_.isWriting();

@@ -31,8 +31,12 @@ public:
     LibsecretStore(RunLoop& runLoop, std::string address);
     ~LibsecretStore() override;  // takes less than 100 ms, of which a write under way gets the first 50
 
-    [[nodiscard]] SecretLookup find(std::string_view service, std::string_view account) override;
-    [[nodiscard]] SecretLookup peek(std::string_view service, std::string_view account) override;
+    [[nodiscard]] SecretLookup find(std::string_view service, std::string_view account) override {
+        return look(service, account, Wait::Briefly);
+    }
+    [[nodiscard]] SecretLookup peek(std::string_view service, std::string_view account) override {
+        return look(service, account, Wait::No);
+    }
     SecretStatus add(std::string_view service, std::string_view account, std::string_view bytes) override;
     SecretStatus remove(std::string_view service, std::string_view account) override;
     [[nodiscard]] bool isWriting() const override;

@@ -2,13 +2,11 @@
 
 #include "platform/posix/Descriptor.h"
 
-#include <fmt/format.h>
 #include <poll.h>
 #include <sys/socket.h>
 #include <sys/un.h>
 
 #include <cerrno>
-#include <charconv>
 #include <cstddef>
 #include <cstdlib>
 #include <filesystem>
@@ -23,31 +21,6 @@ constexpr int kPatience = 500;  // milliseconds
 std::string_view variable(const char* name) {
     const char* value = std::getenv(name);
     return value == nullptr ? std::string_view() : std::string_view(value);
-}
-
-/// In the form of D-Bus server addresses: all but these bytes as "%" and two hexadecimal digits.
-std::string escapedValue(std::string_view value) {
-    constexpr std::string_view kPlain = "0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz-_/.\\*";
-    std::string escaped;
-    for (const char byte : value) {
-        escaped +=
-            kPlain.contains(byte) ? std::string(1, byte) : fmt::format("%{:02x}", static_cast<unsigned char>(byte));
-    }
-    return escaped;
-}
-
-std::string unescapedValue(std::string_view value) {
-    std::string plain;
-    while (!value.empty()) {
-        unsigned char byte = static_cast<unsigned char>(value.front());
-        const bool isEscaped = byte == '%' && value.size() > 2;
-        if (isEscaped) {
-            std::from_chars(value.data() + 1, value.data() + 3, byte, 16);
-        }
-        plain += static_cast<char>(byte);
-        value.remove_prefix(isEscaped ? 3 : 1);
-    }
-    return plain;
 }
 
 }  // namespace
@@ -69,7 +42,7 @@ std::optional<std::string> sessionBusAddress() {
     if (runtime.empty() || !std::filesystem::exists(runtime / "bus", error)) {
         return std::nullopt;
     }
-    return "unix:path=" + escapedValue((runtime / "bus").string());
+    return "unix:path=" + (runtime / "bus").string();
 }
 
 bool answersSoon(std::string_view address) {
@@ -79,7 +52,7 @@ bool answersSoon(std::string_view address) {
     for (const auto& [key, offset] : {std::pair{std::string_view("path="), 0}, {"abstract=", 1}}) {
         if (const auto at = entry.find(key); entry.starts_with("unix:") && at != std::string_view::npos) {
             const auto rest = entry.substr(at + key.size());
-            const auto name = unescapedValue(rest.substr(0, rest.find(',')));
+            const auto name = rest.substr(0, rest.find(','));
             name.copy(socketAddress.sun_path + offset, sizeof socketAddress.sun_path - 2);
             length = static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + static_cast<std::size_t>(offset) +
                                             name.size());

@@ -13,7 +13,7 @@ namespace glintar::platform {
 namespace {
 
 constexpr std::array<int, 4> kEnds{SIGINT, SIGTERM, SIGHUP, SIGQUIT};
-constexpr std::size_t kMaxLength = 64 * 1024;
+constexpr std::size_t kMaxLength = std::size_t{64} * 1024;
 
 /// While it lives, the terminal is silent and a signal that ends the program only interrupts reading: otherwise the
 /// user's shell would be left silent.

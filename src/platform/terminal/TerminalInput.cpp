@@ -10,7 +10,7 @@ namespace glintar::platform {
 
 namespace {
 
-constexpr std::size_t kLongestLine = 64 * 1024;
+constexpr std::size_t kLongestLine = std::size_t{64} * 1024;
 
 }  // namespace
 

@@ -32,7 +32,7 @@ TimerHandle VirtualRunLoop::after(Duration delay, Task task) {
 
 TimerHandle VirtualRunLoop::every(Duration interval, std::function<void()> tick) {
     const auto next = std::make_shared<Due>();
-    scheduleTick(next, now() + interval, interval, std::move(tick));
+    scheduleTick(next, now() + interval, interval, tick);
     return std::make_unique<Handle>(queue_, next);
 }
 
@@ -60,7 +60,7 @@ VirtualRunLoop::Due VirtualRunLoop::schedule(Instant time, Task task) {
 }
 
 void VirtualRunLoop::scheduleTick(const std::shared_ptr<Due>& next, Instant time, Duration interval,
-                                  std::function<void()> tick) {
+                                  const std::function<void()>& tick) {
     *next = schedule(time, [this, next, time, interval, tick] {
         scheduleTick(next, time + interval, interval, tick);
         tick();

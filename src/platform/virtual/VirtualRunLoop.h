@@ -43,7 +43,8 @@ private:
     /// With all that was posted so far.
     Queue& queue();
     Due schedule(Instant time, Task task);
-    void scheduleTick(const std::shared_ptr<Due>& next, Instant time, Duration interval, std::function<void()> tick);
+    void scheduleTick(const std::shared_ptr<Due>& next, Instant time, Duration interval,
+                      const std::function<void()>& tick);
 
     std::atomic<Instant> now_{Instant(std::chrono::hours{24})};
     Duration asleep_{};

@@ -1,6 +1,6 @@
 #include "platform/virtual/VirtualStores.h"
 
-#include <fmt/format.h>
+#include <fmt/chrono.h>
 
 #include <algorithm>
 
@@ -98,20 +98,16 @@ int VirtualConsole::count(std::string_view part) const {
 void VirtualEntropy::fill(std::span<std::byte> bytes) {
     ++next_;
     for (std::size_t i = 0; i < bytes.size(); ++i) {
-        bytes[i] = static_cast<std::byte>(next_ * 31 + i);
+        bytes[i] = static_cast<std::byte>(std::size_t{next_} * 31 + i);
     }
 }
 
 std::string VirtualLocalTime::clockText(WallTime time) const {
-    const std::chrono::hh_mm_ss ofDay{
-        std::chrono::floor<std::chrono::seconds>(time - std::chrono::floor<std::chrono::days>(time))};
-    return fmt::format("{:02}:{:02}:{:02}", ofDay.hours().count(), ofDay.minutes().count(), ofDay.seconds().count());
+    return fmt::format("{:%T}", fmt::gmtime(std::chrono::system_clock::to_time_t(time)));
 }
 
 std::string VirtualLocalTime::timestamp(WallTime time) const {
-    const std::chrono::year_month_day day{std::chrono::floor<std::chrono::days>(time)};
-    return fmt::format("{:04}-{:02}-{:02}T{}+00:00", static_cast<int>(day.year()), static_cast<unsigned>(day.month()),
-                       static_cast<unsigned>(day.day()), clockText(time));
+    return fmt::format("{:%FT%T}+00:00", fmt::gmtime(std::chrono::system_clock::to_time_t(time)));
 }
 
 }  // namespace glintar::platform

@@ -19,16 +19,13 @@ public:
     [[nodiscard]] Listening onChange(std::function<void()> listener) { return listeners_.add(std::move(listener)); }
 
 private:
-    void see(const xcb_generic_event_t& event);
     void look();
     [[nodiscard]] std::optional<PixelArea> ask() const;
 
     XcbConnection& connection_;
-    RunLoop& loop_;
-    xcb_atom_t property_;
     std::optional<PixelArea> area_;
     Listeners<> listeners_;
-    Listening events_;
+    Listening changed_;
     TimerHandle look_;
 };
 

@@ -43,6 +43,26 @@ void XcbConnection::selectRootEvents(std::uint32_t mask) {
     }
 }
 
+Listening XcbConnection::onRootProperty(std::string_view name, std::function<void()> listener) {
+    selectRootEvents(XCB_EVENT_MASK_PROPERTY_CHANGE);
+    return onEvent([this, property = atom(name), listener = std::move(listener)](const xcb_generic_event_t& event) {
+        const auto& change = reinterpret_cast<const xcb_property_notify_event_t&>(event);
+        if ((event.response_type & 0x7f) == XCB_PROPERTY_NOTIFY && change.window == root() && change.atom == property) {
+            listener();
+        }
+    });
+}
+
+std::vector<std::uint32_t> XcbConnection::property(xcb_window_t window, std::string_view name, std::uint32_t most) {
+    const auto asked = xcb_get_property(connection_, 0, window, atom(name), XCB_ATOM_ANY, 0, most);
+    const XcbOwned<xcb_get_property_reply_t> reply(xcb_get_property_reply(connection_, asked, nullptr));
+    if (!reply || reply->format != 32) {
+        return {};
+    }
+    const auto* const first = static_cast<const std::uint32_t*>(xcb_get_property_value(reply.get()));
+    return {first, first + reply->value_len};
+}
+
 bool XcbConnection::readEvents() {
     while (const XcbOwned<xcb_generic_event_t> event{xcb_poll_for_event(connection_)}) {
         listeners_.call(*event);

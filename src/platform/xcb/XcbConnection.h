@@ -2,6 +2,7 @@
 
 #include <xcb/xcb.h>
 
+#include <cstdint>
 #include <cstdlib>
 #include <functional>
 #include <memory>
@@ -80,6 +81,12 @@ public:
     [[nodiscard]] Listening onEvent(std::function<void(const xcb_generic_event_t&)> listener) {
         return listeners_.add(std::move(listener));
     }
+
+    /// Runs when the root window's property of that name has changed; like `onEvent`.
+    [[nodiscard]] Listening onRootProperty(std::string_view name, std::function<void()> listener);
+
+    /// The first `most` numbers of a window's property; none where it is not set. One round trip.
+    [[nodiscard]] std::vector<std::uint32_t> property(xcb_window_t window, std::string_view name, std::uint32_t most);
 
     /// Hands out what the server has sent; to be called when there is something to read. False once it has gone.
     bool readEvents();

@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <utility>
 
 namespace glintar::platform {
 
@@ -14,58 +13,6 @@ namespace {
 /// As far as the X server counts.
 std::int32_t coordinate(int value) {
     return std::clamp(value, -32768, 32767);
-}
-
-constexpr std::uint32_t kHalf = 128;
-
-constexpr std::uint32_t alphaOf(std::uint32_t pixel) {
-    return pixel >> 24;
-}
-
-std::uint32_t opaque(std::uint32_t pixel) {
-    const std::uint32_t alpha = alphaOf(pixel);
-    if (alpha == 0 || alpha == 255) {
-        return pixel | 0xff000000;
-    }
-    const auto component = [&](int shift) {
-        return std::min<std::uint32_t>(((pixel >> shift & 0xff) * 255 + alpha / 2) / alpha, 255) << shift;
-    };
-    return 0xff000000 | component(16) | component(8) | component(0);
-}
-
-/// The runs of pixels that are at least half opaque, rows one below the other that are alike joined.
-std::vector<xcb_rectangle_t> opaqueParts(const XcbOverlay::Pixels& pixels) {
-    std::vector<xcb_rectangle_t> parts;
-    std::size_t above = 0;  // where the parts of the row above begin
-    for (int y = 0; y < pixels.height; ++y) {
-        const auto row = pixels.argb.subspan(static_cast<std::size_t>(y) * pixels.width, pixels.width);
-        const std::size_t begin = parts.size();
-        for (auto at = row.begin(); at != row.end();) {
-            const auto from = std::find_if(at, row.end(), [](auto pixel) { return alphaOf(pixel) >= kHalf; });
-            at = std::find_if(from, row.end(), [](auto pixel) { return alphaOf(pixel) < kHalf; });
-            if (from != at) {
-                parts.push_back({static_cast<std::int16_t>(from - row.begin()), static_cast<std::int16_t>(y),
-                                 static_cast<std::uint16_t>(at - from), 1});
-            }
-        }
-        const auto isBelow = [](const xcb_rectangle_t& upper, const xcb_rectangle_t& lower) {
-            return upper.x == lower.x && upper.width == lower.width && upper.y + upper.height == lower.y;
-        };
-        if (std::equal(parts.begin() + above, parts.begin() + begin, parts.begin() + begin, parts.end(), isBelow)) {
-            std::for_each(parts.begin() + above, parts.begin() + begin, [](auto& part) { ++part.height; });
-            parts.resize(begin);
-        } else {
-            above = begin;
-        }
-    }
-    return parts;
-}
-
-/// The colours of the pixels without their transparency.
-std::vector<std::uint32_t> madeOpaque(std::span<const std::uint32_t> argb) {
-    std::vector<std::uint32_t> made(argb.size());
-    std::ranges::transform(argb, made.begin(), opaque);
-    return made;
 }
 
 }  // namespace
@@ -144,40 +91,20 @@ void XcbOverlay::describe(std::string_view title) {
     connection_.handOutQueued();
 }
 
-void XcbOverlay::setPicture(const Pixels& pixels, Edges edges, PixelPoint topLeft) {
-    if (pixels.width <= 0 || pixels.height <= 0) {
-        return;
-    }
-    shape(pixels, edges);
-    if (edges == Edges::Shaped) {
-        const auto opaque = madeOpaque(pixels.argb);
-        put({opaque, pixels.width, pixels.height}, topLeft);
+void XcbOverlay::setShape(std::span<const xcb_rectangle_t> parts) {
+    if (parts.empty()) {
+        xcb_shape_mask(connection_.get(), XCB_SHAPE_SO_SET, XCB_SHAPE_SK_BOUNDING, window_, 0, 0, XCB_NONE);
     } else {
-        put(pixels, topLeft);
-    }
-    connection_.flush();
-}
-
-void XcbOverlay::shape(const Pixels& pixels, Edges edges) {
-    if (edges == Edges::Translucent) {
-        if (std::exchange(isShaped_, false)) {
-            xcb_shape_mask(connection_.get(), XCB_SHAPE_SO_SET, XCB_SHAPE_SK_BOUNDING, window_, 0, 0, XCB_NONE);
-        }
-        return;
-    }
-    auto parts = opaqueParts(pixels);
-    const auto isSame = [](const auto& one, const auto& other) {
-        return one.x == other.x && one.y == other.y && one.width == other.width && one.height == other.height;
-    };
-    if (!std::exchange(isShaped_, true) || !std::ranges::equal(parts, shape_, isSame)) {
         xcb_shape_rectangles(connection_.get(), XCB_SHAPE_SO_SET, XCB_SHAPE_SK_BOUNDING, XCB_CLIP_ORDERING_YX_SORTED,
                              window_, 0, 0, static_cast<std::uint32_t>(parts.size()), parts.data());
-        shape_ = std::move(parts);
     }
 }
 
 /// As the window's background, which the X server paints wherever the window comes to light.
-void XcbOverlay::put(const Pixels& pixels, PixelPoint topLeft) {
+void XcbOverlay::setPicture(const Pixels& pixels, PixelPoint topLeft) {
+    if (pixels.width <= 0 || pixels.height <= 0) {
+        return;
+    }
     xcb_connection_t* const xcb = connection_.get();
     const auto width = static_cast<std::uint16_t>(pixels.width);
     const auto height = static_cast<std::uint16_t>(pixels.height);
@@ -201,6 +128,7 @@ void XcbOverlay::put(const Pixels& pixels, PixelPoint topLeft) {
                          values.data());
     xcb_clear_area(xcb, 0, window_, 0, 0, 0, 0);
     xcb_free_pixmap(xcb, pixmap);
+    connection_.flush();
 }
 
 void XcbOverlay::move(PixelPoint topLeft) {

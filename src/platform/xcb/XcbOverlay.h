@@ -28,11 +28,6 @@ public:
         int height = 0;
     };
 
-    enum class Edges {
-        Translucent,  ///< for a compositor to blend
-        Shaped,       ///< what is less than half opaque is not part of the window, the rest is opaque
-    };
-
     /// `loop` is where it waits before it raises itself again.
     XcbOverlay(XcbConnection& connection, RunLoop& loop, std::string_view title);
     XcbOverlay(const XcbOverlay&) = delete;
@@ -43,7 +38,11 @@ public:
     [[nodiscard]] bool canBeTranslucent() const { return depth_ == 32; }
 
     /// Makes the window as large as the picture, in the same step as it moves. Nothing is done for no pixels.
-    void setPicture(const Pixels& pixels, Edges edges, PixelPoint topLeft);
+    void setPicture(const Pixels& pixels, PixelPoint topLeft);
+
+    /// What lies outside these parts of the picture, from the top and from the left, is no part of the window; nothing
+    /// does where there are none. Seen with the next picture.
+    void setShape(std::span<const xcb_rectangle_t> parts);
 
     void move(PixelPoint topLeft);
 
@@ -62,8 +61,6 @@ private:
     void chooseVisual();
     void makeWindow(std::string_view title);
     void describe(std::string_view title);
-    void shape(const Pixels& pixels, Edges edges);
-    void put(const Pixels& pixels, PixelPoint topLeft);
 
     XcbConnection& connection_;
     std::uint8_t depth_ = 0;
@@ -72,8 +69,6 @@ private:
     xcb_window_t window_ = XCB_NONE;
     xcb_gcontext_t context_ = XCB_NONE;
     bool isShown_ = false;
-    bool isShaped_ = false;
-    std::vector<xcb_rectangle_t> shape_;
     std::optional<OverlayStacking> stacking_;  // from the start on
 };
 

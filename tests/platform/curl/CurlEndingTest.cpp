@@ -1,6 +1,5 @@
 #include "platform/RunLoop.h"
 #include "platform/curl/CurlFixture.h"
-#include "support/TestAuthority.h"
 
 #include <dlfcn.h>
 #include <netdb.h>

@@ -1,5 +1,4 @@
 #include "platform/curl/CurlFixture.h"
-#include "support/TestAuthority.h"
 
 namespace glintar::platform {
 namespace {

@@ -1,6 +1,7 @@
 #include "platform/secret/LibsecretStore.h"
 #include "platform/secret/LoadedSecretStore.h"
 #include "platform/secret/PrivateBus.h"
+#include "platform/secret/SecretCache.h"
 #include "platform/virtual/VirtualRunLoop.h"
 #include "platform/virtual/VirtualStores.h"
 
@@ -18,7 +19,6 @@ namespace {
 constexpr auto kAtOnce = std::chrono::milliseconds{400};
 
 using namespace std::chrono_literals;
-using Manner = DeafPeer::Manner;
 using Ring = PrivateBus::Ring;
 using Status = SecretStatus;
 
@@ -107,13 +107,13 @@ TEST_F(LibsecretStoreTest, KeepsSecretsAndReadsThemAsWrittenAtOnce) {
 TEST_F(LibsecretStoreTest, TellsOfSecretsWrittenElsewhereOnlyWhereTheyReadDifferently) {
     bus.startKeyRing(Ring::Open);
     EXPECT_TRUE(reads("<none>"));
-    bus.writeElsewhere("unasked", "me", "x");
-    bus.writeElsewhere("exchange", "me", "theirs");
+    bus.elsewhere({"write", "unasked", "me", "x"});
+    bus.elsewhere({"write", "exchange", "me", "theirs"});
     EXPECT_TRUE(changesTo("theirs"));
     EXPECT_TRUE(reads("<none>", "later"));
     const int before = changes;
-    bus.writeElsewhere("exchange", "me", "theirs");
-    bus.writeElsewhere("later", "me", "y");
+    bus.elsewhere({"write", "exchange", "me", "theirs"});
+    bus.elsewhere({"write", "later", "me", "y"});
     EXPECT_TRUE(changesTo("y", "later"));
     EXPECT_EQ(changes, before + 1);
 }
@@ -121,7 +121,7 @@ TEST_F(LibsecretStoreTest, TellsOfSecretsWrittenElsewhereOnlyWhereTheyReadDiffer
 TEST_F(LibsecretStoreTest, TellsOfAChangeEvenIfItWasReadBefore) {
     bus.startKeyRing(Ring::Open);
     EXPECT_TRUE(reads("<none>"));
-    bus.writeElsewhere("exchange", "me", "theirs");
+    bus.elsewhere({"write", "exchange", "me", "theirs"});
     EXPECT_TRUE(reads("theirs"));
     EXPECT_EQ(changes, 0);
     loop.settle();
@@ -134,21 +134,21 @@ TEST_F(LibsecretStoreTest, ReadsALockedKeyRingWithoutAskingAndFollowsItsUnlockin
     EXPECT_TRUE(isStored("secret"));
     store = makeStore();
     bus.stopKeyRing();
-    const DeafPeer prompter(bus, kPrompter, Manner::Silent);
+    const auto prompter = bus.standIn("silent", kPrompter);
     bus.startKeyRing(Ring::Locked);
 
     EXPECT_TRUE(reads("<locked>"));
-    EXPECT_EQ(prompter.calls(), 0);
+    EXPECT_EQ(bus.callsOfStandIn(), 0U);
 
     // A write asks the user, who does not react: nothing waits for it.
     store->add("new", "me", "typed");
-    EXPECT_TRUE(test::eventually([&] { return prompter.calls() > 0; }));
+    EXPECT_TRUE(test::eventually([&] { return bus.callsOfStandIn() > 0; }));
     EXPECT_EQ(read("new"), "typed");
     EXPECT_TRUE(reads("<none>", "never seen"));
 
-    bus.unlockKeyRing();
+    bus.elsewhere({"unlock"});
     EXPECT_TRUE(changesTo("secret"));
-    bus.lockKeyRing();
+    bus.elsewhere({"lock"});
     EXPECT_TRUE(changesTo("<locked>"));
 
     EXPECT_LT(timed([&] { store.reset(); }), kAtOnce) << "with the prompt still open";
@@ -158,27 +158,24 @@ TEST_F(LibsecretStoreTest, TakesBackWhatTheServiceRefuses) {
     bus.startKeyRing(Ring::Open);
     store->add("exchange", "me", "old");
     EXPECT_TRUE(isStored("old"));
-    const DeafPeer prompter(bus, kPrompter, Manner::Refusing);
-    bus.lockKeyRing();
+    const auto prompter = bus.standIn("refusing", kPrompter);
+    bus.elsewhere({"lock"});
     EXPECT_TRUE(changesTo("<locked>"));
 
     EXPECT_EQ(store->add("exchange", "me", "new"), Status::Done);
-    EXPECT_EQ(read(), "new");
     EXPECT_TRUE(changesTo("<locked>")) << "the prompt was turned down";
     EXPECT_EQ(store->remove("exchange", "me"), Status::Done);
-    EXPECT_EQ(read(), "<none>");
     EXPECT_TRUE(changesTo("<locked>")) << "what is locked cannot be removed";
     store->add("never read", "me", "new");
     EXPECT_TRUE(changesTo("<none>", "never read"));
 
-    bus.unlockKeyRing();
+    bus.elsewhere({"unlock"});
     EXPECT_TRUE(changesTo("old"));
 }
 
 TEST_F(LibsecretStoreTest, SurvivesTheEndOfTheKeyRingAndFindsTheNextOne) {
-    bus.start();
     bus.startKeyRing(Ring::Open);
-    bus.writeElsewhere("exchange", "me", "old");
+    bus.elsewhere({"write", "exchange", "me", "old"});
     EXPECT_TRUE(reads("old"));
     EXPECT_TRUE(reads("<none>", "asked before"));
     bus.stopKeyRing();
@@ -193,13 +190,12 @@ TEST_F(LibsecretStoreTest, SurvivesTheEndOfTheKeyRingAndFindsTheNextOne) {
 
     bus.startKeyRing(Ring::Open);
     EXPECT_TRUE(changesTo("<none>", "other"));
-    bus.writeElsewhere("other", "me", "theirs");
+    bus.elsewhere({"write", "other", "me", "theirs"});
     EXPECT_TRUE(changesTo("theirs", "other"));
 }
 
 TEST_F(LibsecretStoreTest, WaitsOnceForAServiceThatNeverAnswersAndFindsTheNextOne) {
-    bus.start();
-    auto deaf = std::make_unique<DeafPeer>(bus, "org.freedesktop.secrets", Manner::Silent);
+    auto deaf = bus.standIn("silent", "org.freedesktop.secrets");
     EXPECT_LT(timed([&] { EXPECT_EQ(store->peek("peeked", "me").status, Status::Pending); }), 60ms);
     store.reset();
     store = makeStore();
@@ -215,12 +211,12 @@ TEST_F(LibsecretStoreTest, WaitsOnceForAServiceThatNeverAnswersAndFindsTheNextOn
                   store->remove("fourth", "me");
               }),
               20ms);
-    EXPECT_GT(deaf->calls(), 0);
+    EXPECT_TRUE(test::eventually([&] { return bus.callsOfStandIn() > 0; }));
     EXPECT_LT(timed([&] { store.reset(); }), kAtOnce);
 
     store = makeStore();
     EXPECT_EQ(read(), "<pending>");
-    deaf.reset();
+    deaf.stop();
     bus.startKeyRing(Ring::Open);
     EXPECT_TRUE(changesTo("<none>"));
 }
@@ -228,7 +224,7 @@ TEST_F(LibsecretStoreTest, WaitsOnceForAServiceThatNeverAnswersAndFindsTheNextOn
 TEST_F(LibsecretStoreTest, NeverCallsBackOnceItIsGone) {
     bus.startKeyRing(Ring::Open);
     EXPECT_TRUE(reads("<none>"));
-    bus.writeElsewhere("exchange", "me", "theirs");
+    bus.elsewhere({"write", "exchange", "me", "theirs"});
     EXPECT_TRUE(test::eventually([&] { return loop.pending() > 0; }));
     store.reset();
     loop.settle();
@@ -242,7 +238,7 @@ TEST_F(LibsecretStoreTest, MayEndInItsOwnCallback) {
         store.reset();
         ++changes;
     };
-    bus.writeElsewhere("exchange", "me", "theirs");
+    bus.elsewhere({"write", "exchange", "me", "theirs"});
     EXPECT_TRUE(test::eventually([&] {
         loop.settle();
         return changes == 1;
@@ -254,7 +250,7 @@ TEST_F(LibsecretStoreTest, TriesABusThatDoesNotAnswerAgainLater) {
     for (const std::string service : {"exchange", "after the bus has ended"}) {
         EXPECT_TRUE(reads("<unavailable>", service));
         bus.startKeyRing(Ring::Open);
-        bus.writeElsewhere(service.c_str(), "me", "theirs");
+        bus.elsewhere({"write", service, "me", "theirs"});
         loop.advance(31s);
         EXPECT_EQ(read(service), "<unavailable>") << "it is asked in the background";
         EXPECT_TRUE(changesTo("theirs", service));
@@ -273,6 +269,51 @@ TEST_F(LibsecretStoreTest, WithoutABusNothingIsLoadedAndNoneIsStarted) {
         EXPECT_EQ(loaded.remove("exchange", "me"), Status::Unavailable);
     }
     EXPECT_TRUE(console.lines.empty()) << "the module was looked for";
+}
+
+using Notice = SecretCache::Notice;
+using Want = SecretCache::Want;
+
+const SecretKey kKey{"exchange", "me"};
+const SecretAnswer kUnavailable{SecretStatus::Unavailable, {}};
+
+TEST(SecretCacheTest, DropsAnAnswerThatWasAskedForBeforeOurWrite) {
+    SecretCache cache;
+    EXPECT_EQ(cache.want(kKey, {}), Want::First);
+    EXPECT_EQ(cache.takeReads().size(), 1U);
+    cache.add(kKey, "new");
+    const auto writes = cache.takeWrites();
+    ASSERT_EQ(writes.size(), 1U);
+    EXPECT_EQ(cache.wrote(writes[0], SecretCache::Outcome::Accepted), Notice::None);
+
+    EXPECT_EQ(cache.answered(kKey, SecretAnswer::found("old"), {}), Notice::None);
+    EXPECT_EQ(cache.find(kKey).view(), "new");
+    EXPECT_EQ(cache.takeReads().size(), 1U) << "asked anew";
+}
+
+TEST(SecretCacheTest, SendsTheNewestWriteAfterTheOneUnderWay) {
+    SecretCache cache;
+    cache.add(kKey, "first");
+    const auto first = cache.takeWrites();
+    ASSERT_EQ(first.size(), 1U);
+    cache.add(kKey, "second");
+    cache.add(kKey, "third");
+    EXPECT_TRUE(cache.takeWrites().empty()) << "one at a time, or they could overtake each other";
+    EXPECT_EQ(cache.wrote(first[0], SecretCache::Outcome::Refused), Notice::None);
+    EXPECT_EQ(cache.find(kKey).view(), "third");
+    const auto next = cache.takeWrites();
+    ASSERT_EQ(next.size(), 1U);
+    EXPECT_EQ(next[0].secret.view(), "third");
+}
+
+TEST(SecretCacheTest, AsksForWhatIsOutOfReachEvery30Seconds) {
+    SecretCache cache;
+    EXPECT_EQ(cache.want(kKey, {}), Want::First);
+    EXPECT_EQ(cache.takeReads().size(), 1U);
+    EXPECT_EQ(cache.answered(kKey, kUnavailable, Instant{1s}), Notice::None) << "nobody has been told otherwise";
+    EXPECT_EQ(cache.want(kKey, Instant{30s}), Want::Nothing);
+    EXPECT_EQ(cache.want(kKey, Instant{31s}), Want::Again);
+    EXPECT_EQ(cache.want(kKey, Instant{31s}), Want::Nothing) << "already asked";
 }
 
 }  // namespace

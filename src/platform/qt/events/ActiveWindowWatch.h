@@ -20,14 +20,12 @@ private:
     [[nodiscard]] std::uint32_t programOf(xcb_window_t window) const;
     void look();
 
-    RunLoop& loop_;
     XcbConnection& connection_;
     std::function<bool(xcb_window_t)> isOwn_;
     std::function<void()> onOtherProgram_;
-    xcb_atom_t property_;
     std::uint32_t program_ = 0;  ///< of the user's; what the numbers of all its windows have in common
     TimerHandle look_;
-    Listening listening_;
+    Listening changed_;
 };
 
 }  // namespace glintar::platform

@@ -1,90 +1,67 @@
 #include "platform/qt/events/DesktopLook.h"
 
+#include <QStringList>
+
 #include <algorithm>
 #include <array>
-#include <charconv>
 
 namespace glintar::platform {
 
 namespace {
 
-char lowered(char letter) {
-    return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
+QString qtText(std::string_view text) {
+    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
 }
 
-bool isSame(std::string_view left, std::string_view right) {
-    return std::ranges::equal(left, right, {}, lowered, lowered);
-}
-
-bool isOneOf(std::string_view word, std::span<const std::string_view> words) {
-    return std::ranges::any_of(words, [&](std::string_view known) { return isSame(word, known); });
-}
-
-std::string_view trimmed(std::string_view text) {
-    const auto first = text.find_first_not_of(' ');
-    return first == std::string_view::npos ? std::string_view()
-                                           : text.substr(first, text.find_last_not_of(' ') - first + 1);
-}
-
-/// The last word, which is cut off; empty when there is but one.
-std::string_view lastWord(std::string_view& text) {
-    const auto blank = text.find_last_of(' ');
-    if (blank == std::string_view::npos) {
-        return {};
-    }
-    const auto word = text.substr(blank + 1);
-    text = trimmed(text.substr(0, blank));
-    return word;
-}
+struct Style {
+    const char* word;
+    QFont::Weight weight;
+};
 
 /// Pango's words for styles, of which those for width count as part of the family, as in "DejaVu Sans Condensed".
-constexpr std::array<std::pair<std::string_view, QFont::Weight>, 16> kWeights{{
-    {"Thin", QFont::Thin},
-    {"Ultra-Light", QFont::ExtraLight},
-    {"Extra-Light", QFont::ExtraLight},
-    {"Light", QFont::Light},
-    {"Semi-Light", QFont::Light},
-    {"Book", QFont::Normal},
-    {"Regular", QFont::Normal},
-    {"Normal", QFont::Normal},
-    {"Medium", QFont::Medium},
-    {"Demi-Bold", QFont::DemiBold},
-    {"Semi-Bold", QFont::DemiBold},
-    {"Bold", QFont::Bold},
-    {"Ultra-Bold", QFont::ExtraBold},
-    {"Extra-Bold", QFont::ExtraBold},
-    {"Heavy", QFont::Black},
-    {"Black", QFont::Black},
-}};
+constexpr std::array kStyles{Style{"Thin", QFont::Thin},
+                             Style{"Ultra-Light", QFont::ExtraLight},
+                             Style{"Extra-Light", QFont::ExtraLight},
+                             Style{"Light", QFont::Light},
+                             Style{"Semi-Light", QFont::Light},
+                             Style{"Book", QFont::Normal},
+                             Style{"Regular", QFont::Normal},
+                             Style{"Normal", QFont::Normal},
+                             Style{"Medium", QFont::Medium},
+                             Style{"Demi-Bold", QFont::DemiBold},
+                             Style{"Semi-Bold", QFont::DemiBold},
+                             Style{"Bold", QFont::Bold},
+                             Style{"Ultra-Bold", QFont::ExtraBold},
+                             Style{"Extra-Bold", QFont::ExtraBold},
+                             Style{"Heavy", QFont::Black},
+                             Style{"Black", QFont::Black}};
 
 /// Gives the font the style; false when the word is none.
-bool takeStyle(QFont& font, std::string_view word) {
-    if (isSame(word, "Italic") || isSame(word, "Oblique")) {
+bool takeStyle(QFont& font, const QString& word) {
+    const auto is = [&](const char* known) { return word.compare(QLatin1String(known), Qt::CaseInsensitive) == 0; };
+    if (is("Italic") || is("Oblique")) {
         font.setItalic(true);
         return true;
     }
-    const auto found = std::ranges::find_if(kWeights, [&](const auto& known) { return isSame(word, known.first); });
-    if (found == kWeights.end()) {
-        return false;
+    const auto found = std::ranges::find_if(kStyles, is, &Style::word);
+    if (found != kStyles.end()) {
+        font.setWeight(found->weight);
     }
-    font.setWeight(found->second);
-    return true;
+    return found != kStyles.end();
 }
 
 }  // namespace
 
 DesktopSettingsPolicy desktopSettingsPolicy(std::string_view desktops, std::string_view platformTheme) {
-    static constexpr std::array<std::string_view, 10> kOnGtk{
-        "GNOME", "X-Cinnamon", "Cinnamon", "MATE", "XFCE", "Unity", "LXDE", "Budgie", "Pantheon", "GNOME-Classic"};
-    static constexpr std::array<std::string_view, 2> kOnQt{"KDE", "LXQt"};
+    const QStringList onGtk{"GNOME", "X-Cinnamon", "Cinnamon", "MATE",     "XFCE",
+                            "Unity", "LXDE",       "Budgie",   "Pantheon", "GNOME-Classic"};
     DesktopSettingsPolicy policy{.hasPortalFont = platformTheme.empty()};
-    while (!desktops.empty()) {
-        const auto name = desktops.substr(0, desktops.find(':'));
-        desktops.remove_prefix(std::min(name.size() + 1, desktops.size()));
-        if (isOneOf(name, kOnGtk)) {
+    for (const QString& name : qtText(desktops).split(':')) {
+        const bool isPlasma = name.compare(u"KDE", Qt::CaseInsensitive) == 0;
+        if (onGtk.contains(name, Qt::CaseInsensitive)) {
             policy.isSettingsAware = false;
-        } else if (isOneOf(name, kOnQt)) {
-            return {.isSettingsAware = true, .hasPortalFont = false, .followsColors = isSame(name, "KDE")};
+        } else if (isPlasma || name.compare(u"LXQt", Qt::CaseInsensitive) == 0) {
+            return {.isSettingsAware = true, .hasPortalFont = false, .followsColors = isPlasma};
         }
     }
     return policy;
@@ -126,29 +103,22 @@ QPalette plainPalette(Appearance appearance) {
 }
 
 std::optional<QFont> fontNamed(std::string_view name) {
-    name = trimmed(name.substr(0, name.find('@')));  // what follows are variations of the font
-    auto number = lastWord(name);
-    const bool isPixels = number.ends_with("px");
-    number.remove_suffix(isPixels ? 2 : 0);
-    double size = 0;
-    const auto read = std::from_chars(number.data(), number.data() + number.size(), size);
-    if (number.empty() || read.ec != std::errc() || read.ptr != number.data() + number.size() ||
-        !(size >= 1 && size <= 200)) {
-        return std::nullopt;
-    }
+    // What follows an "@" are variations of the font.
+    QStringList words = qtText(name).section('@', 0, 0).simplified().split(' ');
+    QString number = words.takeLast();
+    const bool isPixels = number.endsWith(u"px");
+    number.chop(isPixels ? 2 : 0);
+    const double size = number.toDouble();
     QFont font;
-    for (auto rest = name; takeStyle(font, lastWord(rest));) {
-        name = rest;
+    while (words.size() > 1 && takeStyle(font, words.last())) {
+        words.removeLast();
     }
     QStringList families;
-    while (!name.empty()) {
-        const auto family = name.substr(0, name.find(','));
-        name.remove_prefix(std::min(family.size() + 1, name.size()));
-        if (const auto text = trimmed(family); !text.empty()) {
-            families.append(QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())));
-        }
+    for (const QString& family : words.join(' ').split(',')) {
+        families += family.trimmed();
     }
-    if (families.isEmpty()) {
+    families.removeAll(QString());
+    if (families.isEmpty() || !(size >= 1 && size <= 200)) {
         return std::nullopt;
     }
     font.setFamilies(families);

@@ -18,6 +18,7 @@ namespace {
 using std::string_view_literals::operator""sv;
 
 constexpr int kLargestSource = 4'096;  // pixels a side
+constexpr int kMegabytes = 64;         // of such a picture
 constexpr std::size_t kLargestFile = 64'000'000;
 constexpr int kIconsLookedAt = 64;
 constexpr std::size_t kJpegTail = 1'024;
@@ -45,43 +46,12 @@ std::string_view formatOf(std::string_view bytes) {
     return {};
 }
 
-/// The number of `count` bytes, the lowest first; 0 where the file has ended.
-std::size_t littleEndian(std::string_view bytes, std::size_t at, std::size_t count) {
-    std::size_t number = 0;
-    for (std::size_t index = count; index-- > 0 && at + count <= bytes.size();) {
-        number = number << 8 | static_cast<unsigned char>(bytes[at + index]);
-    }
-    return number;
-}
-
-/// The PNG file that is the largest picture of an icon file; empty when that is none. Qt believes the directory about
-/// its size, and takes memory for what the picture itself says.
-std::string_view largestPngOf(std::string_view ico) {
-    static constexpr std::size_t kHeader = 6;
-    static constexpr std::size_t kEntry = 16;
-    const auto count = std::min<std::size_t>(littleEndian(ico, 4, 2), kIconsLookedAt);
-    std::size_t largest = 0;
-    std::string_view picture;
-    for (std::size_t at = kHeader; at < kHeader + count * kEntry; at += kEntry) {
-        const auto side = littleEndian(ico, at, 1);
-        const auto size = side == 0 ? 256 : side;
-        if (size > largest) {
-            largest = size;
-            picture = ico.substr(std::min(littleEndian(ico, at + 12, 4), ico.size()), littleEndian(ico, at + 8, 4));
-        }
-    }
-    return formatOf(picture) == "png" ? picture : std::string_view();
-}
-
 /// Whether the end is missing in a way that Qt's decoder takes for success: it leaves what is missing grey or clear.
 bool isCutOff(std::string_view bytes, std::string_view format) {
     if (format == "jpeg") {
         return !bytes.substr(bytes.size() - std::min(bytes.size(), kJpegTail)).contains("\xff\xd9"sv);
     }
-    if (format == "gif") {
-        return bytes[bytes.find_last_not_of("\0\r\n\t "sv)] != ';';
-    }
-    return format == "bmp" && littleEndian(bytes, 2, 4) > bytes.size();
+    return format == "gif" && bytes[bytes.find_last_not_of("\0\r\n\t "sv)] != ';';
 }
 
 void chooseLargest(QImageReader& reader) {
@@ -112,16 +82,14 @@ std::expected<QImage, std::string> readByQt(std::string_view bytes, std::string_
     QBuffer buffer(&data);
     buffer.open(QIODevice::ReadOnly);
     QImageReader reader(&buffer, QByteArray(format.data(), static_cast<qsizetype>(format.size())));
+    // What a file says of its size before its pixels come can be wrong.
+    [[maybe_unused]] static const int once = (QImageReader::setAllocationLimit(kMegabytes), 0);
     // Otherwise Qt tries every reader it has, SVG among them.
     reader.setAutoDetectImageFormat(false);
     if (format == "ico") {
         chooseLargest(reader);
     }
-    QSize size = reader.size();
-    if (format == "gif") {  // Qt tells the size of the first picture, but takes memory for the whole screen
-        size =
-            size.expandedTo({static_cast<int>(littleEndian(bytes, 6, 2)), static_cast<int>(littleEndian(bytes, 8, 2))});
-    }
+    const QSize size = reader.size();
     if (isTooLarge(size)) {
         return std::unexpected(fmt::format("{} x {} pixels are too many", size.width(), size.height()));
     }
@@ -154,8 +122,7 @@ std::expected<QImage, std::string> decodeIcon(std::string_view bytes) {
     if (isCutOff(bytes, format)) {
         return std::unexpected(fmt::format("the {} file ends too early", format));
     }
-    const std::string_view png = format == "ico" ? largestPngOf(bytes) : format == "png" ? bytes : std::string_view();
-    auto picture = png.empty() ? readByQt(bytes, format) : readPng(png, kLargestSource);
+    auto picture = format == "png" ? readPng(bytes, kLargestSource) : readByQt(bytes, format);
     if (!picture) {
         return picture;
     }

@@ -15,22 +15,6 @@ constexpr double kLargestFont = 512;
 constexpr qsizetype kLongestText = 2'048;  // UTF-16 units
 constexpr std::size_t kKeptDigitWidths = 64;
 
-QFont::Weight weightOf(Font::Weight weight) {
-    switch (weight) {
-        case Font::Weight::Regular:
-            return QFont::Normal;
-        case Font::Weight::Medium:
-            return QFont::Medium;
-        case Font::Weight::Semibold:
-            return QFont::DemiBold;
-        case Font::Weight::Bold:
-            return QFont::Bold;
-        case Font::Weight::Black:
-            return QFont::Black;
-    }
-    return QFont::Normal;
-}
-
 /// One line without anything that moves the pen by itself.
 QString lineOf(std::string_view text) {
     QString line = QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
@@ -141,7 +125,7 @@ QFont QtFonts::makeFont(const Font& font, int pixels) const {
     }
     QFont made(families);
     made.setPixelSize(pixels);
-    made.setWeight(weightOf(font.weight));
+    made.setWeight(static_cast<QFont::Weight>(font.weight));
     // Pairs of digits may be kerned, as "11" is in Liberation Sans.
     made.setKerning(font.digits == Font::Digits::AsDesigned);
     // Widths that are the same at every ratio, and stems that stay sharp in height.

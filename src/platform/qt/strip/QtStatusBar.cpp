@@ -150,8 +150,10 @@ QtStatusBar::QtStatusBar(Surroundings surroundings)
     };
     compositorChanged_ = around_.compositor.onChange([this] { strip_.setLook(look()); });
     appearanceChanged_ = around_.notifications.observe(kAppearanceChanged, [this] { strip_.setLook(look()); });
+    // A window that becomes active goes above all others; where it covers the strip, even if only for the X server, the
+    // strip gets no clicks.
     if (!around_.isManaged) {
-        stayAbove();
+        activeWindowChanged_ = around_.connection.onRootProperty("_NET_ACTIVE_WINDOW", [this] { strip_.raise(); });
     }
 }
 
@@ -159,19 +161,6 @@ QtStatusBar::~QtStatusBar() = default;
 
 StripLook QtStatusBar::look() const {
     return {.isTranslucent = around_.compositor.isRunning(), .appearance = around_.events.appearance()};
-}
-
-/// A window that becomes active goes above all others; where it covers the strip, even if only for the X server, the
-/// strip gets no clicks.
-void QtStatusBar::stayAbove() {
-    around_.connection.selectRootEvents(XCB_EVENT_MASK_PROPERTY_CHANGE);
-    const auto activeWindow = around_.connection.atom("_NET_ACTIVE_WINDOW");
-    activeWindowChanged_ = around_.connection.onEvent([this, activeWindow](const xcb_generic_event_t& event) {
-        const auto& change = reinterpret_cast<const xcb_property_notify_event_t&>(event);
-        if ((event.response_type & 0x7f) == XCB_PROPERTY_NOTIFY && change.atom == activeWindow) {
-            strip_.raise();
-        }
-    });
 }
 
 Rect QtStatusBar::frame() const {

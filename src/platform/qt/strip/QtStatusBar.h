@@ -46,7 +46,6 @@ public:
 
 private:
     [[nodiscard]] StripLook look() const;
-    void stayAbove();
 
     Surroundings around_;
     WorkAreaWatch workArea_;

@@ -50,12 +50,8 @@ xcb_window_t outermost(xcb_connection_t* xcb, xcb_window_t window) {
 
 bool isTranslucent(XcbConnection& connection, xcb_window_t window) {
     constexpr std::uint32_t kNearlyOpaque = 0xffffffff / 10 * 9;
-    xcb_connection_t* const xcb = connection.get();
-    const auto opacity = answer(
-        xcb, xcb_get_property(xcb, 0, window, connection.atom("_NET_WM_WINDOW_OPACITY"), XCB_ATOM_CARDINAL, 0, 1),
-        xcb_get_property_reply);
-    return opacity && xcb_get_property_value_length(opacity.get()) == sizeof(std::uint32_t) &&
-           *static_cast<const std::uint32_t*>(xcb_get_property_value(opacity.get())) <= kNearlyOpaque;
+    const auto opacity = connection.property(window, "_NET_WM_WINDOW_OPACITY", 1);
+    return !opacity.empty() && opacity.front() <= kNearlyOpaque;
 }
 
 /// What of the screen it hides.

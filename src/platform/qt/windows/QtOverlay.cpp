@@ -2,7 +2,11 @@
 
 #include "platform/qt/graphics/QtImage.h"
 
+#include <QBitmap>
+
 #include <cmath>
+#include <utility>
+#include <vector>
 
 namespace glintar::platform {
 
@@ -107,12 +111,30 @@ void QtOverlay::draw() {
     pixels.convertTo(QImage::Format_ARGB32_Premultiplied);
     hasPixels_ = !pixels.isNull();
     if (hasPixels_) {
+        if (isTranslucent()) {
+            cutOut({});
+        } else {
+            cutOut(QBitmap::fromImage(pixels.createAlphaMask()));
+            pixels.convertTo(QImage::Format_RGB32);
+        }
         const std::span argb(reinterpret_cast<const std::uint32_t*>(pixels.constBits()),
                              static_cast<std::size_t>(pixels.width()) * pixels.height());
-        overlay_.setPicture({argb, pixels.width(), pixels.height()},
-                            isTranslucent() ? XcbOverlay::Edges::Translucent : XcbOverlay::Edges::Shaped, place());
+        overlay_.setPicture({argb, pixels.width(), pixels.height()}, place());
     }
     showOrHide();
+}
+
+/// What is less than half opaque is no part of the window where it cannot be translucent.
+void QtOverlay::cutOut(const QRegion& opaque) {
+    if (std::exchange(opaque_, opaque) == opaque) {
+        return;
+    }
+    std::vector<xcb_rectangle_t> parts;
+    for (const QRect& part : opaque) {
+        parts.push_back({static_cast<std::int16_t>(part.x()), static_cast<std::int16_t>(part.y()),
+                         static_cast<std::uint16_t>(part.width()), static_cast<std::uint16_t>(part.height())});
+    }
+    overlay_.setShape(parts);
 }
 
 /// Without a compositor there is no opacity but this.

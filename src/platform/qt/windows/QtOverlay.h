@@ -6,6 +6,8 @@
 #include "platform/xcb/CompositorWatch.h"
 #include "platform/xcb/XcbOverlay.h"
 
+#include <QRegion>
+
 namespace glintar::platform {
 
 /// A picture above all windows, on our own connection to the X server. Qt draws the picture and knows nothing of the
@@ -49,6 +51,7 @@ private:
     void surroundingsChanged();
     void drawSoon();
     void draw();
+    void cutOut(const QRegion& opaque);
     void showOrHide();
 
     Surroundings around_;
@@ -59,6 +62,7 @@ private:
     double alpha_ = 1;
     bool isShown_ = false;
     bool hasPixels_ = false;
+    QRegion opaque_;  ///< the window's shape; all of it when empty
     Look told_;
     TimerHandle drawing_;
     TimerHandle telling_;

@@ -2,8 +2,7 @@
 
 #include <QApplication>
 
-#include <array>
-#include <bit>
+#include <fstream>
 
 namespace glintar::test {
 
@@ -27,22 +26,14 @@ void settle() {
     }
 }
 
-void DesktopSettings::setScale(double scale) {
-    xcb_connection_t* const xcb = connection_->get();
-    if (window_ == XCB_NONE) {
-        window_ = xcb_generate_id(xcb);
-        xcb_create_window(xcb, XCB_COPY_FROM_PARENT, window_, connection_->root(), 0, 0, 1, 1, 0,
-                          XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, 0, nullptr);
-        xcb_set_selection_owner(xcb, window_, connection_->atom("_XSETTINGS_S0"), XCB_CURRENT_TIME);
-    }
-    constexpr auto kName =
-        std::bit_cast<std::array<std::uint32_t, 2>>(std::array{'X', 'f', 't', '/', 'D', 'P', 'I', '\0'});
-    constexpr std::uint32_t kNumberWithNameOfSeven = 0x0007'0000;
-    const auto dpi = static_cast<std::uint32_t>(scale * 96 * 1024);
-    const std::array settings{0U, ++serial_, 1U, kNumberWithNameOfSeven, kName[0], kName[1], serial_, dpi};
-    const auto property = connection_->atom("_XSETTINGS_SETTINGS");
-    xcb_change_property(xcb, XCB_PROP_MODE_REPLACE, window_, property, property, 8, sizeof settings, settings.data());
-    connection_->flush();
+DesktopSettings::DesktopSettings() {
+    write(1);
+    daemon_ = Child({"xsettingsd", "-c", file()});
+    EXPECT_TRUE(eventually([] { return outputOf({"dump_xsettings"}).contains("Xft/DPI"); }));
+}
+
+void DesktopSettings::write(double scale) const {
+    std::ofstream(file()) << "Xft/DPI " << static_cast<int>(scale * 96 * 1024) << '\n';
 }
 
 StripFixture::StripFixture() = default;

@@ -13,8 +13,11 @@
 #include <QCoreApplication>
 #include <QEventLoop>
 #include <gtest/gtest.h>
+#include <signal.h>
 
 namespace glintar::test {
+
+inline constexpr Pixel kRed{255, 0, 0}, kBlue{0, 0, 255}, kBlack{0, 0, 0}, kOrange{255, 128, 0};
 
 /// The one screen of the test program, on which main made the QApplication.
 inline Display* theDisplay = nullptr;
@@ -22,16 +25,20 @@ inline Display& display() {
     return *theDisplay;
 }
 
-/// A settings daemon of the XSETTINGS protocol (version 0.5) with the one setting that most desktops have.
+/// A settings daemon with the one setting that most desktops have.
 class DesktopSettings {
 public:
-    DesktopSettings() { setScale(1); }
-    void setScale(double scale);
+    DesktopSettings();
+    void setScale(double scale) const {
+        write(scale);
+        daemon_.signal(SIGHUP);
+    }
 
 private:
-    std::unique_ptr<platform::XcbConnection> connection_ = platform::XcbConnection::open();
-    xcb_window_t window_ = XCB_NONE;
-    std::uint32_t serial_ = 0;
+    void write(double scale) const;
+    [[nodiscard]] std::string file() const { return folder_.path() / "settings"; }
+    TemporaryFolder folder_;
+    Child daemon_;
 };
 
 /// That of the screen: Qt looks for it only when it starts.

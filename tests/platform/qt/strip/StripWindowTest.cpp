@@ -20,8 +20,6 @@ using platform::Rect;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
-constexpr Pixel kRed{255, 0, 0}, kBlue{0, 0, 255}, kOrange{255, 128, 0};
-
 using StripWindow = StripFixture;
 
 class StripUnderManager : public StripWindow, public testing::WithParamInterface<Display::Manager> {
