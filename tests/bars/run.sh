@@ -88,11 +88,11 @@ waybar_cost() {
   echo 'output * bg #203040 solid_color' >"$work/sway"
   start env WLR_BACKENDS=headless WLR_RENDERER=pixman WLR_LIBINPUT_NO_DEVICES=1 dbus-run-session sway -c "$work/sway"
   sleep 5
-  for bar in ours clock; do start on_sway waybar -c "$work/$bar"; done
+  for bar in ours clock; do start env WAYLAND_DISPLAY="$(on_sway printenv WAYLAND_DISPLAY)" waybar -c "$work/$bar"; done
   sleep 15
-  for bar in 2 1; do before+=("$(nanoseconds "$(pgrep -g "${pids[-bar]}" -x waybar)")"); done
+  for bar in 2 1; do before+=("$(nanoseconds "${pids[-bar]}")"); done
   sleep $((60 * minutes))
-  for bar in 2 1; do used+=("$(nanoseconds "$(pgrep -g "${pids[-bar]}" -x waybar)")"); done
+  for bar in 2 1; do used+=("$(nanoseconds "${pids[-bar]}")"); done
   awk -v o=$((used[0] - before[0])) -v f=$((used[1] - before[1])) -v m="$minutes" 'BEGIN {
     printf "%-74s%14s%14s%8.2f%8s\n", "Waybar with our module: processor time a minute / its clock", sprintf("%.4g ms", o / 1e6 / m),
       sprintf("%.4g ms", f / 1e6 / m), o / f, "" }'
