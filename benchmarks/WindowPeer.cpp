@@ -12,17 +12,13 @@
 #include "benchmarks/PeerRequests.h"
 
 #include <QApplication>
-#include <QCheckBox>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
-#include <QRadioButton>
 #include <QScrollArea>
 #include <QShortcut>
-#include <QSlider>
-#include <QSpinBox>
 #include <QTabWidget>
 #include <QTimer>
 #include <QToolButton>
@@ -67,8 +63,6 @@ QWidget* dashboardLike() {
 }
 
 QWidget* settingsLike() {
-    const auto check = [] { return new QCheckBox("Show something"); };
-    const auto option = [] { return new QRadioButton("One of two"); };
     const auto coin = [] { return column(label(), new QToolButton); };
     auto* const rows = new QScrollArea;
     rows->setWidget(column(coin(), coin(), coin(), coin(), coin()));
@@ -76,14 +70,9 @@ QWidget* settingsLike() {
     suggestions->hide();
     auto* const tabs = new QTabWidget;
     tabs->addTab(column(rows, label(), new QLineEdit, suggestions, new QLineEdit, label(), new QToolButton), "Coins");
-    auto* const sources = new QScrollArea;
-    sources->setWidget(column(option()));
-    tabs->addTab(column(label(), sources, label(), label(), new QLineEdit, label(), label(), label(), label()), "Two");
-    tabs->addTab(column(check(), label(), option(), option(), label(), check(), label(), new QSlider(Qt::Horizontal),
-                        new QSpinBox, check(), check(), check(), check(), option(), option(), label()),
-                 "Three");
-    tabs->addTab(column(label(), label(), label()), "Four");
-    tabs->addTab(column(label(), label(), label(), label(), label(), new QToolButton), "Five");
+    for (const char* const title : {"Data Source", "Display", "Contact", "About"}) {
+        tabs->addTab(column(), title);  // made when it is shown
+    }
     return column(tabs, new QPushButton("Close"));
 }
 

@@ -58,7 +58,7 @@ private:
 }  // namespace
 
 APISettingsView::APISettingsView(settingsViewModel& all, const platform::Graphics& graphics, QWidget* parent)
-    : QWidget(parent), model_(all.sources), about_(all.about), graphics_(graphics) {
+    : QWidget(parent), model_(all.sources()), about_(all.about), graphics_(graphics) {
     setMinimumSize(400, 370);
     auto* const layout = new QVBoxLayout(this);
     if (!model_.config) {

@@ -16,6 +16,7 @@ namespace glintar::settings {
 namespace {
 
 constexpr std::size_t kMaxSuggestions = 20;
+constexpr std::chrono::milliseconds kTimeToPaint{100};
 
 /// Line breaks stay: they are part of what was pasted.
 std::string_view withoutBlanks(std::string_view text) {
@@ -34,9 +35,9 @@ coinsSettingsViewModel::coinsSettingsViewModel(platform::Platform& platform)
 
 void coinsSettingsViewModel::loadCoins() {
     readCoins();
-    loadCoinCatalogue();
     updateLimit();
     changed();
+    catalogueLoading_ = platform_.runLoop.after(kTimeToPaint, [this] { loadCoinCatalogue(); });
 }
 
 void coinsSettingsViewModel::readCoins() {
@@ -60,6 +61,7 @@ void coinsSettingsViewModel::saveCoins() {
 }
 
 void coinsSettingsViewModel::loadCoinCatalogue() {
+    catalogueLoading_.reset();
     if (allCoinEntries_.empty()) {
         allCoinEntries_ = config::loadCoinCatalogue(platform_);
         search_.emplace(allCoinEntries_);
@@ -98,6 +100,9 @@ void coinsSettingsViewModel::addCoin() {
     const auto typed = withoutBlanks(newCoinDisplayName);
     if (typed.empty()) {
         return;
+    }
+    if (catalogueLoading_) {
+        loadCoinCatalogue();
     }
     auto chosen = choose(typed);
     if (chosen.apiId.empty()) {

@@ -4,6 +4,7 @@
 #include "config/CoinCatalogue.h"
 #include "config/CoinSearch.h"
 #include "platform/NotificationCenter.h"
+#include "platform/RunLoop.h"
 
 #include <cstddef>
 #include <functional>
@@ -27,6 +28,7 @@ class coinsSettingsViewModel {  // NOLINT(readability-identifier-naming): a give
 public:
     explicit coinsSettingsViewModel(platform::Platform& platform);
 
+    /// Reads the list at once. The catalogue follows as soon as the screen is painted, or is needed.
     void loadCoins();
     void saveCoins();
     void loadCoinCatalogue();
@@ -73,6 +75,7 @@ private:
     platform::Platform& platform_;
     config::CoinCatalogue allCoinEntries_;
     std::optional<config::CoinSearch> search_;  ///< in it, once it is loaded
+    platform::TimerHandle catalogueLoading_;
     std::unique_ptr<platform::NotificationCenter::Observation> updates_;
 };
 

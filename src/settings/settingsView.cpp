@@ -52,20 +52,22 @@ public:
         tabs_->setMinimumSize(kTabSize);
         tabs_->tabBar()->setElideMode(Qt::ElideNone);
         tabs_->setUsesScrollButtons(false);
-        for (auto* const view : std::initializer_list<QWidget*>{
-                 new coinsSettingsView(model.coins, graphics, tabs_), new APISettingsView(model, graphics, tabs_),
-                 new displaymodeSettingsView(model.display, tabs_),
-                 new ContactSettingsView(model.about, graphics, tabs_), new AboutView(model.about, graphics, tabs_)}) {
-            tabs_->addTab(view, kMnemonics.at(static_cast<std::size_t>(tabs_->count())));
+        for (const char* const title : kMnemonics) {
+            auto* const page = new QWidget;
+            (new QVBoxLayout(page))->setContentsMargins(0, 0, 0, 0);
+            tabs_->addTab(page, title);
         }
         showIcons();
         all->addWidget(tabs_);
         addClose(*all);
         tabs_->tabBar()->setFocus();
-        QObject::connect(tabs_, &QTabWidget::currentChanged, this,
-                         [this](int tab) { model_.select(kTabs.at(static_cast<std::size_t>(tab)).tag); });
+        QObject::connect(tabs_, &QTabWidget::currentChanged, this, [this](int tab) {
+            fill(tab);
+            model_.select(kTabs.at(static_cast<std::size_t>(tab)).tag);
+        });
         model_.onChange = [this] { showTab(); };
         showTab();
+        fill(tabs_->currentIndex());
     }
 
     settingsView(const settingsView&) = delete;
@@ -107,6 +109,29 @@ private:
         row->addWidget(close);
         row->addStretch();
         all.addLayout(row);
+    }
+
+    /// A tab is made when it is first shown, and then kept.
+    void fill(int tab) {
+        QLayout& page = *tabs_->widget(tab)->layout();
+        if (page.isEmpty()) {
+            page.addWidget(makeTab(tab));
+        }
+    }
+
+    QWidget* makeTab(int tab) {
+        switch (tab) {
+            case 0:
+                return new coinsSettingsView(model_.coins, graphics_);
+            case 1:
+                return new APISettingsView(model_, graphics_);
+            case 2:
+                return new displaymodeSettingsView(model_.display());
+            case 3:
+                return new ContactSettingsView(model_.about, graphics_);
+            default:
+                return new AboutView(model_.about, graphics_);
+        }
     }
 
     void showIcons() {

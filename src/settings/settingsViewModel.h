@@ -9,6 +9,7 @@
 #include <array>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -28,7 +29,8 @@ inline constexpr std::array<Tab, 5> kTabs{{{"Coins", "coins"},
                                            {"Contact", "contact"},
                                            {"About", "about"}}};
 
-/// The content of the settings window: which tab is shown, and the model of each. Main thread only.
+/// The content of the settings window: which tab is shown, and the model of each. Those that read something are made
+/// when they are first asked for. Main thread only.
 class settingsViewModel {  // NOLINT(readability-identifier-naming): named as the screen is
 public:
     struct Environment {
@@ -43,6 +45,9 @@ public:
 
     void select(std::string_view tag);
 
+    [[nodiscard]] APISettingsViewModel& sources();
+    [[nodiscard]] displaymodeSettingsViewModel& display();
+
     /// Runs after `selectedTab` has changed.
     std::function<void()> onChange;
     /// Closes the window; set by whoever owns it.
@@ -50,11 +55,14 @@ public:
 
     std::string selectedTab;
     coinsSettingsViewModel coins;
-    APISettingsViewModel sources;
-    displaymodeSettingsViewModel display;
     AboutModel about;
 
 private:
+    platform::Platform& platform_;
+    platform::LoginItem& loginItem_;
+    std::function<PanelAbilities()> abilities_;
+    std::optional<APISettingsViewModel> sources_;
+    std::optional<displaymodeSettingsViewModel> display_;
     std::unique_ptr<platform::NotificationCenter::Observation> switches_;
 };
 

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Starts each text bar with its block of docs/text-bars.md and looks whether a price is seen. The market is simulated and
 # the first coin is called "A&B <c>". Usage: run.sh BUILD_FOLDER [PICTURE_FOLDER]
+#                                            run.sh BUILD_FOLDER cost MINUTES   what the module costs Waybar, as a row of ./bench
 set -u
 here=$(cd "$(dirname "$0")" && pwd)
 guide="$here/../../docs/text-bars.md"
@@ -14,9 +15,9 @@ if [ "$(id -u)" -eq 0 ]; then
   cp -rL "$build/resources" "$GLINTAR_BARS/bin"
   cp "$guide" "$0" "$GLINTAR_BARS"
   chmod -R a+rX "$GLINTAR_BARS" && chown -R nobody "$GLINTAR_BARS"
-  runuser -u nobody -- bash "$GLINTAR_BARS/run.sh" "$GLINTAR_BARS/bin"
+  runuser -u nobody -- bash "$GLINTAR_BARS/run.sh" "$GLINTAR_BARS/bin" "${@:2}"
   status=$?
-  [ -n "$pictures" ] && cp "$GLINTAR_BARS"/out/bar-*.png "$pictures"
+  [ -d "$pictures" ] && cp "$GLINTAR_BARS"/out/bar-*.png "$pictures"
   if [ "$status" -eq 0 ]; then rm -rf "$GLINTAR_BARS"; else echo "what was left behind: $GLINTAR_BARS" >&2; fi
   exit "$status"
 fi
@@ -43,11 +44,21 @@ block() { awk -v mark="<!-- block $1 -->" '$0 == mark { seen = 1; next } seen &&
 # Each in a process group of its own, which ends as a whole.
 start() { setsid "$@" >>"$out/log" 2>&1 & pids+=($!); }
 stop() { kill -- "-${pids[-1]}" 2>/dev/null; wait "${pids[-1]}" 2>/dev/null; unset 'pids[-1]'; }
-verdict() { if "${@:2}"; then echo "$1: a price is seen"; else echo "$1: NO PRICE"; failures=$((failures + 1)); fi; }
-# is_written PICTURE COPIES FORMAT: so many copies run, and there is more on the bar than a plain area or a word.
+# verdict NAME COMMAND...: whether the command succeeds within half a minute.
+verdict() {
+  for _ in $(seq 30); do
+    if "${@:2}"; then echo "$1: a price is seen"; return; fi
+    sleep 1
+  done
+  echo "$1: NO PRICE"
+  failures=$((failures + 1))
+}
+# is_written NAME COPIES FORMAT CROP SHOT...: so many copies run, and there is more on the bar than a plain area or a word.
 is_written() {
-  [ "$(pgrep -u "$(id -u)" -fc "^glintar line --format $3")" -eq "$2" ] &&
-    [ "$(convert "$1" -crop 400x16+100+4 -format %k info: 2>/dev/null || echo 0)" -gt 24 ]
+  local picture="$out/bar-$1.png"
+  "${@:5}" "$out/screen.png" 2>>"$out/log" && convert "$out/screen.png" -crop "$4" +repage "$picture" &&
+    [ "$(pgrep -u "$(id -u)" -fc "^glintar line --format $3")" -eq "$2" ] &&
+    [ "$(convert "$picture" -crop 400x16+100+4 -format %k info: 2>/dev/null || echo 0)" -gt 24 ]
 }
 has_price() { grep -Eq 'A&B <C> [0-9]+\.[0-9]{2}' <<<"$1"; }
 
@@ -60,16 +71,33 @@ waybar_case() {
   block waybar >"$HOME/.config/waybar/config"
   printf 'output * bg #203040 solid_color\nexec waybar\n' >"$work/sway"
   start env WLR_BACKENDS=headless WLR_HEADLESS_OUTPUTS=2 WLR_RENDERER=pixman WLR_LIBINPUT_NO_DEVICES=1 dbus-run-session sway -c "$work/sway"
-  sleep 8
-  local socket=$(basename "$(ls "$XDG_RUNTIME_DIR"/wayland-? | head -1)")
   for output in HEADLESS-1 HEADLESS-2; do
-    rm -f "$out/bar-waybar.png"
-    WAYLAND_DISPLAY=$socket grim -o $output "$out/$output.png" && convert "$out/$output.png" -gravity northeast -crop 900x28+0+0 +repage "$out/bar-waybar.png"
-    verdict "Waybar on $output" is_written "$out/bar-waybar.png" 2 waybar
+    # The right end of the bar: the screen is 1280 points wide.
+    verdict "Waybar on $output" is_written waybar 2 waybar 900x28+380+0 on_sway grim -o $output
     grep "Error parsing" "$out/log" && failures=$((failures + 1))
   done
   stop
 }
+on_sway() { WAYLAND_DISPLAY=$(basename "$(ls "$XDG_RUNTIME_DIR"/wayland-? | head -1)") "$@"; }
+
+# Two bars side by side: one with our module, one with a clock that is written as often.
+waybar_cost() {
+  local minutes=$1 bar used=() before=()
+  block waybar >"$work/ours"
+  echo '{"modules-right":["clock"],"clock":{"interval":60}}' >"$work/clock"
+  echo 'output * bg #203040 solid_color' >"$work/sway"
+  start env WLR_BACKENDS=headless WLR_RENDERER=pixman WLR_LIBINPUT_NO_DEVICES=1 dbus-run-session sway -c "$work/sway"
+  sleep 5
+  for bar in ours clock; do start env WAYLAND_DISPLAY="$(on_sway printenv WAYLAND_DISPLAY)" waybar -c "$work/$bar"; done
+  sleep 15
+  for bar in 2 1; do before+=("$(nanoseconds "${pids[-bar]}")"); done
+  sleep $((60 * minutes))
+  for bar in 2 1; do used+=("$(nanoseconds "${pids[-bar]}")"); done
+  awk -v o=$((used[0] - before[0])) -v f=$((used[1] - before[1])) -v m="$minutes" 'BEGIN {
+    printf "%-74s%14s%14s%8.2f%8s\n", "Waybar with our module: processor time a minute / its clock", sprintf("%.4g ms", o / 1e6 / m),
+      sprintf("%.4g ms", f / 1e6 / m), o / f, "" }'
+}
+nanoseconds() { cat /proc/"$1"/task/*/schedstat | awk '{ n += $1 } END { print n }'; }
 
 # x11_case NAME CROP COPIES COMMAND...: a bar on an X server of its own.
 x11_case() {
@@ -79,9 +107,7 @@ x11_case() {
   sleep 1
   export DISPLAY=$display
   start "$@"
-  sleep 8
-  import -window root -crop "$crop" +repage "$out/bar-$name.png"
-  verdict "$name" is_written "$out/bar-$name.png" "$copies" "$name"
+  verdict "$name" is_written "$name" "$copies" "$name" "$crop" import -window root
   stop
   stop
   unset DISPLAY
@@ -138,5 +164,9 @@ prompt_case() {
   verdict "shell prompt" has_price "$(echo exit | bash --rcfile "$work/bashrc" -i 2>&1)"
 }
 
+if [ "$pictures" = cost ]; then
+  waybar_cost "$3"
+  exit
+fi
 for bar in waybar i3 polybar genmon tmux conky prompt; do "${bar}_case"; done
 [ "$failures" -eq 0 ]

@@ -117,6 +117,8 @@ TEST_F(SharedRefreshTest, ThreeCopiesAskAsOftenAsOneAndTheNextTakesOverWithoutAs
     const int before = copies.front().asked();
     copies.pop_front();
     advance(3s);
+    EXPECT_EQ(common.locks.size(), 1U) << "handed over";
+    EXPECT_EQ(copies.back().output.lines.size(), 3U) << "nothing new";
     copies.back().command->onSignal(SIGUSR1);
     advance(1s);
     EXPECT_EQ(asked() + before, 4) << "by the one that took over";
@@ -166,6 +168,24 @@ TEST_F(SharedRefreshTest, PricesThatAnotherGotAreAsOldAsThere) {
     EXPECT_THAT(follower.output.lines.back(), testing::AllOf(HasSubstr(R"("stale":true)"), HasSubstr(updated)));
 }
 
+TEST_F(SharedRefreshTest, NewCoinsAreAskedForOnceWhoeverHearsOfThemFirst) {
+    for (int i = 0; i < 3; ++i) {
+        start();
+    }
+    advance(2s);
+    for (auto copy = copies.rbegin(); copy != copies.rend(); ++copy) {  // the one that asks comes last
+        test::saveCoins(copy->machine.preferences, {test::coin("eth", "ethereum")});
+        copy->machine.http.answer("gecko.test", test::geckoAnswer({"ethereum"}, 3));
+        copy->machine.notifications.post(config::kCoinsUpdated);
+        advance(100ms);
+    }
+    advance(10s);
+    EXPECT_EQ(asked(), 2);
+    for (const auto& copy : copies) {
+        EXPECT_EQ(copy.output.lines.back(), "ETH 3.00");
+    }
+}
+
 TEST_F(SharedRefreshTest, ACopyThatWantsSomethingElseAsksForItselfUntilItWantsTheSame) {
     start();
     auto& keyed = start({}, "s3cret");
@@ -186,6 +206,7 @@ TEST_F(SharedRefreshTest, ACopyThatWantsSomethingElseAsksForItselfUntilItWantsTh
 
 TEST_F(SharedRefreshTest, WithADamagedPageOrNoPlaceForOneEveryCopyStillHasPrices) {
     common.page = R"({"generation":7,"interval":60,"quotes":[{"id":)";
+    start();
     start();
     start();
     advance(2s);

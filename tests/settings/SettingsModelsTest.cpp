@@ -139,7 +139,7 @@ TEST_F(SettingsModelsTest, AListWrittenElsewhereIsShownAndNothingTypedIsLost) {
 }
 
 TEST_F(SettingsModelsTest, DisplaySettingsAreSavedAnnouncedOnceAndReadAgain) {
-    auto& display = model.display;
+    auto& display = model.display();
     display.reload();
     machine.advance(1ms);
     EXPECT_EQ(display.offsetText(), "16 px");

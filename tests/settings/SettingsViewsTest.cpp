@@ -20,7 +20,9 @@ namespace {
 /// Does to the part so called what a screen reader can do to it.
 void act(QAccessibleInterface& part, const QString& name) {
     if (part.text(QAccessible::Name) == name && part.actionInterface() != nullptr) {
-        part.actionInterface()->doAction(QAccessibleActionInterface::toggleAction());
+        part.actionInterface()->doAction(part.role() == QAccessible::PageTab
+                                             ? QAccessibleActionInterface::pressAction()
+                                             : QAccessibleActionInterface::toggleAction());
     }
     for (int i = 0; i < part.childCount(); ++i) {
         act(*part.child(i), name);
@@ -40,7 +42,7 @@ TEST(SettingsViewsTest, AScreenReaderCanSwitchChooseAndTakeSuggestions) {
     const auto view = static_cast<platform::QtView&>(*makeSettingsView(model, graphics)).take();
     view->show();
     auto& root = *QAccessible::queryAccessibleInterface(view.get());
-    for (const auto* name : {"Mouse Follow", "Show 24h Change (%)", "Binance"}) {
+    for (const auto* name : {"Display", "Mouse Follow", "Show 24h Change (%)", "Data Source", "Binance", "Coins"}) {
         act(root, name);
     }
     EXPECT_EQ(machine.preferences.integer("displayMode"), 1);
