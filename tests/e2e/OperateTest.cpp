@@ -5,6 +5,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <signal.h>
 
 #include <chrono>
 #include <ranges>
@@ -67,14 +68,18 @@ protected:
     /// Of the menu that a click on the icon opens, the entry so many steps down; a step up is the last.
     enum Entry { Dashboard = 1, Settings = 2, Diagnostics = 3, Quit = -1 };
     void choose(Entry entry) const {
+        openMenu();
+        type(Words(static_cast<std::size_t>(std::abs(entry)), entry > 0 ? "Down" : "Up"));
+        type({"Return"});
+    }
+
+    void openMenu() const {
         const auto strip = placeOfStrip();
         ASSERT_TRUE(strip);
         const auto before = visibleWindows();
         display->input({"mousemove", std::to_string(int(strip->right()) - 14),
                         std::to_string(int(strip->y + strip->height / 2)), "click", "1"});
         ASSERT_TRUE(eventually([&] { return visibleWindows() != before; })) << "no menu";
-        type(Words(static_cast<std::size_t>(std::abs(entry)), entry > 0 ? "Down" : "Up"));
-        type({"Return"});
     }
 
     std::optional<platform::PrivateBus> bus;
@@ -165,6 +170,21 @@ TEST_F(OperateTest, SettingsTakeEffectAsTheyAreMade) {
         }
     }
     EXPECT_NEAR(pause.count(), 30, 3);
+}
+
+TEST_F(OperateTest, AnOpenMenuHoldsUpNeitherRefreshNorEnd) {
+    showDesktop(false);
+    auto program = start({});
+    ASSERT_TRUE(showsPills(kLightPill, kPillsOfTheProfile)) << program.errors();
+    openMenu();
+    const auto windows = visibleWindows();
+    preferences(fiveCoins());
+    see(kStrip, {R"(CAR \d.*)"});
+    EXPECT_EQ(visibleWindows(), windows) << "it stays open";
+    program.signal(SIGTERM);
+    const auto before = steady_clock::now();
+    EXPECT_EQ(program.wait(), 0);
+    EXPECT_LT(steady_clock::now() - before, 2s);
 }
 
 TEST_F(OperateTest, CleaningTheCacheStartsItAnewInItsOwnPlace) {
