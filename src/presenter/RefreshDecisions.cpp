@@ -54,7 +54,7 @@ AfterFetch afterFetch(CycleState& state, const FetchEnd& end) {
         after.next = Next::Everything;
     } else if (end.askedForQuotes && end.hasError && state.isDoubtful) {
         after.next = Next::Early;
-    } else if (!end.isFeeWanted) {
+    } else if (!end.isFeeRight) {
         after.next = Next::OnlyGas;
     }
     return after;

@@ -60,7 +60,7 @@ struct FetchEnd {
     bool hasError = false;
     bool isSameSource = true;
     bool isSameWish = true;   ///< source, coins and key are those that it began with
-    bool isFeeWanted = true;  ///< a fee that it asked for is of the network that is selected now, so its unit is right
+    bool isFeeRight = true;   ///< it asked for the fee that is wanted now, if any
 };
 
 struct AfterFetch {

@@ -227,7 +227,6 @@ platform::Seconds StatusBarController::calculateRefreshInterval() {
 void StatusBarController::refreshAll(Scope scope) {
     surface_.updateDashboardItem("Arbitrage Dashboard", true);
     if (scope == Scope::Everything) {
-        currentGasPrice_.reset();
         restartTimers();
     }
     redisplayFromCache();

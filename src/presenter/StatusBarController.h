@@ -108,6 +108,7 @@ private:
     void takeFee(const FetchResult& result);
     void takeQuotes(FetchResult& result);
     void noticeKeyRejection(const FetchResult& result);
+    void forgetAll();
     void forgetWhatIsNotWanted();
     void showAll();
     void renderStatusItem();

@@ -150,13 +150,15 @@ bool StatusBarController::isAnsweredByCache(const std::vector<config::Coin>& coi
 
 void StatusBarController::handleFetchCompletion(FetchResult& result) {
     const auto now = wish();
-    const auto gasSource = config::Settings::load(platform_.preferences).gasSource;
+    const auto settings = config::Settings::load(platform_.preferences);
     const auto after = afterFetch(cycle_, {.askedForQuotes = result.askedForQuotes,
                                            .hasError = result.error.has_value(),
                                            .isSameSource = result.wish.source == now.source,
                                            .isSameWish = result.wish == now,
-                                           .isFeeWanted = !result.fee || result.fee->gasSource == gasSource});
+                                           .isFeeRight = !settings.showGasFee ||
+                                                         (result.fee && result.fee->gasSource == settings.gasSource)});
     if (after.isShown) {
+        forgetWhatIsNotWanted();
         takeFee(result);
         if (after.takesQuotes) {
             if (result.wish.key == now.key) {
@@ -210,13 +212,13 @@ void StatusBarController::takeQuotes(FetchResult& result) {
     outcome_ = Outcome{.error = std::move(result.error),
                        .hasPrices = std::ranges::any_of(
                            result.coins, [&](const auto& coin) { return result.quotes.contains(coin.apiId); }),
-                       .time = platform_.localTime.clockText(platform_.runLoop.wallNow())};
+                       .time = platform_.localTime.clockText(platform_.runLoop.wallNow()),
+                       .asked = result.wish.coins};
     outcomeText_ = tooltipText(outcome_->error, outcome_->hasPrices, isApiKeyInvalid_, outcome_->time);
     for (auto& [id, quote] : result.quotes) {
         quote.arrival = {platform_.runLoop.wallNow(), platform_.runLoop.now()};
     }
     if (cachedMarketData_) {
-        forgetWhatIsNotWanted();
         for (auto& [id, quote] : *cachedMarketData_) {
             quote.arrival.isOld = true;
         }
@@ -238,26 +240,37 @@ void StatusBarController::noticeKeyRejection(const FetchResult& result) {
     }
 }
 
+void StatusBarController::forgetAll() {
+    outcome_.reset();
+    cachedMarketData_.reset();
+    state_.latestMarketData.clear();
+    currentGasPrice_.reset();
+}
+
 /// Quotes of another source go, and those of coins that are not watched any more.
 void StatusBarController::forgetWhatIsNotWanted() {
-    auto source = config::Settings::load(platform_.preferences).selectedSourceID;
-    if (source != cachedSource_) {
-        cachedSource_ = std::move(source);
-        outcome_.reset();
-        cachedMarketData_.reset();
-        state_.latestMarketData.clear();
+    const auto settings = config::Settings::load(platform_.preferences);
+    if (settings.selectedSourceID != cachedSource_) {
+        cachedSource_ = settings.selectedSourceID;
+        forgetAll();
+    }
+    const auto coins = config::loadSavedCoins(platform_);
+    const auto isWatched = [&](std::string_view id) {
+        return std::ranges::find(coins, id, &config::Coin::apiId) != coins.end();
+    };
+    if (outcome_) {
+        std::erase_if(outcome_->asked, [&](const auto& id) { return !isWatched(id); });
+        if (outcome_->asked.empty()) {  // nobody has asked for these coins yet
+            forgetAll();
+        }
     }
     if (cachedMarketData_) {
-        const auto coins = config::loadSavedCoins(platform_);
+        const bool hasPhantom = settings.showGasFee && settings.gasSource == 0;
         std::erase_if(*cachedMarketData_, [&](const auto& entry) {
-            const bool isPhantom = entry.first == kEthereumId || entry.first == kEthereumSymbol;
-            return !isPhantom && std::ranges::find(coins, entry.first, &config::Coin::apiId) == coins.end();
+            const bool isPhantom = hasPhantom && (entry.first == kEthereumId || entry.first == kEthereumSymbol);
+            return !isPhantom && !isWatched(entry.first);
         });
         state_.latestMarketData = *cachedMarketData_;
-        if (cachedMarketData_->empty()) {  // nobody has asked for these coins yet
-            cachedMarketData_.reset();
-            outcome_.reset();
-        }
     }
 }
 

@@ -78,7 +78,7 @@ StatusLine composeStatusLine(const config::Settings& settings, const std::vector
     for (std::size_t i = 0; i < std::min(coins.size(), kShownCoins); ++i) {
         if (const auto quote = quotes.find(coins[i].apiId); quote != quotes.end()) {
             line.coins.push_back(composeCoin(line.parts, coins[i], quote->second));
-        } else if (isGoodAnswer) {
+        } else if (isGoodAnswer && std::ranges::find(outcome->asked, coins[i].apiId) != outcome->asked.end()) {
             line.lacking.push_back(coins[i].displayName);
         }
     }

@@ -57,6 +57,7 @@ struct Outcome {
     std::optional<std::string> error;
     bool hasPrices = true;  ///< of at least one coin of the user's
     std::string time;       ///< when it ended, as the user reads it: "HH:mm:ss"
+    std::vector<std::string> asked;  ///< identifiers of the coins that it was for and that are still watched
 };
 
 /// What the price line shows, before anybody draws or writes it.

@@ -51,11 +51,16 @@ TEST_F(FeeCycleTest, TheFeeStandsBesideTheCoinsWithItsCostInDollars) {
     EXPECT_THAT(shownPrices(), SizeIs(1)) << "the coin that only prices the fee is not shown";
     EXPECT_EQ(surface.line.gas.value().text, "12G ($0.630)");
     EXPECT_TRUE(machine.console.printed("⛽️ [Gas] Injecting phantom coin for pricing: ethereum"));
-    controller->forceFullUpdate();
-    EXPECT_FALSE(surface.line.gas) << "a full refresh begins without a fee";
     machine.http.answer("eth.test", "{}");
-    machine.advance(60s);
-    EXPECT_FALSE(surface.line.gas) << "a fee that could not be had is not shown";
+    controller->forceFullUpdate();
+    EXPECT_FALSE(surface.line.gas.value().arrival.isOld);
+    machine.advance(1s);
+    EXPECT_TRUE(surface.line.gas.value().arrival.isOld) << "a fee that could not be had stays";
+
+    save({test::coin("SOL", "solana")});
+    machine.notifications.post(config::kCoinsUpdated);
+    EXPECT_EQ(surface.line.emptyText, "Loading...") << "whatever is known of the coin that prices the fee";
+    EXPECT_FALSE(surface.line.gas);
 }
 
 TEST_F(FeeCycleTest, ChangingTheFeeSettingsCostsOneFeeRequestAndNoQuotes) {
@@ -96,19 +101,35 @@ TEST_F(FeeCycleTest, AFeeThatNeedsAnotherPriceAsksForTheQuotesToo) {
     displaySettingsSaved();
     EXPECT_TRUE(machine.console.printed("⚠️ [Fetch] Cache Miss. Missing: [\"ethereum\"]. Forcing Network."));
     EXPECT_EQ(quotesAsked(), 2);
+
+    machine.preferences.setBoolean("showGasFee", false);
+    machine.http.answer("gecko.test", test::geckoAnswer({"bitcoin", "ethereum"}, 2500));
+    displaySettingsSaved();
+    machine.advance(60s);
+    machine.http.answer("gecko.test", test::geckoAnswer({"bitcoin"}, 2500));
+    machine.advance(60s);
+    machine.http.answer("gecko.test", test::geckoAnswer({"bitcoin", "ethereum"}, 5000));
+    showGas(0);
+    displaySettingsSaved();
+    EXPECT_EQ(surface.line.gas.value().text, "12G ($1.260)") << "not by the price of long ago";
 }
 
-TEST_F(FeeCycleTest, AFeeOfANetworkDeselectedMeanwhileIsNotShown) {
-    showGas(0);
-    begin();
-    machine.http.latency = 5s;
-    machine.advance(60s);  // a refresh is in flight
-    machine.preferences.setInteger("gasSource", 1);
-    machine.notifications.post(config::kDisplaySettingsChanged);
-    machine.advance(5s);
-    EXPECT_FALSE(surface.line.gas);
-    machine.advance(6s);
-    EXPECT_EQ(surface.line.gas.value().text, "7 sat") << "the right one is asked for at once";
+TEST_F(FeeCycleTest, AFeeSelectedDuringAFetchIsAskedForAtOnceAndTheOtherIsNotShown) {
+    for (const bool wasShown : {true, false}) {
+        machine.preferences.setInteger("gasSource", 0);
+        machine.preferences.setBoolean("showGasFee", wasShown);
+        begin();
+        machine.http.latency = 5s;
+        machine.advance(60s);  // a refresh is in flight
+        showGas(1);
+        machine.notifications.post(config::kDisplaySettingsChanged);
+        machine.advance(5s);
+        EXPECT_FALSE(surface.line.gas) << wasShown;
+        machine.advance(6s);
+        ASSERT_TRUE(surface.line.gas) << wasShown;
+        EXPECT_EQ(surface.line.gas->text, "7 sat");
+        machine.http.latency = 5ms;
+    }
 }
 
 struct Written {

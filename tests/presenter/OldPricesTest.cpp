@@ -99,6 +99,11 @@ TEST_F(OldPricesTest, AChangeDuringAFetchIsFollowedByAnotherAndNeverShowsAWrongP
     EXPECT_EQ(quotesAsked(), asked + 1);
     EXPECT_EQ(text(), "SOL 1.50 | ₿ 7 sat") << "asked for at once, and the late answer is dropped";
 
+    save({test::coin("SOL", "solana"), test::coin("XRP", "ripple")});
+    machine.notifications.post(config::kCoinsUpdated);
+    EXPECT_EQ(surface.tooltip.find("No price"), std::string::npos) << "nobody has asked yet: " << surface.tooltip;
+    machine.advance(1s);
+
     save({});
     machine.preferences.setBoolean("showGasFee", false);
     saved();

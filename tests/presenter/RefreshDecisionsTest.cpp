@@ -64,7 +64,7 @@ TEST(RefreshDecisionsTest, WhatTheEndOfAFetchMeans) {
                      {.isSameSource = false, .isSameWish = false},
                      {.takesQuotes = false, .next = Next::Everything},
                      false},
-             EndCase{"other network", {}, {.isFeeWanted = false}, {.next = Next::OnlyGas}, false},
+             EndCase{"other network", {}, {.isFeeRight = false}, {.next = Next::OnlyGas}, false},
              EndCase{"the fee alone is no success",
                      {.hasFailed = true},
                      {.askedForQuotes = false},
