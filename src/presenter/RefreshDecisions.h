@@ -59,8 +59,8 @@ struct FetchEnd {
     bool askedForQuotes = true;
     bool hasError = false;
     bool isSameSource = true;
-    bool isSameWish = true;   ///< source, coins and key are those that it began with
-    bool isFeeRight = true;   ///< it asked for the fee that is wanted now, if any
+    bool isSameWish = true;  ///< source, coins and key are those that it began with
+    bool isFeeRight = true;  ///< it asked for the fee that is wanted now, if any
 };
 
 struct AfterFetch {

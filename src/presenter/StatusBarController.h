@@ -101,7 +101,7 @@ private:
     [[nodiscard]] Wish wish();
     [[nodiscard]] std::string wordsOf(const Wish& wish) const;
     bool isLeftToOthers(const Wish& wish);
-    void showPublished(const Publication& page);
+    void showPublished(const Publication& page, const Wish& wish);
     void publish(const Wish& wish);
     void onPosted();
     void handleFetchCompletion(FetchResult& result);

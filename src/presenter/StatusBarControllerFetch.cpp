@@ -151,12 +151,12 @@ bool StatusBarController::isAnsweredByCache(const std::vector<config::Coin>& coi
 void StatusBarController::handleFetchCompletion(FetchResult& result) {
     const auto now = wish();
     const auto settings = config::Settings::load(platform_.preferences);
-    const auto after = afterFetch(cycle_, {.askedForQuotes = result.askedForQuotes,
-                                           .hasError = result.error.has_value(),
-                                           .isSameSource = result.wish.source == now.source,
-                                           .isSameWish = result.wish == now,
-                                           .isFeeRight = !settings.showGasFee ||
-                                                         (result.fee && result.fee->gasSource == settings.gasSource)});
+    const auto after = afterFetch(
+        cycle_, {.askedForQuotes = result.askedForQuotes,
+                 .hasError = result.error.has_value(),
+                 .isSameSource = result.wish.source == now.source,
+                 .isSameWish = result.wish == now,
+                 .isFeeRight = !settings.showGasFee || (result.fee && result.fee->gasSource == settings.gasSource)});
     if (after.isShown) {
         forgetWhatIsNotWanted();
         takeFee(result);

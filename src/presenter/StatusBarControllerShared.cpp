@@ -33,14 +33,15 @@ bool StatusBarController::isLeftToOthers(const Wish& wish) {
         timer_ = platform_.runLoop.after(turn.wait, [this] { performFetch(Scope::Everything); });
     }
     if (turn.answer) {
-        showPublished(*turn.answer);  // last: it may end the program
+        showPublished(*turn.answer, wish);  // last: it may end the program
     }
     return true;
 }
 
-void StatusBarController::showPublished(const Publication& page) {
+void StatusBarController::showPublished(const Publication& page, const Wish& wish) {
     cachedSource_ = config::Settings::load(platform_.preferences).selectedSourceID;
     outcome_ = page.outcome;
+    outcome_->asked = wish.coins;  // the page answers the same wish
     outcomeText_ = page.tooltip;
     cachedMarketData_ = page.quotes.empty() ? std::nullopt : std::optional(page.quotes);
     state_.latestMarketData = page.quotes;

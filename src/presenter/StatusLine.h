@@ -55,8 +55,8 @@ struct ShownParts {
 /// What the last completed refresh that asked for quotes came to.
 struct Outcome {
     std::optional<std::string> error;
-    bool hasPrices = true;  ///< of at least one coin of the user's
-    std::string time;       ///< when it ended, as the user reads it: "HH:mm:ss"
+    bool hasPrices = true;           ///< of at least one coin of the user's
+    std::string time;                ///< when it ended, as the user reads it: "HH:mm:ss"
     std::vector<std::string> asked;  ///< identifiers of the coins that it was for and that are still watched
 };
 
