@@ -11,7 +11,6 @@ using platform::Color;
 using platform::ImagePtr;
 using platform::Point;
 using platform::Rect;
-using platform::Size;
 
 namespace {
 

@@ -80,7 +80,8 @@ Part beside(std::vector<Part> parts, double spacing) {
     Part result;
     for (auto& part : parts) {
         const double down = before(height, part.size.height, kCenter);
-        result.put(std::move(part), result.size.width + (&part == &parts.front() ? 0 : spacing), down);
+        const double gap = &part == &parts.front() ? 0 : spacing;
+        result.put(std::move(part), result.size.width + gap, down);
     }
     return result;
 }
@@ -99,7 +100,8 @@ Part stacked(std::vector<Part> parts, double spacing, double share) {
     Part result;
     for (auto& part : parts) {
         const double left = before(width, part.size.width, share);
-        result.put(std::move(part), left, result.size.height + (&part == &parts.front() ? 0 : spacing));
+        const double gap = &part == &parts.front() ? 0 : spacing;
+        result.put(std::move(part), left, result.size.height + gap);
     }
     return result;
 }
@@ -192,6 +194,7 @@ private:
             return single(*cell.sparkline, kSparklineSize);
         }
         std::vector<Part> lines;
+        lines.reserve(cell.lines.size());
         for (const auto& line : cell.lines) {
             lines.push_back(text(line));
         }

@@ -110,7 +110,7 @@ void CryptoService::fetchGasPrice(FeeCompletion completion) {
                             std::optional<double> fee;
                             try {
                                 fee = readFee(console, *gas, std::move(result));
-                            } catch (const std::exception&) {  // no memory for it: there is no fee
+                            } catch (const std::exception&) {  // NOLINT(bugprone-empty-catch): no memory, so no fee
                             }
                             completion(fee);
                         });
