@@ -149,14 +149,14 @@ C
 
 tmux_case() {
   block tmux >"$work/tmux"
-  TERM=xterm-256color timeout 6 script -qfc "stty cols 160; tmux -S $work/tmux-socket -f $work/tmux new-session" "$out/tmux" >/dev/null 2>&1 </dev/zero
-  tmux -S "$work/tmux-socket" kill-server
-  verdict tmux has_price "$(cat "$out/tmux")"
+  x11_case tmux 900x28+0+70 1 xterm -fa 'DejaVu Sans Mono' -fs 9 -geometry 128x6+0+0 -e tmux -S "$work/tmux-socket" -f "$work/tmux" new-session
 }
 
 conky_case() {
-  printf 'conky.config = { out_to_console = true, out_to_x = false, update_interval = 1, total_run_times = 2 }\nconky.text = [[%s]]\n' "$(block conky)" >"$work/conky"
-  verdict conky has_price "$(timeout 20 conky -q -c "$work/conky" 2>>"$out/log")"
+  { echo 'conky.config = { use_xft = true, font = "DejaVu Sans:size=9", own_window = true, own_window_type = "override",'
+    echo '  alignment = "top_left", gap_x = 0, gap_y = 0, minimum_width = 900, update_interval = 1 }'
+    printf 'conky.text = [[%s]]\n' "$(block conky)"; } >"$work/conky"
+  x11_case conky 900x28+0+0 0 conky -q -c "$work/conky"
 }
 
 prompt_case() {

@@ -143,6 +143,23 @@ TEST_F(SharedRefreshTest, AStoppedPublisherIsReplacedAndFollowsOnceItWakes) {
     EXPECT_EQ(first.output.lines.size(), 4U);
 }
 
+TEST_F(SharedRefreshTest, WhatAStoppedPublisherGetsTooLateDoesNotCount) {
+    auto& first = start();
+    auto& second = start();
+    second.machine.http.answer("gecko.test", test::geckoAnswer({"bitcoin"}, 5));
+    advance(2s);
+    first.machine.http.latency = 3s;
+    advance(60s);
+    EXPECT_EQ(first.asked(), 2);
+    first.isStopped = true;
+    advance(8s);
+    first.isStopped = false;
+    first.machine.advance(8s);
+    advance(1s);
+    EXPECT_EQ(first.output.lines.back(), "BTC 5.00");
+    EXPECT_EQ(second.output.lines.back(), "BTC 5.00");
+}
+
 TEST_F(SharedRefreshTest, OnceTakesWhatIsPublishedWhileItIsYoung) {
     start({.once = true});
     advance(1s);

@@ -18,7 +18,7 @@ namespace glintar::platform {
 
 namespace {
 
-constexpr off_t kLargestPage = 4 * 1024 * 1024;
+constexpr off_t kLargestPage = off_t{4} << 20;
 constexpr std::size_t kDigits = 16;
 
 // Raised when the page changes so that older programs would misread it: each version has a page of its own.
