@@ -5,6 +5,7 @@
 
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QPainter>
 #include <QVBoxLayout>
 
 namespace glintar::arbiter {
@@ -12,6 +13,7 @@ namespace glintar::arbiter {
 namespace {
 
 constexpr int kIcon = DashboardPictures::kCoin;
+constexpr int kSpacing = 6;
 
 }  // namespace
 
@@ -19,18 +21,17 @@ DashboardColumnView::DashboardColumnView(DashboardPictures& pictures, QWidget* p
     : QWidget(parent),
       pictures_(pictures),
       name_(platform::plainLabel(this, platform::viewFont(14, QFont::ExtraBold))),
-      icon_(platform::plainLabel(this, font())),
       divider_(platform::divider(this, Qt::Horizontal)),
       prices_(new PriceListView(pictures, this)) {
-    icon_->setFixedSize(kIcon, kIcon);
+    name_->setMinimumHeight(kIcon);
     auto* const column = new QVBoxLayout(this);
     column->setContentsMargins(0, 4, 0, 0);
     column->setSpacing(8);
     auto* const header = new QHBoxLayout;
     header->setContentsMargins(8, 0, 8, 0);
-    header->setSpacing(6);
+    header->setSpacing(0);
     header->addStretch();
-    header->addWidget(icon_);
+    header->addSpacing(kIcon + kSpacing);
     header->addWidget(name_);
     header->addStretch();
     column->addLayout(header);
@@ -40,12 +41,17 @@ DashboardColumnView::DashboardColumnView(DashboardPictures& pictures, QWidget* p
 }
 
 void DashboardColumnView::show(const ArbiterColumnView& column, const DashboardStyle& style) {
-    platform::setPicture(*icon_,
-                         column.icon ? platform::viewPicture(column.icon, {kIcon, kIcon}, *this) : pictures_.coin());
+    icon_ = column.icon ? platform::viewPicture(column.icon, {kIcon, kIcon}, *this) : pictures_.coin();
+    update();
     name_->setText(platform::viewText(column.heading()));
     platform::setInk(*name_, style.primary);
     platform::setDividerColor(*divider_, style.line);
     prices_->show(column.entries(), style);
+}
+
+void DashboardColumnView::paintEvent(QPaintEvent* /*event*/) {
+    const QRect name = name_->geometry();
+    QPainter(this).drawPixmap(name.x() - kSpacing - kIcon, name.y() + (name.height() - kIcon) / 2, icon_);
 }
 
 }  // namespace glintar::arbiter

@@ -3,6 +3,7 @@
 #include "arbiter/DashboardPicturesView.h"
 #include "arbiter/DashboardStyle.h"
 
+#include <QPixmap>
 #include <QWidget>
 
 class QLabel;
@@ -18,10 +19,14 @@ public:
 
     void show(const ArbiterColumnView& column, const DashboardStyle& style);
 
+protected:
+    /// The picture is painted, not a label: it says nothing that a screen reader could say.
+    void paintEvent(QPaintEvent* event) override;
+
 private:
     DashboardPictures& pictures_;
-    QLabel* name_;  // is read out before its picture
-    QLabel* icon_;
+    QPixmap icon_;
+    QLabel* name_;
     QWidget* divider_;
     PriceListView* prices_;
 };

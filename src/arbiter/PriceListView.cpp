@@ -32,28 +32,35 @@ int widthOf(const QLabel* label) {
 PriceListView::PriceListView(DashboardPictures& pictures, QWidget* parent)
     : QWidget(parent), pictures_(pictures), style_(dashboardStyle(platform::Appearance::Light)) {}
 
-PriceListView::Row PriceListView::makeRow() {
-    const QFont gapFont = platform::viewFont(10, QFont::Bold, true);
+void PriceListView::addRow(bool hasGap) {
     Row row{.icon = platform::plainLabel(this, font()),
             .price = platform::plainLabel(this, platform::viewFont(13, QFont::Bold)),
-            .gap = platform::plainLabel(this, gapFont)};
+            .gap = hasGap ? platform::plainLabel(this, platform::viewFont(10, QFont::Bold, true)) : nullptr};
     row.price->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     for (QLabel* const label : {row.icon, row.price, row.gap}) {
-        label->show();
+        if (label != nullptr) {
+            label->show();
+        }
     }
-    return row;
+    rows_.push_back(row);
+}
+
+void PriceListView::removeRow() {
+    for (QLabel* const label : {rows_.back().icon, rows_.back().price, rows_.back().gap}) {
+        delete label;
+    }
+    rows_.pop_back();
 }
 
 void PriceListView::show(const std::vector<PriceEntry>& entries, const DashboardStyle& style) {
     style_ = style;
-    while (rows_.size() > entries.size()) {
-        for (QLabel* const label : {rows_.back().icon, rows_.back().price, rows_.back().gap}) {
-            delete label;
+    if (rows_.size() != entries.size()) {  // another row is the last: labels are read out in the order of their making
+        while (!rows_.empty() && (rows_.size() >= entries.size() || rows_.back().gap == nullptr)) {
+            removeRow();
         }
-        rows_.pop_back();
-    }
-    while (rows_.size() < entries.size()) {
-        rows_.push_back(makeRow());
+        while (rows_.size() < entries.size()) {
+            addRow(rows_.size() + 1 < entries.size());
+        }
     }
     for (std::size_t i = 0; i < entries.size(); ++i) {
         showRow(rows_[i], entries[i]);
@@ -72,9 +79,10 @@ void PriceListView::showRow(const Row& row, const PriceEntry& entry) {
     row.price->setText(platform::viewText(entry.text));
     platform::setPlainToolTip(*row.price, name);
     platform::setInk(*row.price, style_.priceColor(entry.rank));
-    row.gap->setVisible(entry.gap.has_value());
-    row.gap->setText(platform::viewText(entry.gap.value_or("")));
-    platform::setInk(*row.gap, style_.gapText);
+    if (row.gap != nullptr) {
+        row.gap->setText(platform::viewText(entry.gap.value_or("")));
+        platform::setInk(*row.gap, style_.gapText);
+    }
 }
 
 QSize PriceListView::sizeHint() const {
@@ -111,8 +119,10 @@ void PriceListView::place() {
         const QRect inside = plate(i).adjusted(kPlateSide, kPlatePadding, -kPlateSide, -kPlatePadding);
         row.icon->setGeometry(inside.x(), inside.center().y() + 1 - kIcon / 2, kIcon, kIcon);
         row.price->setGeometry(inside.adjusted(kIcon + kSpacing, 0, 0, 0));
-        const QRect capsule = badge(i).adjusted(kBadgeSide, kBadgePadding, -kBadgeSide, -kBadgePadding);
-        row.gap->setGeometry(capsule.adjusted(kArrow + kBadgeSpacing, 0, 0, 0));
+        if (row.gap != nullptr) {
+            const QRect capsule = badge(i).adjusted(kBadgeSide, kBadgePadding, -kBadgeSide, -kBadgePadding);
+            row.gap->setGeometry(capsule.adjusted(kArrow + kBadgeSpacing, 0, 0, 0));
+        }
     }
 }
 

@@ -32,9 +32,10 @@ private:
     struct Row {
         QLabel* icon;
         QLabel* price;
-        QLabel* gap;
+        QLabel* gap;  ///< null in the last row: hidden it would still be there for a screen reader
     };
-    Row makeRow();
+    void addRow(bool hasGap);
+    void removeRow();
     void showRow(const Row& row, const PriceEntry& entry);
     void place();
     [[nodiscard]] QRect plate(std::size_t index) const;

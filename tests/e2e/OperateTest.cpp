@@ -28,6 +28,8 @@ constexpr auto kAlert = "Not Enough Display Space";
 /// With a compositor or without one.
 class OperateTest : public DesktopTest, public testing::WithParamInterface<bool> {
 protected:
+    ~OperateTest() override { readersBus.terminate(); }  // killed, it would leave a bus behind
+
     Environment environment() const override {
         auto environment = DesktopTest::environment();
         environment["QT_ACCESSIBILITY"] = "1";
