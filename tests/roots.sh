@@ -80,7 +80,7 @@ test_roots() {
   for suite in ${1:-bookworm trixie}; do
     place="$scratch/$suite"
     say "$suite: building from a clone, then installing, upgrading and removing"
-    make_root "$suite" "$place/build" git && make_root "$suite" "$place/use" || return 1
+    mkdir -p "$place" && make_root "$suite" "$place/build" git && make_root "$suite" "$place/use" || return 1
     check "$suite: a clone" build_as_new_user "$place/build"
     mkdir -p "$place/use/packages/new"
     cp "$place"/build/home/ada/glintar/build/release/packages/*.deb "$place/use/packages/new/" || return 1
