@@ -13,6 +13,7 @@ make_root() {
   shift 2
   mmdebstrap --quiet --variant=apt --include="ca-certificates,sudo${*:+,$*}" "$suite" "$dir" || return 1
   chroot "$dir" useradd --create-home --shell /bin/bash ada
+  echo "127.0.0.1 localhost $(hostname)" >"$dir/etc/hosts"
   echo 'ada ALL=(ALL) NOPASSWD: ALL' >"$dir/etc/sudoers.d/ada"
   echo 'APT::Get::Assume-Yes "true"; APT::Install-Recommends "false";' >"$dir/etc/apt/apt.conf.d/90tests"
 }
