@@ -37,4 +37,7 @@ void benchPanel(const std::string& programs, int minutes);
 /// The windows of `glintar-desktop`: how fast they open, and what memory they leave.
 void benchWindows(const std::string& programs);
 
+/// What the packages take on the disk, beside those of the bars that show such lines.
+void benchSize(const std::string& programs);
+
 }  // namespace glintar::bench

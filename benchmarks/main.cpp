@@ -1,6 +1,6 @@
 // glintar-bench PROGRAMS RESOURCES MINUTES [NAME]: prints the table; with a NAME ("documents", "keystrokes",
-// "once", "round", "pills", "desktop", "panel", "windows", "running", "shared") that part of it alone. `glintar line`
-// runs for MINUTES, the desktop for one; for none where it is 0.
+// "once", "round", "pills", "desktop", "panel", "windows", "size", "running", "shared") that part of it alone. `glintar
+// line` runs for MINUTES, the desktop for one; for none where it is 0.
 
 #include "benchmarks/Benches.h"
 #include "benchmarks/Measure.h"
@@ -47,6 +47,9 @@ int main(int argc, char** argv) {
     }
     if (wanted("windows")) {
         bench::benchWindows(argv[1]);
+    }
+    if (wanted("size")) {
+        bench::benchSize(argv[1]);
     }
     if (minutes > 0 && wanted("running")) {
         bench::benchRunning(argv[1], minutes);

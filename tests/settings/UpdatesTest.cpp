@@ -1,6 +1,7 @@
 #include "platform/virtual/VirtualDesktop.h"
 #include "platform/virtual/VirtualPlatform.h"
 #include "platform/virtual/VirtualWorkspace.h"
+#include "support/Child.h"
 #include "updates/UpdateController.h"
 #include "updates/Version.h"
 
@@ -97,6 +98,18 @@ TEST_F(UpdatesTest, ItLooksOnceADayByItselfAndTellsOfNewsAlone) {
     machine.preferences.setInteger("lastUpdateCheck", 1LL << 40);
     machine.advance(1h);
     EXPECT_EQ(machine.http.requests.size(), 6U) << "the clock was set back";
+}
+
+TEST(ReleaseFeedTest, WhatIsPublishedIsWhatIsRead) {
+    const auto release = newerRelease(
+        test::outputOf({"bash", "-c",
+                        ". " GLINTAR_RELEASE_SCRIPT " && printf '# Changes\n## 1.3.0\n\n- \"A\" \\\\ é\n\n- B\n\n"
+                        "## 1.3\n- old\n' | release_notes 1.3.0 | release_feed 1.3.0 https://g.test/1.3.0"}),
+        "1.2.9");
+    ASSERT_TRUE(release && *release);
+    EXPECT_EQ((*release)->version, "1.3.0");
+    EXPECT_EQ((*release)->notes, "- \"A\" \\ é\n\n- B");
+    EXPECT_EQ((*release)->url, "https://g.test/1.3.0");
 }
 
 }  // namespace
