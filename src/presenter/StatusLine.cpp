@@ -62,7 +62,10 @@ std::optional<market::Arrival> StatusLine::oldest() const {
 }
 
 std::optional<market::Arrival> StatusLine::newest() const {
-    const auto all = arrivals(*this);
+    auto all = arrivals(*this);
+    if (!coins.empty()) {
+        all.resize(coins.size());  // a new fee makes no old price new
+    }
     const auto found = std::ranges::max_element(all, {}, &market::Arrival::instant);
     return found == all.end() ? std::nullopt : std::optional(*found);
 }

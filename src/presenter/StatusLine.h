@@ -76,7 +76,7 @@ struct StatusLine {
     [[nodiscard]] bool hasOld() const;
     [[nodiscard]] bool areAllCoinsOld() const;  ///< false without coins
     [[nodiscard]] std::optional<market::Arrival> oldest() const;
-    [[nodiscard]] std::optional<market::Arrival> newest() const;
+    [[nodiscard]] std::optional<market::Arrival> newest() const;  ///< of the coins, if there are any
 };
 
 /// The first five coins that have a quote, in the user's order, with the parts that the settings ask for. Without an

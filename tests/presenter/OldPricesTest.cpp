@@ -49,6 +49,7 @@ TEST_P(AnswerAgeTest, WhatAnAnswerLacksIsOldUntilItComesAgain) {
     machine.advance(60s);
     EXPECT_EQ(text(), expected);
     EXPECT_EQ(surface.tooltip, tooltip);
+    EXPECT_EQ(surface.line.newest().value().isOld, surface.line.areAllCoinsOld());
 
     machine.advance(10s);
     controller->redisplayFromCache();
