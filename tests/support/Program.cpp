@@ -150,6 +150,7 @@ void Child::signal(int number) const {
 void Child::terminate() {
     if (id_ > 0) {
         ::kill(id_, SIGTERM);
+        ::kill(id_, SIGCONT);  // one that stands still would not hear it
         if (eventually([this] { return ::waitpid(id_, nullptr, WNOHANG) != 0; })) {
             id_ = -1;
         }

@@ -12,7 +12,7 @@ namespace glintar::platform {
 [[nodiscard]] std::optional<std::string> sessionBusAddress();
 
 /// False when something listens at the (first) address and has not answered after half a second: libdbus and with it Qt
-/// would wait for it without end. A bus that is just being started with the session takes some tenths of a second.
+/// would wait for it without end. A bus that is started by the first call of the session needs a part of that.
 [[nodiscard]] bool answersSoon(std::string_view address);
 
 }  // namespace glintar::platform
