@@ -24,6 +24,9 @@ public:
     /// Calls `observer` at every post of the name, until the handle is destroyed (it may outlive the centre).
     [[nodiscard]] std::unique_ptr<Observation> observe(std::string_view name, std::function<void()> observer);
 
+    /// How many there are, with those that were dropped since the last post.
+    [[nodiscard]] std::size_t observers() const { return entries_.size(); }
+
 private:
     struct Entry;
     std::list<std::shared_ptr<Entry>> entries_;

@@ -1,6 +1,7 @@
 #include "app/AppDelegate.h"
 #include "app/Arguments.h"
 #include "app/Deployment.h"
+#include "platform/DesktopEvents.h"
 #include "platform/virtual/VirtualDesktop.h"
 #include "platform/virtual/VirtualPlatform.h"
 #include "support/Market.h"
@@ -46,6 +47,29 @@ TEST(AppDelegateTest, TheDisplayModeHoldsFromTheFirstPictureOn) {
 }
 
 constexpr std::string_view kAnswer = R"([{"id":"bitcoin","current_price":64000,"image":"https://icons.test/b.png"}])";
+
+TEST(AppDelegateTest, ADayOfRefreshesFailuresAndThemesLeavesNothingBehind) {
+    Launched program(0);
+    auto& machine = program.machine;
+    machine.secrets.add("apiKey_coingecko", "GlintarUser", "CG-1");  // every 30 seconds
+    machine.preferences.setBoolean("showGasFee", true);
+    const auto observers = machine.notifications.observers();
+    for (int hour = 0; hour < 24; ++hour) {
+        for (const int status : {200, 500, 429, 404}) {
+            machine.http.answer("gecko.test", "<html>", status);
+            machine.advance(10min);
+        }
+        machine.http.answer("gecko.test", std::string(kAnswer));
+        machine.advance(20min);
+        machine.notifications.post(platform::kAppearanceChanged);
+        machine.runLoop.settle();
+        EXPECT_LT(machine.runLoop.pending(), 10) << "hour " << hour;
+        EXPECT_LE(machine.notifications.observers(), observers + 2) << "the engine's own, since the first refresh";
+        machine.console.lines.clear();
+    }
+    EXPECT_GT(machine.http.asked("gecko.test"), 2'500) << "it was a day";
+    EXPECT_EQ(program.desktop.statusBar.items.size(), 2U);
+}
 
 TEST(AppDelegateTest, AnIconThatArrivesIsShownAtOnce) {
     Launched program(0);
