@@ -1,7 +1,7 @@
 #include "platform/virtual/VirtualDesktop.h"
 #include "platform/virtual/VirtualPlatform.h"
 #include "platform/virtual/VirtualWorkspace.h"
-#include "support/Child.h"
+#include "support/Program.h"
 #include "updates/UpdateController.h"
 #include "updates/Version.h"
 
