@@ -110,6 +110,16 @@ TEST_F(LineTest, SettingsChangedMeanwhileTakeEffectWithoutARestart) {
     EXPECT_TRUE(program.waitForOutput("DOGE ")) << program.output() << program.errors();
 }
 
+TEST_F(LineTest, CoinsThatCannotBeReadAreLeftAloneAndBitcoinIsShown) {
+    preferences("savedCoins=\"@ByteArray([{\\\"id\\\":\\\"1\\\",])\"\n");
+    const auto before = std::filesystem::last_write_time(preferencesFile());
+    auto program = start({"line", "--once"});
+    EXPECT_EQ(program.wait(), 0);
+    EXPECT_THAT(program.output(), StartsWith("BTC "));
+    EXPECT_THAT(program.errors(), HasSubstr("savedCoins cannot be read, Bitcoin is shown instead: "));
+    EXPECT_EQ(std::filesystem::last_write_time(preferencesFile()), before);
+}
+
 TEST_F(LineTest, FilesWhereFoldersShouldBeAreSurvived) {
     std::filesystem::remove_all(session->dataHome());
     std::ofstream(session->dataHome()) << "a file where a folder should be";
