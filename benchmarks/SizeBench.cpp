@@ -1,6 +1,6 @@
 #include "benchmarks/Benches.h"
 #include "benchmarks/Measure.h"
-#include "support/Child.h"
+#include "support/Program.h"
 
 #include <fmt/format.h>
 
