@@ -106,7 +106,7 @@ double instructions(const Watcher& watcher, Words command, const std::string& pr
     watcher.waitForNothing();
     Process process(command, Process::Piped::Errors);
     watcher.waitForText();
-    process.signal(SIGUSR1);  // an end that no program is prepared for
+    process.signal(SIGUSR2);  // an end that no program is prepared for
     double count = 0;
     for (auto line = process.waitForLine(); !line.empty(); line = process.waitForLine()) {
         if (const auto at = line.find("Collected : "); at != std::string::npos) {
