@@ -14,6 +14,7 @@
 #include <QScreen>
 #include <QVBoxLayout>
 #include <QWindow>
+#include <malloc.h>
 
 #include <algorithm>
 #include <optional>
@@ -39,6 +40,11 @@ public:
         layout_.setContentsMargins(0, 0, 0, 0);
         layout_.setSizeConstraint(QLayout::SetNoConstraint);
     }
+
+    Widget(const Widget&) = delete;
+    Widget& operator=(const Widget&) = delete;
+    /// What a window took goes back when it is gone: the next one opens in an hour, or never.
+    ~Widget() override { ::malloc_trim(0); }
 
     void setContent(std::unique_ptr<QWidget> content) {
         content_ = std::move(content);
