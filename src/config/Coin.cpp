@@ -16,18 +16,19 @@ namespace glintar::config {
 
 namespace {
 
+constexpr std::size_t kUuidLength = 36;
+
 bool isHyphenPlace(std::size_t index) {
     return index == 8 || index == 13 || index == 18 || index == 23;
 }
 
 /// The UUID in upper case, as it is kept and written; none when the text is none.
 std::optional<std::string> canonicalUuid(std::string_view text) {
-    constexpr std::size_t kLength = 36;
-    if (text.size() != kLength) {
+    if (text.size() != kUuidLength) {
         return std::nullopt;
     }
     std::string result(text);
-    for (std::size_t i = 0; i < kLength; ++i) {
+    for (std::size_t i = 0; i < kUuidLength; ++i) {
         char& c = result[i];
         if (c >= 'a' && c <= 'f') {
             c = static_cast<char>(c - 'a' + 'A');
@@ -52,12 +53,15 @@ std::string randomUuid(platform::Entropy& entropy) {
     entropy.fill(bytes);
     bytes[6] = (bytes[6] & std::byte{0x0f}) | std::byte{0x40};
     bytes[8] = (bytes[8] & std::byte{0x3f}) | std::byte{0x80};
+    constexpr std::string_view kDigits = "0123456789ABCDEF";
     std::string result;
+    result.reserve(kUuidLength);
     for (const std::byte byte : bytes) {
         if (isHyphenPlace(result.size())) {
             result += '-';
         }
-        result += fmt::format("{:02X}", std::to_integer<unsigned>(byte));
+        result += kDigits[std::to_integer<std::size_t>(byte >> 4)];
+        result += kDigits[std::to_integer<std::size_t>(byte & std::byte{0x0f})];
     }
     return result;
 }
