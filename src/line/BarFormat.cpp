@@ -95,8 +95,9 @@ std::string widest(std::string text) {
 void writeBlock(json::Writer& writer, const std::string& text, const presenter::LinePiece& piece) {
     writer.beginObject().key("full_text").string(text);
     if (piece.coin) {
-        presenter::CoinPart brief{.coin = piece.coin->coin, .price = piece.coin->price};
-        writer.key("short_text").string(presenter::plainText(brief));
+        const presenter::CoinPart brief{.coin = piece.coin->coin, .price = piece.coin->price};
+        const auto mark = text.substr(0, text.size() - presenter::plainText(*piece.coin).size());  // old, simulated
+        writer.key("short_text").string(mark + presenter::plainText(brief));
     }
     if (const auto color = colorOf(piece)) {
         writer.key("color").string(*color);

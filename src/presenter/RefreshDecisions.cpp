@@ -30,9 +30,10 @@ Duration delayOfEarlyRefresh(const CycleState& state, platform::Instant now) {
 
 WakeUp afterSleep(CycleState& state, platform::BootInstant now) {
     state.isDoubtful = state.isFetching;
-    const bool isDue = state.isRunning && now >= state.nextFetchDue;
+    const bool isPast = now >= state.nextFetchDue;
+    const bool isDue = state.isRunning && isPast;
     state.isStale = isDue && state.isFetching;
-    return {.dropsConnections = isDue, .refreshes = isDue};
+    return {.dropsConnections = isDue || (isPast && !state.isFetching), .refreshes = isDue};
 }
 
 WakeUp afterNetworkCameBack(CycleState& state) {

@@ -77,12 +77,12 @@ SharedRefresh::Role SharedRefresh::claim(std::string_view wish) {
 SharedRefresh::Turn SharedRefresh::take(std::string_view wish, bool runsOn) {
     const auto before = held_;
     const auto role = claim(wish);
-    const auto* const answer = isPosted(wish) ? &*page_ : nullptr;
+    const auto untilNext = isPosted(wish) ? page_->nextFetch - runLoop_.bootNow() : -kGrace;
+    const auto* const answer = untilNext > -kGrace ? &*page_ : nullptr;  // nobody keeps an older one up to date
     if (role == Role::Follows && runsOn) {
         const auto next = aloneAt_ ? std::min(*aloneAt_, overdueAt_) : overdueAt_;
         return {.answer = answer, .wait = std::max<platform::Duration>(next - runLoop_.now(), kShortestWait)};
     }
-    const auto untilNext = answer ? answer->nextFetch - runLoop_.bootNow() : 0s;
     if (untilNext > 0s && (role == Role::Follows || (role == Role::Publishes && held_ != before))) {
         return {.answer = answer, .wait = untilNext};
     }

@@ -86,6 +86,7 @@ void StatusBarController::refreshOnce() {
                           "⚠️ No Price Data @ " + platform_.localTime.clockText(platform_.runLoop.wallNow()));
         surface_.refreshCompleted();
     } else {
+        state_.currentInterval = wish().key.empty() ? kNormalInterval : kKeyInterval;
         expectNextFetch();
         performFetch(Scope::Everything);
     }
@@ -197,6 +198,9 @@ void StatusBarController::resume() {
         return;
     }
     cycle_.isRunning = true;
+    if (shared_) {
+        onPosted();  // another may have refreshed meanwhile
+    }
     const auto remaining = cycle_.nextFetchDue - platform_.runLoop.bootNow();
     timer_ = platform_.runLoop.after(std::max<platform::Duration>(remaining, 0s), [this] { refreshSoon(); });
 }

@@ -102,7 +102,7 @@ private:
     [[nodiscard]] std::string wordsOf(const Wish& wish) const;
     bool isLeftToOthers(const Wish& wish);
     void showPublished(const Publication& page, const Wish& wish);
-    void publish(const Wish& wish);
+    [[nodiscard]] bool publish(const Wish& wish);
     void onPosted();
     void handleFetchCompletion(FetchResult& result);
     void takeFee(const FetchResult& result);

@@ -186,8 +186,8 @@ void StatusBarController::handleFetchCompletion(FetchResult& result) {
     if (!after.isShown) {
         return;
     }
-    if (result.wish == now) {
-        publish(now);
+    if (result.wish == now && !publish(now)) {
+        return;
     }
     showAll();
     checkVisibilityAfter(500ms);

@@ -13,6 +13,8 @@
 
 namespace glintar::presenter {
 
+using namespace std::chrono_literals;
+
 /// All that an answer depends on.
 std::string StatusBarController::wordsOf(const Wish& wish) const {
     const auto settings = config::Settings::load(platform_.preferences);
@@ -53,13 +55,15 @@ void StatusBarController::showPublished(const Publication& page, const Wish& wis
     const bool isNew = std::exchange(shownPage_, page.made) != page.made;
     showAll();
     if (isNew) {
+        checkVisibilityAfter(500ms);
         surface_.refreshCompleted();
     }
 }
 
-void StatusBarController::publish(const Wish& wish) {
+/// False when another copy has taken over meanwhile, whose answer counts and is shown next.
+bool StatusBarController::publish(const Wish& wish) {
     if (!shared_ || !outcome_) {
-        return;
+        return true;
     }
     const bool counts = shared_->publish(wordsOf(wish), {.nextFetch = cycle_.nextFetchDue,
                                                          .interval = state_.currentInterval,
@@ -70,6 +74,7 @@ void StatusBarController::publish(const Wish& wish) {
     if (!counts) {
         fetchAndDisplayPrice(Urgency::Forced, Scope::Everything);  // which follows
     }
+    return counts;
 }
 
 void StatusBarController::onPosted() {

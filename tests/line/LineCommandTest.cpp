@@ -245,6 +245,8 @@ TEST_F(LineCommandTest, AHiddenBarAsksNothingAndAClickAsksEveryTwoSecondsAtMost)
 TEST_F(LineCommandTest, ASimulatedMarketIsMarked) {
     run({.once = true, .demo = true}, 1s);
     EXPECT_EQ(output.lines.at(0), "[simulated] BTC 64012.55 (60000.00)");
+    run({.format = app::Format::I3bar, .once = true, .demo = true}, 1s);
+    EXPECT_THAT(output.lines.back(), HasSubstr(R"("short_text":"[simulated] BTC 64012.55")"));
 }
 
 TEST(LineFormatTest, NamesCannotBreakTheLine) {

@@ -1,3 +1,4 @@
+#include "line/BarFormat.h"
 #include "line/LineCommand.h"
 #include "line/RecordedOutput.h"
 #include "platform/Noticeboard.h"
@@ -143,6 +144,31 @@ TEST_F(SharedRefreshTest, AStoppedPublisherIsReplacedAndFollowsOnceItWakes) {
     EXPECT_EQ(first.output.lines.size(), 4U);
 }
 
+TEST_F(SharedRefreshTest, WhoStartsOrIsSeenAgainShowsTheNewestAndNothingOld) {
+    auto& publisher = start();
+    auto& hidden = start({.format = app::Format::I3bar});
+    advance(2s);
+    hidden.command->onSignal(kStopSignal);
+    const auto before = hidden.output.lines.size();
+    advance(2s);
+    publisher.command->onSignal(SIGUSR1);
+    advance(3s);
+    EXPECT_EQ(hidden.output.lines.size(), before);
+    hidden.command->onSignal(kContSignal);
+    advance(10ms);
+    EXPECT_EQ(hidden.output.lines.size(), before + 1);
+    EXPECT_EQ(asked(), 2);
+
+    publisher.isStopped = hidden.isStopped = true;
+    advance(70s);
+    auto& late = start();
+    advance(1s);
+    EXPECT_THAT(late.output.lines, testing::IsEmpty()) << "nobody keeps the page up to date";
+    advance(6s);
+    EXPECT_EQ(late.output.lines, std::vector<std::string>{"BTC 2.00"});
+    EXPECT_EQ(late.asked(), 1);
+}
+
 TEST_F(SharedRefreshTest, WhatAStoppedPublisherGetsTooLateDoesNotCount) {
     auto& first = start();
     auto& second = start();
@@ -156,11 +182,16 @@ TEST_F(SharedRefreshTest, WhatAStoppedPublisherGetsTooLateDoesNotCount) {
     first.isStopped = false;
     first.machine.advance(8s);
     advance(1s);
-    EXPECT_EQ(first.output.lines.back(), "BTC 5.00");
+    EXPECT_THAT(first.output.lines, testing::ElementsAre("BTC 2.00", "BTC 5.00"));
     EXPECT_EQ(second.output.lines.back(), "BTC 5.00");
 }
 
 TEST_F(SharedRefreshTest, OnceTakesWhatIsPublishedWhileItIsYoung) {
+    start({.once = true}, "s3cret");
+    advance(10ms);
+    EXPECT_THAT(*common.page, HasSubstr(R"("interval":30)"));
+    copies.pop_front();
+    common.page.reset();
     start({.once = true});
     advance(1s);
     for (const auto& [wait, count] : {std::pair{58s, 0}, {2s, 1}}) {

@@ -23,6 +23,7 @@ TEST(RefreshDecisionsTest, WhatFollowsAWakeUp) {
              WakeUpCase{"idle", {.isRunning = true}, kNothing, kBoth, kDrop},
              WakeUpCase{"idle after a failure", {.isRunning = true, .hasFailed = true}, kNothing, kBoth, kBoth},
              WakeUpCase{"fetching", {.isRunning = true, .isFetching = true}, kNothing, kBoth, kNothing},
+             WakeUpCase{"hidden", {}, kNothing, kDrop, kDrop},
              WakeUpCase{"one refresh alone", {.isFetching = true}, kNothing, kNothing, kNothing},
          }) {
         auto state = test.state;
