@@ -40,6 +40,9 @@ ArbitrageService::Rows ArbitrageService::fetchArbitrageData(const std::vector<co
         platform_.console.log({"❌ [Arbiter] 无法读取源配置"});
         return rows;
     }
+    if (coins.empty()) {
+        return rows;  // asked for no coin, a service may answer with all that it knows
+    }
     const bool hasCache = cachedData && !cachedData->empty();
     for (const auto& source : config->sources) {
         if (source.id == mainSourceID && hasCache) {

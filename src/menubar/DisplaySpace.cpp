@@ -46,7 +46,8 @@ void DisplaySpace::check(const platform::ItemSight& sight) {
 }
 
 void DisplaySpace::showAlert() {
-    if (config::Settings::load(platform_.preferences).displayMode == kMouseFollow) {
+    const bool isUnanswered = alert_ != nullptr;
+    if (isUnanswered || config::Settings::load(platform_.preferences).displayMode == kMouseFollow) {
         return;
     }
     alert_ = desktop_.windows.showAlert(

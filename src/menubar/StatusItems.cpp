@@ -55,9 +55,9 @@ void StatusItems::checkVisibility() {
         return;
     }
     const auto sight = displayItem_->sight();
-    // The title's pictures stand at every other place, the fee's after those of the coins.
-    const int coins = wanted_ && !wanted_->emptyText ? static_cast<int>(wanted_->coins.size()) : 0;
-    coinsLeftOut_ = std::max(0, coins - (titleRuns_ - sight.leftOut + 1) / 2);
+    const int coins = wanted_ ? static_cast<int>(wanted_->coins.size()) : 0;
+    const int fees = wanted_ && wanted_->gas ? 1 : 0;  // behind the coins, so that it is left out first
+    coinsLeftOut_ = std::clamp(sight.leftOut - fees, 0, coins);
     setToolTip();
     space_.check(sight);
 }
@@ -104,7 +104,6 @@ void StatusItems::showTitle(LineTitle title) {
         return;
     }
     displayItem_->setLength(platform::StatusItem::Length::Variable);
-    titleRuns_ = static_cast<int>(title.text.size());
     displayItem_->setTitle(std::move(title.text), std::move(title.description));
     displayItem_->setVisible(true);
     setToolTip();

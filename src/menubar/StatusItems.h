@@ -83,7 +83,6 @@ private:
     std::string sourceAtStart_;
     DisplaySpace space_;
     std::optional<StatusMenu> menu_;
-    int titleRuns_ = 0;                                    ///< pictures and texts of the title that is shown
     int coinsLeftOut_ = 0;                                 ///< for lack of room, at the last look
     std::shared_ptr<const presenter::StatusLine> wanted_;  ///< the newest line; none before the first
     std::optional<std::string> tooltip_;                   ///< that goes with it

@@ -49,7 +49,7 @@ struct ItemSight {
     double width = 0;             ///< points; 0 while it is not on screen
     double left = 0;              ///< its left edge on screen
     bool isPlacedByUser = false;  ///< the bar is where the user dragged it
-    int leftOut = 0;              ///< pictures and texts at the end of the title that do not fit on the screen
+    int leftOut = 0;  ///< pictures at the end of the title (texts are drawn as such) that do not fit on the screen
 };
 
 /// One place in the status bar: an image, and a line of text to its right. Shown from the start, empty. It goes when

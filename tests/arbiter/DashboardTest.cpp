@@ -197,6 +197,7 @@ TEST_F(DashboardTest, WithoutCoinsItWaits) {
     coins.clear();
     toggle();
     EXPECT_EQ(texts(), std::vector<std::string>{"Waiting for data..."});
+    EXPECT_THAT(machine.http.requests, testing::IsEmpty());
 }
 
 }  // namespace

@@ -68,6 +68,7 @@ DesktopPlatform::DesktopPlatform(int& argc, char** argv, const RealPlatform::Opt
       events_(platform().runLoop, platform().notifications,
               {.display = connection_.get(), .session = session_, .policy = policy_}),
       compositor_(*connection_),
+      screens_(*connection_, platform().runLoop),
       pointer_(*connection_, screens_),
       statusBar_({.loop = platform().runLoop,
                   .connection = *connection_,

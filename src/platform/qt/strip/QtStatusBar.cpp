@@ -136,12 +136,8 @@ private:
 
 QtStatusBar::QtStatusBar(Surroundings surroundings)
     : around_(std::move(surroundings)),
-      workArea_(around_.connection, around_.loop),
-      strip_({.graphics = around_.graphics,
-              .preferences = around_.preferences,
-              .screens = around_.screens,
-              .workArea = workArea_},
-             look(), around_.isManaged) {
+      strip_({.graphics = around_.graphics, .preferences = around_.preferences, .screens = around_.screens}, look(),
+             around_.isManaged) {
     describeStripToAssistants();
     strip_.onScaleChanged = [this] {
         if (onScaleChanged) {

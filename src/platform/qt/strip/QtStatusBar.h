@@ -14,7 +14,7 @@ namespace glintar::platform {
 
 class DesktopEvents;
 class Preferences;
-class QtScreens;
+class RunLoop;
 
 /// The status bar: a strip along the edge of a screen, and an icon in the desktop's tray for the first square item.
 /// Needs a QApplication on an X server. Where the user drags the strip is kept in the preferences (`StripPlacement.h`).
@@ -48,7 +48,6 @@ private:
     [[nodiscard]] StripLook look() const;
 
     Surroundings around_;
-    WorkAreaWatch workArea_;
     StripWindow strip_;
     bool hasTrayIcon_ = false;
     Listening compositorChanged_;

@@ -36,15 +36,6 @@ std::optional<std::size_t> indexOf(const std::array<std::string_view, n>& names,
 
 }  // namespace
 
-Rect freeArea(const Rect& screen, const Rect& workArea) {
-    const double x = std::max(screen.x, workArea.x);
-    const double y = std::max(screen.y, workArea.y);
-    const Rect common{x, y, std::min(screen.right(), workArea.right()) - x, std::min(screen.top(), workArea.top()) - y};
-    constexpr double kLeast = 0.75;
-    const bool isPlausible = common.width >= kLeast * screen.width && common.height >= kLeast * screen.height;
-    return isPlausible ? common : screen;
-}
-
 Rect stripFrame(const StripPlace& place, const Size& strip, const Rect& area) {
     const bool isAtEnd = place.corner == Corner::End;
     Rect frame{area.x, area.y, strip.width, strip.height};

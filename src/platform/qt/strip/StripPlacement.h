@@ -22,11 +22,6 @@ struct StripPlace {
     bool operator==(const StripPlace&) const = default;
 };
 
-/// What is free of a screen, if `workArea` is what panels leave of all screens together. (Qt tells it right for a
-/// screen that is the only one.) What takes more than a quarter of the screen away is no panel but the size of another
-/// screen, and does not count.
-[[nodiscard]] Rect freeArea(const Rect& screen, const Rect& workArea);
-
 /// The strip's frame in the part of the screen that is free for windows. A strip that is too long for its place is
 /// moved along; one that is wider than the whole area ends at its right end.
 [[nodiscard]] Rect stripFrame(const StripPlace& place, const Size& strip, const Rect& area);

@@ -33,7 +33,7 @@ StripWindow::StripWindow(const Surroundings& surroundings, StripLook look, bool 
         checkScale();
     };
     screensChanged_ = around_.screens.onChange(follow);
-    workAreaChanged_ = around_.workArea.onChange([this] { putInPlace(); });
+    workAreaChanged_ = around_.screens.onWorkAreaChange([this] { putInPlace(); });
     connect(windowHandle(), &QWindow::screenChanged, this, follow);
 }
 
@@ -66,12 +66,6 @@ void StripWindow::paintEvent(QPaintEvent* event) {
     QPainter painter(this);
     painter.setCompositionMode(QPainter::CompositionMode_Source);
     painter.fillRect(event->rect(), look_.background());
-}
-
-Rect StripWindow::freeAreaOf(const ScreenMap::Screen& screen) const {
-    const ScreenMap& map = around_.screens.map();
-    const auto& area = around_.workArea.area();
-    return area ? freeArea(map.fromQt(screen.frame), map.toPoints(*area, screen)) : map.fromQt(screen.available);
 }
 
 void StripWindow::arrange() {
@@ -112,7 +106,7 @@ void StripWindow::layOutItems() {
 void StripWindow::putInPlace() {
     const StripPlace place = chosen_.value_or(StripPlace{});
     const ScreenMap& map = around_.screens.map();
-    const Rect area = freeAreaOf(map.screenNamed(place.screen));
+    const Rect area = around_.screens.freeAreaOf(map.screenNamed(place.screen));
     if (area.width <= 0 || isEmpty_) {
         return;
     }
@@ -161,7 +155,7 @@ bool StripWindow::dragTo(const QPointF& pointer) {
         const ScreenMap& map = around_.screens.map();
         const auto& screen = map.screenAt(map.fromQt(QRect(pointer.toPoint(), QSize(0, 0))).origin());
         const QRect held(drag_->held + way.toPoint(), place_.size());
-        chosen_ = nearestPlace(map.fromQt(held), freeAreaOf(screen));
+        chosen_ = nearestPlace(map.fromQt(held), around_.screens.freeAreaOf(screen));
         if (!map.isPrimary(screen)) {
             chosen_->screen = screen.name;
         }

@@ -2,8 +2,7 @@
 
 #include "platform/qt/strip/StripLook.h"
 #include "platform/qt/strip/StripPlacement.h"
-#include "platform/qt/windows/ScreenMap.h"
-#include "platform/xcb/WorkAreaWatch.h"
+#include "platform/qt/windows/QtScreens.h"
 
 #include <QPointF>
 #include <QWidget>
@@ -15,7 +14,6 @@
 namespace glintar::platform {
 
 class Graphics;
-class QtScreens;
 class StripItem;
 
 /// The window of the strip. It never has the focus, is on all desktops and in no list of windows. It stays above other
@@ -29,7 +27,6 @@ public:
         const Graphics& graphics;
         Preferences& preferences;
         QtScreens& screens;
-        WorkAreaWatch& workArea;
     };
     StripWindow(const Surroundings& surroundings, StripLook look, bool isManaged);
 
@@ -59,7 +56,6 @@ private:
     void checkScale();
     bool dragTo(const QPointF& pointer);
     void drop();
-    [[nodiscard]] Rect freeAreaOf(const ScreenMap::Screen& screen) const;
 
     Surroundings around_;
     StripLook look_;

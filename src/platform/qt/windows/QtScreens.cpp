@@ -7,7 +7,7 @@
 
 namespace glintar::platform {
 
-QtScreens::QtScreens() {
+QtScreens::QtScreens(XcbConnection& connection, RunLoop& loop) : workArea_(connection, loop) {
     connect(qGuiApp, &QGuiApplication::screenAdded, this, [this](QScreen* screen) {
         watch(screen);
         look();
@@ -18,6 +18,11 @@ QtScreens::QtScreens() {
         watch(screen);
     }
     look();
+}
+
+Rect QtScreens::freeAreaOf(const ScreenMap::Screen& screen) const {
+    const auto& area = workArea_.area();
+    return area ? freeArea(map_.fromQt(screen.frame), map_.toPoints(*area, screen)) : map_.fromQt(screen.available);
 }
 
 bool QtScreens::areOfWayland() const {

@@ -78,7 +78,8 @@ public:
         const ScreenMap& map =
             window_->around_.screens.map();  // before Qt has thought of another screen for the window
         const Rect now = map.fromQt(geometry());
-        const QRect free = map.screenAt({now.x + now.width / 2, now.y + now.height / 2}).available;
+        const QRect free = map.toQt(
+            window_->around_.screens.freeAreaOf(map.screenAt({now.x + now.width / 2, now.y + now.height / 2})));
         if (frame_ == Frame::Titled) {
             setFixedSize(sizeHint().boundedTo(free.size() - (frameGeometry().size() - size())));
         }

@@ -56,7 +56,7 @@ std::unique_ptr<Alert> QtWindowServer::showAlert(AlertText text, std::function<v
 
 Rect QtWindowServer::visibleFrame(const Rect& near) const {
     const auto& map = surroundings_.screens.map();
-    return map.fromQt(map.screenAt({near.x + near.width / 2, near.y + near.height / 2}).available);
+    return surroundings_.screens.freeAreaOf(map.screenAt({near.x + near.width / 2, near.y + near.height / 2}));
 }
 
 void QtWindowServer::notify(std::string title, std::string text) {

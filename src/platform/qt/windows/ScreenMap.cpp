@@ -48,6 +48,15 @@ QPointF originOf(const ScreenMap::Screen& primary) {
 
 }  // namespace
 
+Rect freeArea(const Rect& screen, const Rect& workArea) {
+    const double x = std::max(screen.x, workArea.x);
+    const double y = std::max(screen.y, workArea.y);
+    const Rect common{x, y, std::min(screen.right(), workArea.right()) - x, std::min(screen.top(), workArea.top()) - y};
+    constexpr double kLeast = 0.75;
+    const bool isPlausible = common.width >= kLeast * screen.width && common.height >= kLeast * screen.height;
+    return isPlausible ? common : screen;
+}
+
 ScreenMap::ScreenMap(std::vector<Screen> screens) : screens_(std::move(screens)) {
     if (screens_.empty()) {
         screens_.emplace_back();

@@ -59,4 +59,9 @@ private:
     std::vector<Screen> screens_;  // at least one
 };
 
+/// What is free of a screen, if `workArea` is what panels leave of all screens together. (Qt tells it right for a
+/// screen that is the only one.) What takes more than a quarter of the screen away is no panel but the size of another
+/// screen, and does not count.
+[[nodiscard]] Rect freeArea(const Rect& screen, const Rect& workArea);
+
 }  // namespace glintar::platform

@@ -87,7 +87,7 @@ protected:
     std::unique_ptr<platform::XcbConnection> connection = platform::XcbConnection::open();
     platform::XcbReader reader{*connection};
     platform::CompositorWatch compositor{*connection};
-    platform::QtScreens screens;
+    platform::QtScreens screens{*connection, loop};
     std::optional<QDBusConnection> session;
     std::unique_ptr<platform::QtStatusBar> bar;
     std::unique_ptr<platform::StatusItem> icon;

@@ -60,18 +60,6 @@ TEST(StripPlacement, IsAtTheNearestEdge) {
     }
 }
 
-TEST(FreeArea, IsWhatPanelsLeaveOfTheScreen) {
-    const Rect left{0, 0, 1000, 600};
-    const Rect right{1000, 0, 1000, 600};
-    const Rect belowPanel{0, 0, 2000, 570};
-    EXPECT_EQ(freeArea(left, belowPanel), (Rect{0, 0, 1000, 570}));
-    EXPECT_EQ(freeArea(right, belowPanel), kArea);
-    const Rect ofTheLowerScreenOnly{0, 0, 2000, 400};
-    EXPECT_EQ(freeArea(left, ofTheLowerScreenOnly), left);
-    const Rect elsewhere{3000, 0, 100, 100};
-    EXPECT_EQ(freeArea(left, elsewhere), left);
-}
-
 TEST(StripPlace, IsRememberedAndNonsenseIsNot) {
     VirtualPreferences preferences;
     EXPECT_EQ(loadPlace(preferences), std::nullopt);

@@ -100,4 +100,16 @@ TEST(ScreenMapTest, CountsFromTheBottomLeftOfThePrimaryScreenInPointsOfTheScreen
 
 }  // namespace
 
+TEST(FreeArea, IsWhatPanelsLeaveOfTheScreen) {
+    const Rect left{0, 0, 1000, 600};
+    const Rect right{1000, 0, 1000, 600};
+    const Rect belowPanel{0, 0, 2000, 570};
+    EXPECT_EQ(freeArea(left, belowPanel), (Rect{0, 0, 1000, 570}));
+    EXPECT_EQ(freeArea(right, belowPanel), (Rect{1000, 0, 1000, 570}));
+    const Rect ofTheLowerScreenOnly{0, 0, 2000, 400};
+    EXPECT_EQ(freeArea(left, ofTheLowerScreenOnly), left);
+    const Rect elsewhere{3000, 0, 100, 100};
+    EXPECT_EQ(freeArea(left, elsewhere), left);
+}
+
 }  // namespace glintar::platform

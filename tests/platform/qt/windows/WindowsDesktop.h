@@ -52,7 +52,7 @@ protected:
     std::unique_ptr<XcbConnection> connection = XcbConnection::open();
     XcbReader reader{*connection};
     CompositorWatch compositor{*connection};
-    QtScreens screens;
+    QtScreens screens{*connection, loop};
     VirtualConsole console;
     QtWindowServer server{{loop, *connection, compositor, screens}, console, QDBusConnection::sessionBus()};
 };
