@@ -90,8 +90,9 @@ for document in sys.argv[2:]:
     with tempfile.TemporaryDirectory() as home:
         data = f"{home}/.local/share/glintar"
         os.makedirs(data)
-        market = subprocess.Popen([f"{sys.argv[1]}/libexec/glintar/glintar-demo-market", "--write-config",
-                                   f"{data}/remote_api_endpoints.json"], stdout=subprocess.PIPE)
+        market = subprocess.Popen([f"{sys.argv[1]}/libexec/glintar/glintar-demo-market",
+                                   f"{data}/remote_api_endpoints.json", ""],
+                                  stdin=subprocess.PIPE, stdout=subprocess.PIPE)
         atexit.register(market.kill)
         market.stdout.readline()
         ENV = {"HOME": home, "PATH": f"{sys.argv[1]}/bin:/usr/bin:/bin", "DISPLAY": display, "LANG": "C.UTF-8",

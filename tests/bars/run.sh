@@ -62,7 +62,8 @@ is_written() {
 }
 has_price() { grep -Eq 'A&B <C> [0-9]+\.[0-9]{2}' <<<"$1"; }
 
-start "$work/bin/glintar-demo-market" --write-config "$work/bin/resources/api_endpoints.json"
+# The market ends with its input.
+start bash -c 'sleep infinity | "$0" "$1" ""' "$work/bin/glintar-demo-market" "$work/bin/resources/api_endpoints.json"
 sleep 1
 
 # The bar on both outputs of a sway without a screen.
