@@ -125,6 +125,10 @@ TEST_P(OperateTest, PricesUnderAWindowOfferToMoveToThePointer) {
     ASSERT_TRUE(showsPills(kLightPill, kPillsOfTheProfile)) << program.errors();
     const Child other(
         {"xmessage", "-name", "other", "-geometry", "1280x60+0+0", "-xrm", "*overrideRedirect: true", "x"});
+    EXPECT_TRUE(eventually([&] {
+        program.signal(SIGUSR1);  // each refresh looks whether the line is seen; one within two seconds is dropped
+        return placeOf(kAlert).has_value();
+    }));
     see(kAlert, {kAlert, "Switch to Mouse Follow", "Open Settings", "OK"});
     EXPECT_FALSE(placeOf("Glintar panel"));
     press(kAlert, "Switch to Mouse Follow");

@@ -1,6 +1,7 @@
 // The refresh cycle as its user lives it, in virtual time.
 
 #include "keystore/KeychainHelper.h"
+#include "platform/DesktopEvents.h"
 #include "presenter/RefreshCycle.h"
 #include "presenter/RefreshState.h"
 
@@ -214,7 +215,7 @@ TEST_F(RefreshCycleTest, AModeChangeBeforeTheFirstQuotesAsksForThem) {
     EXPECT_EQ(surface.panels.back().gasPrice.value().price, 7);
 }
 
-TEST_F(RefreshCycleTest, TheLineIsLookedForAfterEachRefreshAndTick) {
+TEST_F(RefreshCycleTest, TheLineIsLookedForAfterEachRefreshTickAndChangeOfWindows) {
     begin();  // it leaves off a second after the first refresh
     EXPECT_EQ(surface.visibilityChecks, 1);
     machine.advance(59s + 600ms);  // the tick comes 60 s after that refresh
@@ -223,6 +224,9 @@ TEST_F(RefreshCycleTest, TheLineIsLookedForAfterEachRefreshAndTick) {
     EXPECT_EQ(surface.visibilityChecks, 2) << "half a second after the fetch";
     machine.advance(250ms);
     EXPECT_EQ(surface.visibilityChecks, 3) << "a second after the tick";
+    machine.notifications.post(platform::kActiveApplicationChanged);
+    machine.advance(1s + 50ms);
+    EXPECT_EQ(surface.visibilityChecks, 4) << "and after another window has come to the front";
 }
 
 TEST_F(RefreshCycleTest, ThePresenterMayEndWithAFetchInFlightOrInItsOwnCallback) {
