@@ -120,6 +120,9 @@ private:
         copy_ = new QPushButton(QStringLiteral("Copy"), footer);
         run_ = new QPushButton(footer);
         run_->setDefault(true);
+        for (QPushButton* const button : {copy_, run_}) {
+            button->setFont(viewFont(13));  // the window's size is fixed, whatever the desktop's font
+        }
         connect(copy_, &QPushButton::clicked, this, [this] { desktop_.clipboard.setText(manager_.report()); });
         connect(run_, &QPushButton::clicked, this, [this] { manager_.runAllTests(); });
         row->addWidget(spinner_);

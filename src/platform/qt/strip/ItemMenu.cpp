@@ -72,6 +72,9 @@ void ItemMenu::popUp(const QPoint& topLeft, int above) {
     const QScreen* screen = QGuiApplication::screenAt(topLeft);
     screen = screen == nullptr ? QGuiApplication::primaryScreen() : screen;
     QPoint at = topLeft;
+    // Qt's own style forgets that its column of checkmarks grows with the font, and cuts the longest text.
+    menu_.setMinimumWidth(0);
+    menu_.setMinimumWidth(menu_.sizeHint().width() + menu_.fontMetrics().height());
     const QSize size = menu_.sizeHint();
     if (screen != nullptr && at.y() + size.height() > screen->availableGeometry().bottom()) {
         at.setY(above - size.height());
