@@ -11,7 +11,7 @@ in_root() {
 make_root() {
   local suite=$1 dir=$2 IFS=,
   shift 2
-  mmdebstrap --quiet --variant=apt --include="ca-certificates,sudo${*:+,$*}" "$suite" "$dir" || return 1
+  mmdebstrap --quiet --variant=apt --include="ca-certificates,passwd,sudo${*:+,$*}" "$suite" "$dir" || return 1
   chroot "$dir" useradd --create-home --shell /bin/bash ada
   echo "127.0.0.1 localhost $(hostname)" >"$dir/etc/hosts"
   echo 'ada ALL=(ALL) NOPASSWD: ALL' >"$dir/etc/sudoers.d/ada"
