@@ -5,8 +5,11 @@
 
 #include <gmock/gmock.h>
 #include <signal.h>
+#include <sys/stat.h>
 
 #include <chrono>
+#include <fstream>
+#include <iterator>
 #include <thread>
 
 namespace glintar::test {
@@ -24,6 +27,12 @@ protected:
             ++count;
         }
         return count;
+    }
+    /// That it has used, in the kernel's ticks of 10 ms.
+    static long processorTime(const Program& program) {
+        std::ifstream file(fmt::format("/proc/{}/stat", program.id()));
+        const std::vector<std::string> fields{std::istream_iterator<std::string>(file), {}};
+        return std::stol(fields.at(13)) + std::stol(fields.at(14));  // proc(5): utime, stime
     }
     Environment environment() const override {
         auto environment = ProgramTest::environment();
@@ -66,6 +75,31 @@ TEST_F(SharedTest, CopiesStartedAtOnceAskOnceAndOneThatEndsHandsOver) {
     EXPECT_TRUE(eventually([&] { return asked() == 4; }));
     two.signal(SIGTERM);
     EXPECT_EQ(two.wait(), 0);
+}
+
+TEST_F(SharedTest, ABarsClicksAndSignalsReachItUntilItsInputEnds) {
+    const auto clicks = runtime.path() / "clicks";
+    ASSERT_EQ(::mkfifo(clicks.c_str(), 0600), 0);
+    Program program({"sh", "-c", fmt::format("exec {} line --format i3bar <{}", GLINTAR_PROGRAM, clicks.string())},
+                    environment());
+    std::ofstream bar(clicks);
+    ASSERT_TRUE(program.waitForOutput("full_text")) << program.errors();
+    std::this_thread::sleep_for(2100ms);  // sooner a click would be refused
+    bar << R"([
+{"name":"bitcoin","button":2}
+)" << std::flush;
+    EXPECT_TRUE(eventually([&] { return asked() == 2; }));
+    program.signal(SIGUSR2);
+    std::this_thread::sleep_for(2100ms);
+    bar << R"({"button":2)";
+    bar.close();
+    program.signal(SIGCONT);
+    program.signal(SIGUSR1);
+    EXPECT_TRUE(eventually([&] { return asked() == 3; })) << "it goes on without an input";
+    const auto before = processorTime(program);
+    std::this_thread::sleep_for(500ms);
+    EXPECT_LT(processorTime(program) - before, 20) << "an input at its end is not read again and again";
+    EXPECT_EQ(asked(), 3U);
 }
 
 }  // namespace
