@@ -21,8 +21,8 @@ void benchRound(const std::string& programs);
 /// `glintar line` into a pipe for so many minutes, its start left out.
 void benchRunning(const std::string& programs, int minutes);
 
-/// Three copies of `glintar line` for so many minutes, beside one.
-void benchShared(const std::string& programs, int minutes);
+/// Three copies of `glintar line` for ten minutes, beside one.
+void benchShared(const std::string& programs);
 
 /// Drawing the pictures of the price line, beside the same strokes of Qt's painter.
 void benchPills();

@@ -14,7 +14,8 @@ namespace glintar::bench {
 
 using namespace std::chrono_literals;
 
-void benchShared(const std::string& programs, int minutes) {
+void benchShared(const std::string& programs) {
+    constexpr int kMinutes = 10;  // a refresh each
     using Transport = support::LoopbackServer::Transport;
     const Profile alone(Transport::Tls, {.isShared = true});
     const Profile shared(Transport::Tls, {.isShared = true});
@@ -27,13 +28,13 @@ void benchShared(const std::string& programs, int minutes) {
     std::this_thread::sleep_for(5s);
     std::array<Process::PerThread, 3> before;
     std::ranges::transform(copies, before.begin(), &Process::processorNanoseconds);
-    std::this_thread::sleep_for(std::chrono::minutes(minutes));
+    std::this_thread::sleep_for(std::chrono::minutes(kMinutes));
     std::array<double, 3> used{};
     for (std::size_t i = 0; i < copies.size(); ++i) {
-        used[i] = growth(before[i], copies[i].processorNanoseconds()) / 1e6 / minutes;
+        used[i] = growth(before[i], copies[i].processorNanoseconds()) / 1e6 / kMinutes;
     }
     std::ranges::sort(used);
-    printRow({fmt::format("three copies of line, {} minutes: requests", minutes),
+    printRow({fmt::format("three copies of line, {} minutes: requests", kMinutes),
               static_cast<double>(shared.refreshes()), static_cast<double>(alone.refreshes()), 1.0, "", "one copy"});
     printRow({"three copies of line: processor time a minute of one that follows", used[1], used[2], 0.6, "ms",
               "the one that asks"});

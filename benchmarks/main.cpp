@@ -55,7 +55,7 @@ int main(int argc, char** argv) {
         bench::benchRunning(argv[1], minutes);
     }
     if (minutes > 0 && wanted("shared")) {
-        bench::benchShared(argv[1], minutes);
+        bench::benchShared(argv[1]);
     }
     return 0;
 }

@@ -70,15 +70,18 @@ sleep 1
 waybar_case() {
   mkdir -p "$HOME/.config/waybar"
   block waybar >"$HOME/.config/waybar/config"
+  { cat /etc/xdg/waybar/style.css; block waybar-style; } >"$HOME/.config/waybar/style.css"
   printf 'output * bg #203040 solid_color\nexec waybar\n' >"$work/sway"
   start env WLR_BACKENDS=headless WLR_HEADLESS_OUTPUTS=2 WLR_RENDERER=pixman WLR_LIBINPUT_NO_DEVICES=1 dbus-run-session sway -c "$work/sway"
   for output in HEADLESS-1 HEADLESS-2; do
     # The right end of the bar: the screen is 1280 points wide.
     verdict "Waybar on $output" is_written waybar 2 waybar 900x28+380+0 on_sway grim -o $output
     grep "Error parsing" "$out/log" && failures=$((failures + 1))
+    verdict "Waybar on $output, green or red" has_colour
   done
   stop
 }
+has_colour() { convert "$out/bar-waybar.png" -format %c histogram:info: | grep -Eq '32D74B|FF453A'; }
 on_sway() { WAYLAND_DISPLAY=$(basename "$(ls "$XDG_RUNTIME_DIR"/wayland-? | head -1)") "$@"; }
 
 # Two bars side by side: one with our module, one with a clock that is written as often.
@@ -163,6 +166,7 @@ conky_case() {
 prompt_case() {
   block prompt >"$work/bashrc"
   verdict "shell prompt" has_price "$(echo exit | bash --rcfile "$work/bashrc" -i 2>&1)"
+  x11_case prompt 900x28+0+0 0 xterm -fa 'DejaVu Sans Mono' -fs 9 -geometry 128x6+0+0 -e bash --rcfile "$work/bashrc" -i
 }
 
 if [ "$pictures" = cost ]; then
