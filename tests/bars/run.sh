@@ -154,6 +154,7 @@ C
 tmux_case() {
   block tmux >"$work/tmux"
   x11_case tmux 900x28+0+70 1 xterm -fa 'DejaVu Sans Mono' -fs 9 -geometry 128x6+0+0 -e tmux -S "$work/tmux-socket" -f "$work/tmux" new-session
+  tmux -S "$work/tmux-socket" kill-server
 }
 
 conky_case() {
