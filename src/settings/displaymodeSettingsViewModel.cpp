@@ -12,8 +12,6 @@
 #include "platform/Preferences.h"
 #include "platform/RunLoop.h"
 
-#include <fmt/format.h>
-
 #include <utility>
 
 namespace glintar::settings {
@@ -104,10 +102,6 @@ bool displaymodeSettingsViewModel::computeSparklineSupport() const {
 
 std::string displaymodeSettingsViewModel::modeText() const {
     return displayMode == 1 ? "The price follows your mouse cursor." : "The price shows in status bar.";
-}
-
-std::string displaymodeSettingsViewModel::offsetText() const {
-    return fmt::format("{} px", static_cast<long>(floatOffset));
 }
 
 std::string displaymodeSettingsViewModel::panelNote() const {

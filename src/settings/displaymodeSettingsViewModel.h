@@ -37,9 +37,8 @@ public:
     void reload();
     [[nodiscard]] bool computeSparklineSupport() const;
 
-    /// What stands under the choice of the place, and "16 px".
+    /// What stands under the choice of the place.
     [[nodiscard]] std::string modeText() const;
-    [[nodiscard]] std::string offsetText() const;
 
     /// What this desktop cannot do for the panel; empty when nothing, or while the panel is not chosen.
     [[nodiscard]] std::string panelNote() const;

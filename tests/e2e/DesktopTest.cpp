@@ -52,7 +52,7 @@ INSTANTIATE_TEST_SUITE_P(Desktops, DesktopsTest, testing::Bool());
 
 class SecondStartTest : public DesktopTest, public testing::WithParamInterface<Display::Bus> {};
 
-TEST_P(SecondStartTest, ShowsDashboardOrMenuOfTheFirstWhoseQuitEndsIt) {
+TEST_P(SecondStartTest, ShowsDashboardSettingsOrMenuOfTheFirstWhoseQuitEndsIt) {
     showScreen(GetParam());
     display->startManager(Display::Manager::Openbox);
     EXPECT_EQ(start({"--dashboard"}).wait(), 0) << "there is none";
@@ -62,6 +62,8 @@ TEST_P(SecondStartTest, ShowsDashboardOrMenuOfTheFirstWhoseQuitEndsIt) {
         EXPECT_EQ(start({"--dashboard"}).wait(), 0);
         EXPECT_TRUE(eventually([&] { return placeOf("Glintar dashboard").has_value() == isOpen; }));
     }
+    EXPECT_EQ(start({"--settings"}).wait(), 0);
+    EXPECT_TRUE(eventually([&] { return placeOf("Settings").has_value(); }));
     const auto before = visibleWindows();
     auto second = start({});
     EXPECT_EQ(second.wait(), 0) << second.errors();

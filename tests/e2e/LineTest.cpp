@@ -13,6 +13,8 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <chrono>
+#include <thread>
 
 namespace glintar::test {
 namespace {
@@ -195,6 +197,17 @@ TEST_F(LineTest, TheKeyOfTheUsersKeyRingGoesToItsService) {
     auto program = start({"line", "--once"}, {{"DBUS_SESSION_BUS_ADDRESS", bus.address()}});
     EXPECT_EQ(program.wait(), 0) << program.errors();
     EXPECT_THAT(log(), HasSubstr(" CG-e2e"));
+}
+
+TEST_F(LineTest, AKeyThatIsTypedIsNotShown) {
+    Program program({"sh", "-c", fmt::format("exec {} source key coingecko </dev/tty", GLINTAR_PROGRAM)}, environment(),
+                    Program::Output::Terminal);
+    ASSERT_TRUE(program.waitForErrors("API key"));
+    ASSERT_TRUE(eventually([&] { return catches(program, SIGQUIT); }));
+    std::this_thread::sleep_for(std::chrono::milliseconds(200));  // the terminal is silent by then
+    program.type("CG-typed\n");
+    EXPECT_EQ(program.wait(), 1) << "there is no key ring";
+    EXPECT_THAT(program.output() + program.errors(), Not(HasSubstr("CG-typed")));
 }
 
 TEST_F(LineTest, WhatIsInstalledRunsFromWhereItWasPut) {

@@ -142,7 +142,7 @@ TEST_F(SettingsModelsTest, DisplaySettingsAreSavedAnnouncedOnceAndReadAgain) {
     auto& display = model.display();
     display.reload();
     machine.advance(1ms);
-    EXPECT_EQ(display.offsetText(), "16 px");
+    EXPECT_EQ(display.floatOffset, 16);
     EXPECT_TRUE(display.isSparklineSupported);
     display.displayMode = 1;
     display.floatOffset = 25;
@@ -156,7 +156,7 @@ TEST_F(SettingsModelsTest, DisplaySettingsAreSavedAnnouncedOnceAndReadAgain) {
     machine.notifications.post(config::kCoinsUpdated);
     EXPECT_EQ(display.floatOffset, 25) << "read at a later turn";
     machine.advance(1ms);
-    EXPECT_EQ(display.offsetText(), "7 px");
+    EXPECT_EQ(display.floatOffset, 7);
     EXPECT_EQ(display.modeText(), "The price shows in status bar.");
     EXPECT_FALSE(display.isSparklineSupported);
 

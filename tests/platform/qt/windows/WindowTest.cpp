@@ -1,11 +1,14 @@
 #include "WindowsDesktop.h"
 #include "platform/qt/windows/QtAlert.h"
 #include "platform/qt/windows/QtView.h"
+#include "platform/qt/windows/QtWorkspace.h"
 
 #include <QApplication>
 #include <QDBusMessage>
 #include <QDBusVirtualObject>
+#include <QDesktopServices>
 #include <QLabel>
+#include <QTextBrowser>
 
 namespace glintar::platform {
 
@@ -196,6 +199,15 @@ TEST_F(WindowsDesktop, NoticesGoToTheDesktopOrToTheConsole) {
     EXPECT_TRUE(soon([&] { return !desktop.shown.empty(); }));
     EXPECT_THAT(desktop.shown, testing::ElementsAre(testing::Pair("Version 2", "Faster &amp; better, &lt;really&gt;")));
     EXPECT_EQ(console.count("Version 2"), 0);
+}
+
+TEST_F(WindowsDesktop, AMailReachesItsProgramAsItWasWritten) {
+    QTextBrowser mailProgram;
+    QDesktopServices::setUrlHandler("mailto", &mailProgram, "setSource");
+    QtWorkspace().compose({.recipient = "dev@example.org", .subject = "A & B?", .body = "Hi,\n\n50 % up"});
+    QDesktopServices::unsetUrlHandler("mailto");
+    EXPECT_EQ(mailProgram.source().toEncoded().toStdString(),
+              "mailto:dev@example.org?subject=A%20%26%20B%3F&body=Hi%2C%0D%0A%0D%0A50%20%25%20up");
 }
 
 }  // namespace
